@@ -1,0 +1,146 @@
+// The registry functions over a settings file. The file is the whole state: every call opens it, locks it against
+// other processes and threads, and reads it anew, so that any number of them may use it and edit it by hand.
+
+#include "platform/posix/RegistryText.h"
+#include "platform/posix/win32.h"
+
+#include <array>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <fcntl.h>
+#include <memory>
+#include <string>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+struct HKEY__ {
+    static constexpr std::uint32_t openMark = 0x59454B4F;
+
+    std::uint32_t mark = openMark;
+    std::string path;
+};
+
+namespace {
+
+constexpr std::string_view softwarePath = "HKEY_LOCAL_MACHINE\\SOFTWARE";
+
+const char* storePath() {
+    const char* path = std::getenv("SPM_REGISTRY");
+    return path != nullptr && *path != '\0' ? path : "/etc/kestrova/registry.reg";
+}
+
+/// The settings file, locked while this object lives.
+class StoreFile {
+public:
+    /// @param flags  for open(2)
+    /// @param lock   LOCK_SH or LOCK_EX
+    StoreFile(int flags, int lock) : descriptor(open(storePath(), flags | O_CLOEXEC, 0644)) {
+        if (descriptor < 0) return;
+        while (flock(descriptor, lock) != 0 && errno == EINTR) {
+        }
+    }
+    StoreFile(const StoreFile&) = delete;
+    StoreFile& operator=(const StoreFile&) = delete;
+    ~StoreFile() {
+        if (descriptor >= 0) close(descriptor);
+    }
+
+    bool isOpen() const { return descriptor >= 0; }
+
+    std::string read() const {
+        std::string text;
+        std::array<char, 4096> part{};
+        for (;;) {
+            const ssize_t length = pread(descriptor, part.data(), part.size(), static_cast<off_t>(text.size()));
+            if (length <= 0) return text;
+            text.append(part.data(), static_cast<std::size_t>(length));
+        }
+    }
+
+    /// Appends all of it or nothing.
+    bool append(const std::string& addition) const {
+        const off_t end = lseek(descriptor, 0, SEEK_END);
+        const ssize_t written = pwrite(descriptor, addition.data(), addition.size(), end);
+        if (written == static_cast<ssize_t>(addition.size())) return true;
+        static_cast<void>(ftruncate(descriptor, end) == 0);
+        return false;
+    }
+
+private:
+    int descriptor;
+};
+
+std::string storeText() {
+    const StoreFile file(O_RDONLY, LOCK_SH);
+    return file.isOpen() ? file.read() : std::string();
+}
+
+bool isPredefined(HKEY key) {
+    const auto number = reinterpret_cast<std::uintptr_t>(key);
+    return number >= 0x80000000 && number <= 0x8000FFFF;
+}
+
+/// The full path of an open key; empty for a handle that is none.
+std::string pathOf(HKEY key) {
+    if (key == HKEY_LOCAL_MACHINE) return "HKEY_LOCAL_MACHINE";
+    if (key == nullptr || isPredefined(key) || key->mark != HKEY__::openMark) return {};
+    return key->path;
+}
+
+LSTATUS hold(std::string path, HKEY* key) {
+    *key = std::make_unique<HKEY__>(HKEY__{HKEY__::openMark, std::move(path)}).release();
+    return ERROR_SUCCESS;
+}
+
+} // namespace
+
+LSTATUS RegOpenKeyExA(HKEY parent, const char* path, DWORD /*options*/, REGSAM /*access*/, HKEY* key) {
+    const std::string parentPath = pathOf(parent);
+    if (parentPath.empty()) return ERROR_INVALID_HANDLE;
+    const StoreFile file(O_RDWR | O_CREAT, LOCK_SH);
+    if (!file.isOpen()) return ERROR_ACCESS_DENIED;
+    const std::string text = file.read();
+    if (!registry::isStore(text)) return ERROR_BADDB;
+    std::string fullPath = parentPath + '\\' + path;
+    if (fullPath != softwarePath && !registry::hasKey(text, fullPath)) return ERROR_FILE_NOT_FOUND;
+    return hold(std::move(fullPath), key);
+}
+
+LSTATUS RegCreateKeyA(HKEY parent, const char* path, HKEY* key) {
+    const std::string parentPath = pathOf(parent);
+    if (parentPath.empty()) return ERROR_INVALID_HANDLE;
+    if (!parentPath.starts_with(softwarePath)) return ERROR_ACCESS_DENIED;
+    const StoreFile file(O_RDWR | O_CREAT, LOCK_EX);
+    if (!file.isOpen()) return ERROR_ACCESS_DENIED;
+    const std::string text = file.read();
+    if (!registry::isStore(text)) return ERROR_BADDB;
+    std::string fullPath = parentPath + '\\' + path;
+    const std::string headings = registry::missingHeadings(text, softwarePath, fullPath);
+    if (!headings.empty() && !file.append(headings)) return ERROR_DISK_FULL;
+    return hold(std::move(fullPath), key);
+}
+
+LSTATUS RegQueryValueExA(HKEY key, const char* name, DWORD* reserved, DWORD* type, LPBYTE data, DWORD* size) {
+    const std::string path = pathOf(key);
+    if (path.empty()) return ERROR_INVALID_HANDLE;
+    if (reserved != nullptr || (data != nullptr && size == nullptr)) return ERROR_INVALID_PARAMETER;
+    const std::optional<registry::Value> value = registry::findValue(storeText(), path, name);
+    if (!value) return ERROR_FILE_NOT_FOUND;
+    const DWORD room = size != nullptr ? *size : 0;
+    if (type != nullptr) *type = value->type;
+    if (size != nullptr) *size = static_cast<DWORD>(value->data.size());
+    if (data == nullptr) return ERROR_SUCCESS;
+    if (room < value->data.size()) return ERROR_MORE_DATA;
+    std::memcpy(data, value->data.data(), value->data.size());
+    return ERROR_SUCCESS;
+}
+
+LSTATUS RegCloseKey(HKEY key) {
+    if (key == HKEY_LOCAL_MACHINE) return ERROR_SUCCESS;
+    if (pathOf(key).empty()) return ERROR_INVALID_HANDLE;
+    key->mark = 0;
+    delete key;
+    return ERROR_SUCCESS;
+}

@@ -1,0 +1,69 @@
+// Modules, processes, threads and time.
+
+#include "platform/posix/win32.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <climits>
+#include <cstring>
+#include <dlfcn.h>
+#include <link.h>
+#include <string>
+#include <string_view>
+#include <unistd.h>
+
+namespace {
+
+std::string programFile() {
+    std::array<char, PATH_MAX> path{};
+    const ssize_t length = readlink("/proc/self/exe", path.data(), path.size());
+    return {path.data(), static_cast<std::size_t>(std::max<ssize_t>(length, 0))};
+}
+
+/// The loader keeps the name that a library was asked for by; where that is a relative one, the folder that the loader
+/// found it in at that time is absolute.
+std::string libraryFile(HMODULE module) {
+    Dl_info info{};
+    link_map* library = nullptr;
+    void* extra = nullptr;
+    if (dladdr1(module, &info, &extra, RTLD_DL_LINKMAP) == 0 || info.dli_fbase != module) return {};
+    std::memcpy(&library, &extra, sizeof library);
+    const std::string_view name = info.dli_fname;
+    if (name.starts_with('/')) return std::string(name);
+    std::array<char, 2 * PATH_MAX> folder{}; // the working folder and a relative path, each at most PATH_MAX
+    if (dlinfo(library, RTLD_DI_ORIGIN, folder.data()) != 0) return {};
+    return std::string(folder.data()) + '/' + std::string(name.substr(name.rfind('/') + 1));
+}
+
+} // namespace
+
+DWORD GetModuleFileNameA(HMODULE module, char* name, DWORD size) {
+    if (size == 0) return 0;
+    const std::string path = module == nullptr ? programFile() : libraryFile(module);
+    if (path.empty()) return 0;
+    const std::size_t length = std::min<std::size_t>(path.size(), size - 1);
+    name[path.copy(name, length)] = '\0';
+    return length < path.size() ? size : static_cast<DWORD>(length);
+}
+
+DWORD GetCurrentProcessId() {
+    return static_cast<DWORD>(getpid());
+}
+
+DWORD GetCurrentThreadId() {
+    return static_cast<DWORD>(gettid());
+}
+
+void _ftime64(__timeb64* now) {
+    timespec precise{};
+    clock_gettime(CLOCK_REALTIME, &precise);
+    tzset();
+    *now = {precise.tv_sec, static_cast<unsigned short>(precise.tv_nsec / 1'000'000), static_cast<short>(timezone / 60),
+            static_cast<short>(daylight)};
+}
+
+errno_t _localtime64_s(std::tm* local, const __time64_t* time) {
+    const std::time_t seconds = *time;
+    return localtime_r(&seconds, local) != nullptr ? 0 : errno;
+}

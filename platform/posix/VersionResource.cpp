@@ -1,0 +1,181 @@
+// Version resources of ELF files: the tree of VS_VERSION_INFO (see VersionBlock.h) in a section named ".rsrc".
+// Files are not trusted: each offset and length is checked against what holds it before it is used.
+//
+// The block that the host of these functions allocates is the tree, padded to 4 bytes, followed by as much room again,
+// into which texts are converted on query: a text at offset p goes to p plus the tree's length, as half as many bytes.
+
+#include "platform/posix/SameText.h"
+#include "platform/posix/win32.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <elf.h>
+#include <fcntl.h>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unistd.h>
+#include <vector>
+
+namespace {
+
+constexpr std::string_view sectionName = ".rsrc";
+constexpr std::size_t largestTree = 0xFFFF; // a node's length has 16 bits
+constexpr std::size_t headerSize = 6;       // length, value length, type
+
+class File {
+public:
+    explicit File(const char* path) : descriptor(open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {}
+    File(const File&) = delete;
+    File& operator=(const File&) = delete;
+    ~File() {
+        if (descriptor >= 0) close(descriptor);
+    }
+
+    /// Reads exactly that many bytes, or fails.
+    bool read(std::uint64_t offset, void* target, std::size_t size) const {
+        return offset <= INT64_MAX &&
+               pread(descriptor, target, size, static_cast<off_t>(offset)) == static_cast<ssize_t>(size);
+    }
+
+    template <class Record>
+    std::optional<Record> read(std::uint64_t offset) const {
+        Record record{};
+        return read(offset, &record, sizeof record) ? std::optional(record) : std::nullopt;
+    }
+
+private:
+    int descriptor;
+};
+
+WORD wordAt(const char* bytes) {
+    WORD word = 0;
+    std::memcpy(&word, bytes, sizeof word);
+    return word;
+}
+
+std::size_t aligned(std::size_t offset) {
+    return (offset + 3) / 4 * 4;
+}
+
+bool isNamed(const File& file, std::uint64_t nameOffset, std::string_view wanted) {
+    std::array<char, 8> name{};
+    return file.read(nameOffset, name.data(), wanted.size() + 1) && wanted == name.data();
+}
+
+std::optional<Elf64_Shdr> findSection(const File& file) {
+    const auto header = file.read<Elf64_Ehdr>(0);
+    if (!header || std::memcmp(header->e_ident, ELFMAG, SELFMAG) != 0) return std::nullopt;
+    if (header->e_ident[EI_CLASS] != ELFCLASS64 || header->e_shentsize != sizeof(Elf64_Shdr)) return std::nullopt;
+    const auto sectionAt = [&](unsigned index) {
+        return file.read<Elf64_Shdr>(header->e_shoff + index * sizeof(Elf64_Shdr));
+    };
+    const auto names = sectionAt(header->e_shstrndx);
+    if (!names) return std::nullopt;
+    for (unsigned index = 0; index < header->e_shnum; ++index) {
+        const auto section = sectionAt(index);
+        if (!section) return std::nullopt;
+        if (isNamed(file, names->sh_offset + section->sh_name, sectionName)) return section;
+    }
+    return std::nullopt;
+}
+
+/// The file's version tree, cut to the length that its root states; empty when there is none.
+std::vector<char> readTree(const char* path) {
+    const File file(path);
+    const auto section = findSection(file);
+    if (!section || section->sh_size < headerSize || section->sh_size > largestTree) return {};
+    std::vector<char> tree(section->sh_size);
+    if (!file.read(section->sh_offset, tree.data(), tree.size())) return {};
+    const std::size_t length = wordAt(tree.data());
+    if (length < headerSize || length > tree.size()) return {};
+    tree.resize(length);
+    return tree;
+}
+
+/// A node inside a tree, by offsets that have been checked.
+struct Node {
+    std::size_t end;
+    std::string name;
+    std::size_t value;
+    std::size_t valueSize;
+    bool isText;
+};
+
+char toLatin1(WORD unit) {
+    return unit <= 0xFF ? static_cast<char>(unit) : '?';
+}
+
+std::optional<Node> parseNode(const char* tree, std::size_t offset, std::size_t limit) {
+    if (offset + headerSize > limit) return std::nullopt;
+    Node node{offset + wordAt(tree + offset), {}, 0, 0, wordAt(tree + offset + 4) == 1};
+    if (node.end > limit) return std::nullopt;
+    std::size_t position = offset + headerSize;
+    for (; position + 2 <= node.end && wordAt(tree + position) != 0; position += 2) {
+        node.name += toLatin1(wordAt(tree + position));
+    }
+    if (position + 2 > node.end) return std::nullopt;
+    node.value = std::min(aligned(position + 2), node.end);
+    const std::size_t stated = std::size_t{wordAt(tree + offset + 2)} * (node.isText ? 2 : 1);
+    node.valueSize = std::min(stated, node.end - node.value);
+    return node;
+}
+
+std::optional<Node> findChild(const char* tree, const Node& parent, std::string_view name) {
+    std::size_t offset = aligned(parent.value + parent.valueSize);
+    while (const auto child = parseNode(tree, offset, parent.end)) {
+        if (sameText(child->name, name)) return child;
+        offset = aligned(child->end);
+    }
+    return std::nullopt;
+}
+
+std::optional<Node> findNode(const char* tree, std::string_view path) {
+    std::optional<Node> node = parseNode(tree, 0, wordAt(tree));
+    while (node && !path.empty()) {
+        path.remove_prefix(path.starts_with('\\') ? 1 : 0);
+        const std::size_t end = std::min(path.find('\\'), path.size());
+        if (end > 0) node = findChild(tree, *node, path.substr(0, end));
+        path.remove_prefix(end);
+    }
+    return node;
+}
+
+/// Converts a text behind the tree and gives its length.
+UINT convertText(const char* tree, const Node& node, char* target) {
+    const std::size_t length = node.valueSize / 2;
+    for (std::size_t i = 0; i < length; ++i) {
+        target[i] = toLatin1(wordAt(tree + node.value + 2 * i));
+    }
+    return static_cast<UINT>(length);
+}
+
+} // namespace
+
+DWORD GetFileVersionInfoSizeA(const char* path, DWORD* /*ignored*/) {
+    return static_cast<DWORD>(2 * aligned(readTree(path).size()));
+}
+
+BOOL GetFileVersionInfoA(const char* path, DWORD /*ignored*/, DWORD size, void* block) {
+    const std::vector<char> tree = readTree(path);
+    if (tree.empty() || size < 2 * aligned(tree.size())) return FALSE;
+    std::memcpy(block, tree.data(), tree.size());
+    return TRUE;
+}
+
+BOOL VerQueryValueA(const void* block, const char* path, LPVOID* value, UINT* length) {
+    // The block is the caller's to write: it was lent as constant only.
+    char* const tree = const_cast<char*>(static_cast<const char*>(block)); // NOLINT(*-const-cast)
+    const std::optional<Node> node = findNode(tree, path);
+    if (!node) return FALSE;
+    if (node->isText) {
+        char* const text = tree + aligned(wordAt(tree)) + node->value;
+        *length = convertText(tree, *node, text);
+        *value = text;
+    } else {
+        *length = static_cast<UINT>(node->valueSize);
+        *value = tree + node->value;
+    }
+    return TRUE;
+}

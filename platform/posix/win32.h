@@ -1,0 +1,110 @@
+#pragma once
+
+// Just what cap/ and module/ call of Win32 and of the Windows C runtime, with the system's types, values and answers.
+// Texts are single-byte texts; failures set no last-error code, since nobody asks for it.
+
+#include <cstdint>
+#include <ctime>
+
+using BOOL = int;
+using BYTE = std::uint8_t;
+using WORD = std::uint16_t;
+using DWORD = std::uint32_t;
+using UINT = std::uint32_t;
+using LONG = std::int32_t;
+using LSTATUS = LONG;
+using LPVOID = void*;
+using LPBYTE = BYTE*;
+using REGSAM = DWORD;
+using LANGID = WORD;
+
+struct HKEY__;
+using HKEY = HKEY__*;
+/// A loaded library or program, by the address of its first byte in memory.
+struct HINSTANCE__;
+using HINSTANCE = HINSTANCE__*;
+using HMODULE = HINSTANCE;
+
+#define WINAPI
+
+inline constexpr BOOL TRUE = 1;
+inline constexpr BOOL FALSE = 0;
+inline constexpr DWORD MAX_PATH = 260;
+inline constexpr DWORD DLL_PROCESS_ATTACH = 1;
+
+inline constexpr LSTATUS ERROR_SUCCESS = 0;
+inline constexpr LSTATUS ERROR_FILE_NOT_FOUND = 2;
+inline constexpr LSTATUS ERROR_ACCESS_DENIED = 5;
+inline constexpr LSTATUS ERROR_INVALID_HANDLE = 6;
+inline constexpr LSTATUS ERROR_INVALID_PARAMETER = 87;
+inline constexpr LSTATUS ERROR_DISK_FULL = 112;
+inline constexpr LSTATUS ERROR_MORE_DATA = 234;
+inline constexpr LSTATUS ERROR_BADDB = 1009;
+
+// The registry: a text file in the REGEDIT4 form, named by the environment variable SPM_REGISTRY. Of the predefined
+// keys there is HKEY_LOCAL_MACHINE, and of its subkeys all below SOFTWARE.
+
+#define HKEY_LOCAL_MACHINE (reinterpret_cast<HKEY>(std::uintptr_t{0x80000002}))
+
+inline constexpr REGSAM KEY_READ = 0x20019;
+inline constexpr REGSAM KEY_WRITE = 0x20006;
+
+inline constexpr DWORD REG_SZ = 1;
+inline constexpr DWORD REG_BINARY = 3;
+inline constexpr DWORD REG_DWORD = 4;
+
+LSTATUS RegOpenKeyExA(HKEY parent, const char* path, DWORD options, REGSAM access, HKEY* key);
+LSTATUS RegCreateKeyA(HKEY parent, const char* path, HKEY* key);
+LSTATUS RegQueryValueExA(HKEY key, const char* name, DWORD* reserved, DWORD* type, LPBYTE data, DWORD* size);
+LSTATUS RegCloseKey(HKEY key);
+
+// Modules, processes and threads.
+
+/// The file of a loaded library, or of the running program for a null handle.
+/// @return the length of the name; 0 when there is no such module; `size` when the name was cut to fit
+DWORD GetModuleFileNameA(HMODULE module, char* name, DWORD size);
+DWORD GetCurrentProcessId();
+DWORD GetCurrentThreadId();
+
+// Version resources: the tree of VS_VERSION_INFO in the section ".rsrc" of an ELF file.
+
+struct VS_FIXEDFILEINFO {
+    DWORD dwSignature;
+    DWORD dwStrucVersion;
+    DWORD dwFileVersionMS;
+    DWORD dwFileVersionLS;
+    DWORD dwProductVersionMS;
+    DWORD dwProductVersionLS;
+    DWORD dwFileFlagsMask;
+    DWORD dwFileFlags;
+    DWORD dwFileOS;
+    DWORD dwFileType;
+    DWORD dwFileSubtype;
+    DWORD dwFileDateMS;
+    DWORD dwFileDateLS;
+};
+
+DWORD GetFileVersionInfoSizeA(const char* path, DWORD* ignored);
+BOOL GetFileVersionInfoA(const char* path, DWORD ignored, DWORD size, void* block);
+/// Texts are converted to Latin-1 ("?" for what it lacks) inside the block.
+BOOL VerQueryValueA(const void* block, const char* path, LPVOID* value, UINT* length);
+
+/// The language of the environment (LC_ALL, LC_MESSAGES, LANG); US English where it names none that is known.
+LANGID GetUserDefaultLangID();
+
+// Time.
+
+using errno_t = int;
+using __time64_t = std::int64_t; // NOLINT(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
+
+// NOLINTNEXTLINE(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
+struct __timeb64 {
+    __time64_t time;
+    unsigned short millitm;
+    /// Minutes west of UTC, without daylight saving.
+    short timezone;
+    short dstflag;
+};
+
+void _ftime64(__timeb64* now);
+errno_t _localtime64_s(std::tm* local, const __time64_t* time);
