@@ -1,0 +1,130 @@
+#include "cap/CAPFileVersionInfo.h"
+
+#include "cap/FormatText.h"
+#include "cap/ModuleFileName.h"
+
+#include <algorithm>
+#include <cstring>
+#include <span>
+#include <string_view>
+#include <vector>
+
+namespace {
+
+constexpr std::array<const char*, CAPFileVersionInfo::textCount> textNames{
+    "CompanyName", "FileDescription", "FileVersion", "InternalName",    "LegalCopyright", "OriginalFileName",
+    "ProductName", "ProductVersion",  "Comments",    "LegalTrademarks", "PrivateBuild",   "SpecialBuild",
+};
+
+constexpr LANGID primaryLanguage(LANGID language) {
+    return language & 0xFF;
+}
+
+constexpr LANGID neutral = 0;
+constexpr LANGID english = 9;
+
+/// An entry of the resource's translation table.
+struct Translation {
+    WORD language;
+    WORD codePage;
+};
+
+/// The version data of a file, as the system hands it out.
+class VersionData {
+public:
+    /// Empty when the file has none or can't be read.
+    explicit VersionData(const char* path) : block(GetFileVersionInfoSizeA(path, nullptr)) {
+        if (!block.empty() && GetFileVersionInfoA(path, 0, static_cast<DWORD>(block.size()), block.data()) == FALSE) {
+            block.clear();
+        }
+    }
+
+    bool empty() const { return block.empty(); }
+
+    /// The value at a path: `length` bytes, or for a text characters; empty when there is none.
+    std::span<const char> query(const std::string& path) const {
+        void* value = nullptr;
+        UINT length = 0;
+        if (VerQueryValueA(block.data(), path.c_str(), &value, &length) == FALSE) return {};
+        return {static_cast<const char*>(value), length};
+    }
+
+    std::optional<std::string> text(const std::string& path) const {
+        const std::span<const char> value = query(path);
+        if (value.data() == nullptr) return std::nullopt;
+        return std::string(value.begin(), std::find(value.begin(), value.end(), '\0'));
+    }
+
+    std::vector<Translation> translations() const {
+        const std::span<const char> value = query("\\VarFileInfo\\Translation");
+        std::vector<Translation> table(value.size() / sizeof(Translation));
+        if (!table.empty()) std::memcpy(table.data(), value.data(), table.size() * sizeof(Translation));
+        return table;
+    }
+
+private:
+    std::vector<char> block;
+};
+
+/// The entry that suits the user best: the same language, the same primary language, a neutral one, English, any.
+std::optional<Translation> choose(const std::vector<Translation>& table) {
+    if (table.empty()) return std::nullopt;
+    const LANGID user = GetUserDefaultLangID();
+    const auto find = [&](auto matches) {
+        return std::find_if(table.begin(), table.end(), [&](Translation entry) { return matches(entry.language); });
+    };
+    const auto same = [&](LANGID wanted) { return find([=](LANGID language) { return language == wanted; }); };
+    const auto samePrimary = [&](LANGID wanted) {
+        return find([=](LANGID language) { return primaryLanguage(language) == primaryLanguage(wanted); });
+    };
+    for (const auto found :
+         {same(user), samePrimary(user), same(neutral), samePrimary(neutral), same(english), samePrimary(english)}) {
+        if (found != table.end()) return *found;
+    }
+    return table.front();
+}
+
+} // namespace
+
+CAPFileVersionInfo::~CAPFileVersionInfo() = default;
+
+int CAPFileVersionInfo::loadFromModule(HMODULE module) {
+    const std::string path = ModuleFileName(module);
+    return path.empty() ? 0 : loadFromFile(path.c_str());
+}
+
+int CAPFileVersionInfo::loadFromFile(const char* path) {
+    std::string newName = path;
+    clear();
+    fileName = std::move(newName);
+    const VersionData data(fileName->c_str());
+    if (data.empty()) return 0;
+
+    const std::span<const char> fixedPart = data.query("\\");
+    if (fixedPart.size() == sizeof fixedInfo) std::memcpy(&fixedInfo, fixedPart.data(), sizeof fixedInfo);
+
+    if (const std::optional<Translation> chosen = choose(data.translations())) {
+        const std::string table =
+            FormatText("\\StringFileInfo\\%04X%04X\\", unsigned{chosen->language}, unsigned{chosen->codePage});
+        std::transform(textNames.begin(), textNames.end(), texts.begin(),
+                       [&](const char* name) { return data.text(table + name); });
+    }
+    return 1;
+}
+
+void CAPFileVersionInfo::clear() {
+    fileName.reset();
+    fixedInfo = {};
+    texts.fill(std::nullopt);
+}
+
+std::uint16_t CAPFileVersionInfo::getFileVersionPart(int index) const {
+    if (index < 0 || index > 3) return 0;
+    const DWORD half = index < 2 ? fixedInfo.dwFileVersionLS : fixedInfo.dwFileVersionMS;
+    return static_cast<std::uint16_t>(index % 2 == 0 ? half & 0xFFFF : half >> 16);
+}
+
+const char* CAPFileVersionInfo::getText(Text text) const {
+    const std::optional<std::string>& kept = texts[static_cast<std::size_t>(text)];
+    return kept ? kept->c_str() : nullptr;
+}

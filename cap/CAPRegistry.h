@@ -1,0 +1,30 @@
+#pragma once
+
+#include "platform/win32.h"
+
+#include <cstdint>
+#include <string>
+
+/// One key below HKEY_LOCAL_MACHINE\SOFTWARE\Kestrova, open for the object's life, and plain values read from it.
+///
+/// Whatever goes wrong (no rights, no key, no value, a value of another type) reads as the default; nothing throws or
+/// reports an error.
+class CAPRegistry {
+public:
+    /// Opens the key, and creates it with its missing parents where the process may.
+    /// @param subkey  path below the maker's key
+    explicit CAPRegistry(std::string subkey);
+    CAPRegistry(const CAPRegistry&) = delete;
+    CAPRegistry& operator=(const CAPRegistry&) = delete;
+    virtual ~CAPRegistry();
+
+    /// The value of a REG_DWORD.
+    std::uint32_t readNumber(const std::string& name, std::uint32_t defaultValue) const;
+
+    /// The text of a REG_SZ of at most 1023 characters. One stored without its terminating NUL loses its last
+    /// character; one of 0 bytes reads as the default.
+    std::string readString(const std::string& name, const std::string& defaultValue) const;
+
+private:
+    HKEY key = nullptr;
+};

@@ -1,0 +1,18 @@
+#include "cap/FormatText.h"
+
+#include <array>
+#include <cstdio>
+
+std::string FormatTextList(const char* format, std::va_list arguments) {
+    std::array<char, maxFormattedLength + 1> buffer{};
+    std::vsnprintf(buffer.data(), buffer.size(), format, arguments);
+    return buffer.data();
+}
+
+std::string FormatText(const char* format, ...) {
+    std::va_list arguments;
+    va_start(arguments, format);
+    std::string text = FormatTextList(format, arguments);
+    va_end(arguments);
+    return text;
+}
