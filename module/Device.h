@@ -1,0 +1,8 @@
+#pragma once
+
+#include "module/SPM_BASE.h"
+
+#include <memory>
+
+/// Makes the object of the one instrument that this library drives. The instrument's own folder defines it.
+std::unique_ptr<SPM_BASE> createDevice();

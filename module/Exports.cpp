@@ -1,0 +1,141 @@
+// The module's boundary. Each exported function is one operation under one guard: a failure of any kind gives the zero
+// of the function's result (false, 0, null, a zeroed record), and no exception gets out.
+
+#include "cap/CAPFileVersionInfo.h"
+#include "module/Device.h"
+#include "module/ModuleHandle.h"
+#include "module/SPM.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace {
+
+template <class Operation>
+auto guarded(Operation operation) noexcept -> decltype(operation()) {
+    try {
+        return operation();
+    } catch (...) {
+        return decltype(operation())();
+    }
+}
+
+/// Runs an operation on the object behind a handle.
+template <class Operation>
+auto withModule(SPM_HANDLE handle, Operation operation) noexcept {
+    using Result = decltype(operation(static_cast<SPM_BASE&>(*handle)));
+    return guarded([&] { return handle != nullptr ? operation(static_cast<SPM_BASE&>(*handle)) : Result(); });
+}
+
+/// Runs one of the two reads. Without a place for what it measures, it measures nothing.
+template <class Record>
+bool readInto(Record* records, std::int32_t* count, SPM_HANDLE handle,
+              bool (IScmSPM::*read)(Record*, std::int32_t*)) noexcept {
+    if (count == nullptr) return false;
+    if (handle == nullptr || records == nullptr) {
+        *count = 0;
+        return false;
+    }
+    return withModule(handle, [&](SPM_BASE& module) { return (module.*read)(records, count); });
+}
+
+template <class Read>
+std::uint32_t fromVersionInfo(Read read) noexcept {
+    return guarded([&] {
+        CAPFileVersionInfo info;
+        info.loadFromModule(moduleHandle());
+        return read(info);
+    });
+}
+
+/// Copies a text, which may be null, into the host's buffer: cut to fit, and filled up with NULs.
+void copyText(const char* source, const SPM_TEXT& target) {
+    if (target.text == nullptr || target.size < 1) return;
+    target.text[0] = '\0';
+    if (source == nullptr) return;
+    const auto size = static_cast<std::size_t>(target.size);
+    const std::size_t length = std::min(std::strlen(source), size - 1);
+    std::fill(std::copy_n(source, length, target.text), target.text + size, '\0');
+}
+
+} // namespace
+
+uint32_t SPM_getVersion(SPM_VERSION* version) {
+    return fromVersionInfo([&](const CAPFileVersionInfo& info) -> uint32_t {
+        if (version != nullptr) {
+            version->version = info.getFileVersionPart(0);
+            copyText(info.getComments(), version->type);
+        }
+        return info.getFileVersionPart(0);
+    });
+}
+
+uint32_t SPM_getMinorVersion() {
+    return fromVersionInfo([](const CAPFileVersionInfo& info) -> uint32_t { return info.getFileVersionPart(1); });
+}
+
+void SPM_getType(SPM_TEXT* type) {
+    fromVersionInfo([&](const CAPFileVersionInfo& info) -> uint32_t {
+        if (type != nullptr) copyText(info.getComments(), *type);
+        return 0;
+    });
+}
+
+SPM_HANDLE SPM_create() {
+    return guarded([]() -> SPM_HANDLE { return createDevice().release(); });
+}
+
+void SPM_destroy(SPM_HANDLE handle) {
+    delete handle;
+}
+
+SPM_OPTION_MASKS SPM_getOptionMasks(SPM_HANDLE handle) {
+    return withModule(handle, [](SPM_BASE& module) { return module.getOptionMasks(); });
+}
+
+void SPM_setOptions(SPM_HANDLE handle, const SPM_OPTIONS* options) {
+    withModule(handle, [&](SPM_BASE& module) {
+        if (options != nullptr) module.setOptions(SPM_OPTIONS_EX(*options));
+    });
+}
+
+bool SPM_open(SPM_HANDLE handle, const char* device) {
+    return withModule(handle, [&](SPM_BASE& module) { return device != nullptr && module.open(device); });
+}
+
+void SPM_close(SPM_HANDLE handle) {
+    withModule(handle, [](SPM_BASE& module) { module.close(); });
+}
+
+bool SPM_isOpened(SPM_HANDLE handle) {
+    return withModule(handle, [](SPM_BASE& module) { return module.isOpened(); });
+}
+
+SPM_STATUS SPM_getStatus(SPM_HANDLE handle) {
+    return withModule(handle, [](SPM_BASE& module) {
+        const SPM_OPTIONS_EX status = module.getStatus();
+        return SPM_STATUS{status.aperture, status.illumination, status.auxiliary};
+    });
+}
+
+void SPM_calibrate(SPM_HANDLE handle, SPM_CALIBRATION* calibration) {
+    withModule(handle, [&](SPM_BASE& module) {
+        if (calibration != nullptr) *calibration = module.calibrate(SPM_CALIBRATION_EX(*calibration));
+    });
+}
+
+bool SPM_isCalibrated(SPM_HANDLE handle) {
+    return withModule(handle, [](SPM_BASE& module) { return module.isCalibrated(); });
+}
+
+int32_t SPM_getNumberOfReflections(SPM_HANDLE handle) {
+    return withModule(handle, [](SPM_BASE& module) { return module.getNumberOfReflections(); });
+}
+
+bool SPM_read(SPM_HANDLE handle, SPM_LAB* values, int32_t* count) {
+    return readInto(values, count, handle, &IScmSPM::read);
+}
+
+bool SPM_readSpectrum(SPM_HANDLE handle, SPM_SPECTRUM* spectra, int32_t* count) {
+    return readInto(spectra, count, handle, &IScmSPM::readSpectrum);
+}

@@ -1,0 +1,281 @@
+/**
+ * @file SPM.h
+ * The spectrophotometer module: sixteen functions to measure colour with an i1Pro 3.
+ *
+ * The life of an object
+ *   SPM_create makes it; SPM_open connects the instrument; SPM_calibrate, called in a dialogue, calibrates it on its
+ *   white reference; SPM_read and SPM_readSpectrum measure; SPM_close disconnects; SPM_destroy ends it. No order is
+ *   enforced: a function whose moment it is not answers as its description says, and does nothing.
+ *
+ * The module never waits for the user
+ *   SPM_calibrate, SPM_read and SPM_readSpectrum look at the instrument's button once and return. While the user has
+ *   not pressed it they report that nothing has been measured; the host calls again, as often and for as long as it
+ *   likes. A call blocks only while the instrument measures.
+ *
+ * Failures
+ *   No function throws or ends the process. A failure shows as the function's failure result, and the object stays
+ *   usable. What went wrong is told to a listener and to the log file:
+ *   - a C++ host attaches an ICAPLoggingListener through the interface that the handle points to (module/IScmSPM.h);
+ *     it gets one message per failure, with the instrument's own error text;
+ *   - with the setting "Logging" on, an object writes the file with the module's name and the extension ".log" beside
+ *     the module. Messages reach it only while a listener is attached.
+ *   A null handle, or a null pointer where a record, an array, a count or a text is expected, gives the failure result
+ *   too, and a count, where there is one, becomes 0. A handle that was destroyed can't be told from a living one: do
+ * not pass it.
+ *
+ * Ownership
+ *   The host owns the object from SPM_create to SPM_destroy, and all memory that it passes. The module writes into it
+ *   during the call only, and keeps no pointer.
+ *
+ * Threads
+ *   The module has no threads and no locks. Calls on one object must not overlap. Objects are independent, but share
+ *   the vendor's library and with it the instrument.
+ *
+ * Texts
+ *   NUL-terminated single-byte texts in the code page of the process.
+ *
+ * Colour
+ *   CIELab for illuminant D65 and the CIE 1964 10 degree standard observer. Reflectance in percent, from 380 nm to
+ *   730 nm in steps of 10 nm.
+ *
+ * Binary interface
+ *   Plain undecorated C functions of the 64-bit platform. Records are little-endian; SPM_TEXT, SPM_VERSION and
+ *   SPM_SPECTRUM are packed, so their pointers are not aligned. A bool is one byte, 0 or 1.
+ *
+ * Each function has a type for its pointer, SPM_..._t, for hosts that load the module at run time.
+ */
+#ifndef SPM_H
+#define SPM_H
+
+#include <stdbool.h>
+#include <stdint.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/**
+ * A module object. Opaque to C. In C++ it is the interface in module/IScmSPM.h, for hosts that are built with the
+ * module's compiler.
+ */
+typedef struct IScmSPM* SPM_HANDLE;
+
+/** Options by the values of their list entries. The i1Pro 3 has aperture 1 (4.5 mm), illuminations 1 (UV included) and
+ *  2 (UV excluded), and no auxiliary entries (0). 12 bytes. */
+typedef struct SPM_OPTIONS {
+    uint32_t aperture;
+    uint32_t illumination;
+    uint32_t auxiliary;
+} SPM_OPTIONS;
+
+/** The options in force on the instrument, as in SPM_OPTIONS; all 0 while no instrument is open. 12 bytes. */
+typedef struct SPM_STATUS {
+    uint32_t aperture;
+    uint32_t illumination;
+    uint32_t auxiliary;
+} SPM_STATUS;
+
+/** What the host may choose between, as bit masks of entry values. 20 bytes. */
+typedef struct SPM_OPTION_MASKS {
+    uint32_t apertureMask;     /**< 0: no choice */
+    uint32_t illuminationMask; /**< 0: no choice */
+    uint32_t auxiliaryMask;    /**< 0: no choice */
+    uint32_t modeMask;         /**< measuring modes that the device supports: 3 for the i1Pro 3 */
+    uint32_t referenceMask;    /**< calibration references that the device supports: 1 for the i1Pro 3 */
+} SPM_OPTION_MASKS;
+
+/** Values of SPM_CALIBRATION's `step`. */
+enum {
+    SPM_STEP_BEGIN = 0,    /**< request: begin a calibration */
+    SPM_STEP_CONTINUE = 1, /**< request: look at the button; answer: the user has to act, call again */
+    SPM_STEP_NOTHING = 3,  /**< answer: nothing was calibrated */
+    SPM_STEP_DONE = 4      /**< answer: calibrated */
+};
+
+/** A request for a calibration step, overwritten with the answer. 20 bytes. */
+typedef struct SPM_CALIBRATION {
+    uint32_t aperture;     /**< not read by the i1Pro 3; 0 in answers */
+    uint32_t illumination; /**< not read by the i1Pro 3; 0 in answers */
+    uint32_t auxiliary;    /**< not read by the i1Pro 3; 0 in answers */
+    uint32_t reference;    /**< answer: the reference to place the instrument on, 1 the white reference, 0 none */
+    uint32_t step;         /**< SPM_STEP_... */
+} SPM_CALIBRATION;
+
+/** The CIELab values of one patch. 12 bytes. */
+typedef struct SPM_LAB {
+    float L;
+    float a;
+    float b;
+} SPM_LAB;
+
+/** One point of a reflectance spectrum. 8 bytes. */
+typedef struct SPM_REFLECTION {
+    int32_t wavelength; /**< in nanometres */
+    float value;        /**< reflectance in percent: 100 for a perfect diffuser */
+} SPM_REFLECTION;
+
+#pragma pack(push, 1)
+
+/** The reflectance spectrum of one patch: where the host wants it. Never changed by the module. 12 bytes, packed. */
+typedef struct SPM_SPECTRUM {
+    int32_t numberOfReflections; /**< entries that `reflections` has room for: SPM_getNumberOfReflections */
+    SPM_REFLECTION* reflections; /**< the host's array */
+} SPM_SPECTRUM;
+
+/** A text buffer that the host lends. 12 bytes, packed. */
+typedef struct SPM_TEXT {
+    int32_t size; /**< of the buffer in bytes, with the terminating NUL */
+    char* text;   /**< the buffer */
+} SPM_TEXT;
+
+/** The module's version and type. 16 bytes, packed. */
+typedef struct SPM_VERSION {
+    uint32_t version; /**< as SPM_getVersion returns it */
+    SPM_TEXT type;    /**< as SPM_getType fills it */
+} SPM_VERSION;
+
+#pragma pack(pop)
+
+/**
+ * Reads the module's version: the fourth component of its file version. May be called before SPM_create.
+ * @param version  filled with the version and the type text (see SPM_getType); may be null
+ * @return the version; 0 when the module's file has no readable version resource
+ */
+uint32_t SPM_getVersion(SPM_VERSION* version);
+
+/**
+ * Reads the module's minor version: the third component of its file version. May be called before SPM_create.
+ * @return the minor version; 0 also when the module's file has no readable version resource
+ */
+uint32_t SPM_getMinorVersion(void);
+
+/**
+ * Reads the module's type text, the "Comments" of its version resource. This module has none: the text is empty.
+ * May be called before SPM_create.
+ * @param type  the buffer. With `text` null or `size` below 1 nothing is written. Otherwise its first byte becomes NUL,
+ *              and where there is a type text, the whole buffer is filled: at most `size` - 1 characters of the text,
+ *              and NUL from there to the end
+ */
+void SPM_getType(SPM_TEXT* type);
+
+/**
+ * Makes a module object. Reads the settings, and opens the log file when logging is on; does not touch the instrument.
+ * @return the object's handle, or null when memory ran out
+ */
+SPM_HANDLE SPM_create(void);
+
+/**
+ * Ends a module object: resets the vendor's library, which all objects of the process share, and closes the log file.
+ * @param handle  null is ignored
+ */
+void SPM_destroy(SPM_HANDLE handle);
+
+/**
+ * Reads which options the host may choose between. May be called before SPM_open.
+ * @return the masks: 0, 0, 0, 3, 1 for the i1Pro 3; all 0 on failure
+ */
+SPM_OPTION_MASKS SPM_getOptionMasks(SPM_HANDLE handle);
+
+/**
+ * Selects options. A value that no entry has leaves its option as it was. The i1Pro 3 measures the same whatever is
+ * selected.
+ * @param options  read only
+ */
+void SPM_setOptions(SPM_HANDLE handle, const SPM_OPTIONS* options);
+
+/**
+ * Connects the first instrument that the vendor's library finds and sets it to CIELab, D65, 10 degree. A connection
+ * that the object already has is closed first, and its calibration with it.
+ * @param device  name of the device connection, "USB"; it appears in the log and selects nothing
+ * @return true when connected; false when there is no instrument or a step failed, and then nothing is connected
+ */
+bool SPM_open(SPM_HANDLE handle, const char* device);
+
+/** Disconnects the instrument. Does nothing to an object that never found one. */
+void SPM_close(SPM_HANDLE handle);
+
+/**
+ * Whether the object has an open connection. An instrument that was unplugged since it was opened still counts.
+ * @return true when open; false also on failure
+ */
+bool SPM_isOpened(SPM_HANDLE handle);
+
+/**
+ * Reads the options in force on the instrument.
+ * @return 1, 1, 0 while the i1Pro 3 is open; all 0 while it is not, and on failure
+ */
+SPM_STATUS SPM_getStatus(SPM_HANDLE handle);
+
+/**
+ * Takes one step of the calibration dialogue.
+ *
+ * Begin with SPM_STEP_BEGIN. While the answer is SPM_STEP_CONTINUE, ask the user to place the instrument on the
+ * reference that the answer names and to press its button, and call again with SPM_STEP_CONTINUE. The answer
+ * SPM_STEP_DONE ends the dialogue: calibrated. SPM_STEP_NOTHING ends it without a calibration: no instrument is open,
+ * no calibration was begun, the step is none of those to request, or calibrating failed. It also drops an earlier
+ * calibration of the open instrument.
+ * @param calibration  the request, overwritten with the answer; on failure it stays as it was
+ */
+void SPM_calibrate(SPM_HANDLE handle, SPM_CALIBRATION* calibration);
+
+/**
+ * Asks the instrument itself whether it is calibrated, by taking a spot measurement on every call.
+ * @return true when calibrated; false when not, when no instrument is open, and on failure
+ */
+bool SPM_isCalibrated(SPM_HANDLE handle);
+
+/**
+ * Reads the number of entries that a spectrum has, whether or not an instrument is open.
+ * @return 36 for the i1Pro 3; 0 on failure
+ */
+int32_t SPM_getNumberOfReflections(SPM_HANDLE handle);
+
+/**
+ * Measures CIELab values of one patch (a spot) or of a row of patches (a scan), once the user has pressed the button.
+ *
+ * True with a `count` of 0 says that nothing was measured: the button was not pressed, no instrument is open, the
+ * count was below 1, or no patch was found in the row. A row of which fewer patches were found than wanted gives those.
+ * @param values  array of `count` records; only those that are measured are written
+ * @param count   in: patches wanted, 1 for a spot, 2 or more for a scan; out: patches measured, from the first record
+ * on
+ * @return true unless something failed. After a failure `count` tells how many patches were measured before it
+ */
+bool SPM_read(SPM_HANDLE handle, SPM_LAB* values, int32_t* count);
+
+/**
+ * Measures reflectance spectra of one patch (a spot) or of a row of patches (a scan), once the user has pressed the
+ * button. Answers as SPM_read does.
+ *
+ * Entry j of a spectrum gets the wavelength 380 + 10 * j nm. The first record's `numberOfReflections` must be
+ * SPM_getNumberOfReflections; if it is not, nothing is measured: true with a `count` of 0. A later record gets as many
+ * entries as its own `numberOfReflections` says, none where that is below 1 and at most 36. A record to be written
+ * whose `reflections` is null is a failure.
+ * @param spectra  array of `count` records, each with the array that is to be filled
+ * @param count    in: patches wanted, 1 for a spot, 2 or more for a scan; out: patches measured, from the first record
+ * on
+ * @return true unless something failed. After a failure `count` tells how many records were filled before it
+ */
+bool SPM_readSpectrum(SPM_HANDLE handle, SPM_SPECTRUM* spectra, int32_t* count);
+
+typedef uint32_t (*SPM_getVersion_t)(SPM_VERSION* version);
+typedef uint32_t (*SPM_getMinorVersion_t)(void);
+typedef void (*SPM_getType_t)(SPM_TEXT* type);
+typedef SPM_HANDLE (*SPM_create_t)(void);
+typedef void (*SPM_destroy_t)(SPM_HANDLE handle);
+typedef SPM_OPTION_MASKS (*SPM_getOptionMasks_t)(SPM_HANDLE handle);
+typedef void (*SPM_setOptions_t)(SPM_HANDLE handle, const SPM_OPTIONS* options);
+typedef bool (*SPM_open_t)(SPM_HANDLE handle, const char* device);
+typedef void (*SPM_close_t)(SPM_HANDLE handle);
+typedef bool (*SPM_isOpened_t)(SPM_HANDLE handle);
+typedef SPM_STATUS (*SPM_getStatus_t)(SPM_HANDLE handle);
+typedef void (*SPM_calibrate_t)(SPM_HANDLE handle, SPM_CALIBRATION* calibration);
+typedef bool (*SPM_isCalibrated_t)(SPM_HANDLE handle);
+typedef int32_t (*SPM_getNumberOfReflections_t)(SPM_HANDLE handle);
+typedef bool (*SPM_read_t)(SPM_HANDLE handle, SPM_LAB* values, int32_t* count);
+typedef bool (*SPM_readSpectrum_t)(SPM_HANDLE handle, SPM_SPECTRUM* spectra, int32_t* count);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

@@ -1,0 +1,5 @@
+#include "module/SPMRegistry.h"
+
+SPMRegistry::SPMRegistry() : CAPRegistry("SPM") {}
+
+SPMRegistry::SPMRegistry(const std::string& modelName) : CAPRegistry("SPM\\" + modelName) {}
