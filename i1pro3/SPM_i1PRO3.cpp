@@ -1,0 +1,270 @@
+#include "i1pro3/SPM_i1PRO3.h"
+
+#include "i1pro3/SdkCheck.h"
+#include "module/Device.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <stdexcept>
+#include <utility>
+
+namespace {
+
+constexpr const char* typeName = "xrite i1 Pro3";
+
+constexpr std::int32_t buttonNotPressed = 1001;
+constexpr std::int32_t notCalibrated = 13;
+
+constexpr std::uint32_t apertureValue = 1;
+constexpr std::uint32_t uvIncluded = 1;
+constexpr std::uint32_t uvExcluded = 2;
+constexpr std::uint32_t whiteReference = 1;
+constexpr std::uint32_t spotMode = 1;
+constexpr std::uint32_t scanMode = 2;
+
+constexpr std::int32_t numberOfReflections = 36;
+constexpr std::int32_t firstWavelength = 380;
+constexpr std::int32_t wavelengthStep = 10;
+constexpr float percent = 100.0F;
+
+/// A count as decimal digits, on the stack.
+class Decimal {
+public:
+    explicit Decimal(std::int32_t number) { std::to_chars(digits.data(), digits.data() + digits.size() - 1, number); }
+    const char* text() const { return digits.data(); }
+
+private:
+    std::array<char, 12> digits{};
+};
+
+/// Runs what must not fail: there is nowhere left to report to.
+template <class Operation>
+void quietly(Operation operation) noexcept {
+    try {
+        operation();
+    } catch (...) { // NOLINT(bugprone-empty-catch)
+    }
+}
+
+} // namespace
+
+std::unique_ptr<SPM_BASE> createDevice() {
+    return std::make_unique<SPM_i1PRO3>();
+}
+
+SPM_i1PRO3::SPM_i1PRO3() : SPM_BASE(typeName, false) {
+    apertures = {{"4.5 mm", apertureValue}};
+    illuminations = {{"UV Included", uvIncluded}, {"UV Excluded", uvExcluded}};
+    optionMasks.modeMask = scanMode | spotMode;
+    optionMasks.referenceMask = whiteReference;
+    references = {{"White Reference", whiteReference}};
+    modes = {{scanMode, 10.0F, 20.0F, 22, 10}, {spotMode, 16.0F, 16.0F, 10, 10}};
+    devices = {"USB"};
+}
+
+SPM_i1PRO3::~SPM_i1PRO3() {
+    quietly([&] { Log(CAPLevel::debug, spmModuleNumber, "close"); });
+    deviceState = Closed;
+    currentOptions = {};
+    quietly([&] { contain([&] { reset(); }); });
+}
+
+template <class Operation>
+bool SPM_i1PRO3::contain(Operation operation) {
+    try {
+        operation();
+        return true;
+    } catch (const CAPException& exception) {
+        LogException(exception);
+    } catch (...) { // NOLINT(bugprone-empty-catch): the answer says it; only the module's own errors have a log message
+    }
+    return false;
+}
+
+void SPM_i1PRO3::setOption(const char* key, const char* value) {
+    checkSdkResult(I1PRO3_SetOption(deviceHandle, key, value));
+}
+
+void SPM_i1PRO3::reset() {
+    checkSdkResult(I1PRO3_SetGlobalOption("Reset", "All"));
+}
+
+// Connection
+
+bool SPM_i1PRO3::open(const char* device) {
+    close();
+    Log(CAPLevel::debug, spmModuleNumber, "open[%s]", device);
+    if (!contain([&] { connect(); })) close();
+    Log(CAPLevel::debug, spmModuleNumber, "open[%s] %s", device, isOpened() ? "done" : "failed");
+    return isOpened();
+}
+
+void SPM_i1PRO3::connect() {
+    std::uint32_t count = 0;
+    I1PRO3_DeviceHandle* handles = nullptr;
+    checkSdkResult(I1PRO3_GetDevices(&handles, &count));
+    if (count == 0 || handles == nullptr) throw std::runtime_error("No device connected");
+    deviceHandle = handles[0];
+    checkSdkResult(I1PRO3_OpenDevice(deviceHandle));
+    setOption("Colorimetric.Illumination", "D65");
+    setOption("Colorimetric.Observer", "TenDegree");
+    setOption("ColorSpaceDescription.Type", "CIELab");
+    deviceState = Open;
+    SPM_OPTIONS_EX status = getStatus();
+    if (!validate(status)) throw SPMException(spmErrorNumber, "can't get xrite i1 Pro3 status");
+    currentOptions = status;
+}
+
+void SPM_i1PRO3::close() {
+    Log(CAPLevel::debug, spmModuleNumber, "close");
+    deviceState = Closed;
+    currentOptions = {};
+    if (deviceHandle == nullptr) return;
+    I1PRO3_GetConnectionStatus(deviceHandle);
+    checkSdkResult(I1PRO3_CloseDevice(deviceHandle));
+    reset();
+}
+
+bool SPM_i1PRO3::isOpened() {
+    if (deviceState == Closed) return false;
+    try {
+        I1PRO3_GetConnectionStatus(deviceHandle);
+        return true;
+    } catch (...) {
+        close();
+        return false;
+    }
+}
+
+SPM_OPTIONS_EX SPM_i1PRO3::getStatus() {
+    SPM_OPTIONS_EX status;
+    if (isOpened()) {
+        status.aperture = apertureValue;
+        SdkText illuminationNames;
+        checkSdkResult(I1PRO3_GetOption(deviceHandle, "AvailableIlluminationsKey", illuminationNames.data(),
+                                        illuminationNames.size()));
+        status.illumination = uvIncluded;
+    }
+    return resolved(status);
+}
+
+// Calibration
+
+SPM_CALIBRATION_EX SPM_i1PRO3::calibrate(const SPM_CALIBRATION_EX& request) {
+    SPM_CALIBRATION_EX reply;
+    if (!isOpened()) return resolved(reply);
+    contain([&] {
+        switch (request.step) {
+        case SPM_STEP_BEGIN:
+            deviceState = CalibrationPending;
+            reply.step = SPM_STEP_CONTINUE;
+            break;
+        case SPM_STEP_CONTINUE:
+            reply.step = continueCalibration();
+            break;
+        case SPM_STEP_DONE:
+            reply.step = SPM_STEP_DONE;
+            break;
+        default:
+            break;
+        }
+    });
+    if (reply.step == SPM_STEP_CONTINUE) reply.reference = whiteReference;
+    if (reply.step == SPM_STEP_NOTHING) deviceState = Open;
+    return resolved(reply);
+}
+
+/// Calibrates if the button was pressed, and gives the step to answer with.
+std::uint32_t SPM_i1PRO3::continueCalibration() {
+    if (deviceState == CalibrationPending && I1PRO3_GetButtonStatusD(deviceHandle) != buttonNotPressed) {
+        setOption("PrecisionCalibration", "1");
+        setOption("MeasurementMode", "ReflectanceSpot");
+        checkSdkResult(I1PRO3_Calibrate(deviceHandle));
+        deviceState = Calibrated;
+    }
+    switch (deviceState) {
+    case CalibrationPending:
+        return SPM_STEP_CONTINUE;
+    case Calibrated:
+        return SPM_STEP_DONE;
+    default:
+        return SPM_STEP_NOTHING;
+    }
+}
+
+bool SPM_i1PRO3::isCalibrated() {
+    if (!isOpened()) return false;
+    setOption("MeasurementMode", "ReflectanceSpot");
+    return I1PRO3_TriggerMeasurement(deviceHandle) != notCalibrated;
+}
+
+// Measurement
+
+std::int32_t SPM_i1PRO3::getNumberOfReflections() const {
+    return numberOfReflections;
+}
+
+bool SPM_i1PRO3::read(SPM_LAB* values, std::int32_t* count) {
+    const std::int32_t patches = std::exchange(*count, 0);
+    return contain([&] {
+        if (isOpened() && patches >= 1) measure(patches, values, count);
+    });
+}
+
+bool SPM_i1PRO3::readSpectrum(SPM_SPECTRUM* spectra, std::int32_t* count) {
+    const std::int32_t patches = std::exchange(*count, 0);
+    return contain([&] {
+        if (!isOpened() || patches < 1) return;
+        if (spectra->numberOfReflections == getNumberOfReflections()) measure(patches, spectra, count);
+    });
+}
+
+/// Measures if the button was pressed. `count` counts the records as they are filled, so that a failure leaves in it
+/// how many there are.
+template <class Record>
+void SPM_i1PRO3::measure(std::int32_t patches, Record* records, std::int32_t* count) {
+    setMeasurementMode(patches);
+    if (I1PRO3_GetButtonStatusD(deviceHandle) == buttonNotPressed) return;
+    checkSdkResult(I1PRO3_TriggerMeasurement(deviceHandle));
+    const std::int32_t samples = numberOfSamples(patches);
+    for (; *count < samples; ++*count) {
+        readSample(*count, records[*count]);
+    }
+}
+
+/// One patch is a spot; more are a row to scan.
+void SPM_i1PRO3::setMeasurementMode(std::int32_t patches) {
+    if (patches == 1) {
+        setOption("MeasurementMode", "ReflectanceSpot");
+        return;
+    }
+    setOption("RecognitionKey", "RecognitionPositionDark");
+    setOption("PatchesPerLine", Decimal(patches).text());
+    setOption("MeasurementMode", "ReflectanceScan");
+}
+
+std::int32_t SPM_i1PRO3::numberOfSamples(std::int32_t patches) {
+    if (patches == 1) return 1;
+    const std::int32_t samples = I1PRO3_GetNumberOfAvailableSamples(deviceHandle);
+    if (samples < 0 || samples > patches) throw SPMException(spmErrorNumber, "invalid number of samples");
+    return samples;
+}
+
+void SPM_i1PRO3::readSample(std::int32_t sample, SPM_LAB& values) {
+    std::array<float, 3> lab{};
+    checkSdkResult(I1PRO3_GetTriStimulus(deviceHandle, lab.data(), sample));
+    values = {lab[0], lab[1], lab[2]};
+}
+
+void SPM_i1PRO3::readSample(std::int32_t sample, const SPM_SPECTRUM& spectrum) {
+    std::array<float, numberOfReflections> factors{};
+    checkSdkResult(I1PRO3_GetSpectrum(deviceHandle, factors.data(), sample));
+    const std::int32_t room = spectrum.numberOfReflections;
+    const std::int32_t entries = std::min(room, numberOfReflections);
+    if (entries > 0 && spectrum.reflections == nullptr) throw SPMException(spmErrorNumber, "no room for reflections");
+    for (std::int32_t j = 0; j < entries; ++j) {
+        spectrum.reflections[j] = {firstWavelength + wavelengthStep * j,
+                                   factors[static_cast<std::size_t>(j)] * percent};
+    }
+}

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "i1pro3/I1PRO3_SDK.h"
+#include "module/SPM_BASE.h"
+
+/// The i1Pro 3 over its vendor's library. Every call of that library runs on the host's thread; there are no retries
+/// and no waits.
+class SPM_i1PRO3 : public SPM_BASE {
+public:
+    /// Describes the instrument; touches nothing.
+    SPM_i1PRO3();
+    SPM_i1PRO3(const SPM_i1PRO3&) = delete;
+    SPM_i1PRO3& operator=(const SPM_i1PRO3&) = delete;
+    /// Resets the vendor's library. A failure of that is logged and goes no further.
+    ~SPM_i1PRO3() override;
+
+    bool open(const char* device) override;
+    void close() override;
+    bool isOpened() override;
+    SPM_OPTIONS_EX getStatus() override;
+    bool isCalibrated() override;
+    SPM_CALIBRATION_EX calibrate(const SPM_CALIBRATION_EX& request) override;
+    std::int32_t getNumberOfReflections() const override;
+    bool readSpectrum(SPM_SPECTRUM* spectra, std::int32_t* count) override;
+    bool read(SPM_LAB* values, std::int32_t* count) override;
+
+private:
+    enum State : std::uint32_t { Closed, Open, CalibrationPending, Calibrated };
+
+    void setOption(const char* key, const char* value);
+    void connect();
+    void reset();
+    void setMeasurementMode(std::int32_t patches);
+    std::int32_t numberOfSamples(std::int32_t patches);
+    void readSample(std::int32_t sample, SPM_LAB& values);
+    void readSample(std::int32_t sample, const SPM_SPECTRUM& spectrum);
+    std::uint32_t continueCalibration();
+
+    template <class Record>
+    void measure(std::int32_t patches, Record* records, std::int32_t* count);
+
+    /// Runs an operation. A CAPException is logged; no exception comes out of it but one of the log itself.
+    /// @return whether the operation ran to its end
+    template <class Operation>
+    bool contain(Operation operation);
+
+    State deviceState = Closed;
+    I1PRO3_DeviceHandle deviceHandle = nullptr;
+};

@@ -1,0 +1,20 @@
+#include "i1pro3/SdkCheck.h"
+
+#include "i1pro3/I1PRO3_SDK.h"
+#include "module/SPMException.h"
+
+#include <algorithm>
+
+std::string SdkText::text() const {
+    return {buffer.begin(), std::find(buffer.begin(), buffer.end(), '\0')};
+}
+
+void checkSdkResult(std::int32_t result) {
+    if (result == 0) return;
+    // Both queries share the buffer and the size: the second is offered what the first left in them.
+    SdkText answer;
+    I1PRO3_GetGlobalOption("LastErrorText", answer.data(), answer.size());
+    const std::string errorText = answer.text();
+    I1PRO3_GetGlobalOption("LastErrorNumber", answer.data(), answer.size());
+    throw SPMException(spmErrorNumber, errorText + "\nErrorNumber: " + answer.text());
+}
