@@ -1,0 +1,17 @@
+#pragma once
+
+#include "simulator/Data.h"
+
+namespace simulator {
+
+struct Lab {
+    double L;
+    double a;
+    double b;
+};
+
+/// CIELab of a reflectance, by the formulae of CIE 15:2004, 7.1 (tristimulus values by weighted summation) and 8.2.1
+/// (CIE 1976 L*a*b*). The reference white is the perfect diffuser: the sum of the weights.
+Lab cieLab(const Reflectance& reflectance, const Weights& weights);
+
+} // namespace simulator

@@ -1,0 +1,74 @@
+#pragma once
+
+// How a test steers the simulated instruments in its own process: what was called, and what is to be answered.
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace simulator {
+
+/// A call of one of the fourteen functions.
+struct Call {
+    /// With its prefix I1PRO3_.
+    std::string function;
+    /// In the order of the call: a device by its serial number, an address by its size variable's value, or not at all.
+    std::vector<std::string> arguments;
+};
+
+/// An answer in place of the simulator's own.
+struct Answer {
+    /// Which calls it is for: of this function (empty: of any), with this argument (empty: with any) ...
+    std::string function;
+    std::string argument;
+    /// ... from the n-th of those on, counted from 1 when the answer is set ...
+    std::uint32_t position = 1;
+    /// ... and this often; 0 means for good.
+    std::uint32_t times = 1;
+
+    std::int32_t result = 0;
+    /// What "LastErrorText" and "LastErrorNumber" say when the result is not 0. Default: that it is simulated, and the
+    /// result.
+    std::optional<std::string> errorText;
+    std::optional<std::string> errorNumber;
+    /// For the functions that read a text: these bytes, without a NUL and cut to the buffer's size, in the buffer ...
+    std::optional<std::string> output;
+    /// ... and this number in the size variable.
+    std::optional<std::uint32_t> outputSize;
+    /// Throws a std::runtime_error in place of any answer.
+    bool throws = false;
+};
+
+class Control {
+public:
+    virtual ~Control() = default;
+
+    /// Puts everything back to how it was when the library was loaded. Device handles become invalid.
+    virtual void reset() = 0;
+
+    virtual std::vector<Call> calls() const = 0;
+    virtual void clearCalls() = 0;
+
+    /// Adds an answer. Of several that a call matches, the first that was added holds.
+    virtual void answer(const Answer& answer) = 0;
+    virtual void clearAnswers() = 0;
+
+    /// The number of instruments attached. Initially 1.
+    virtual void setDevices(std::uint32_t count) = 0;
+    /// How often the button is found not pressed before it is found pressed. Initially 3.
+    virtual void setButtonPolls(std::uint32_t polls) = 0;
+    /// The number of samples that a scan finds; none for as many as the scan asks for, which is how it starts.
+    virtual void setSamples(std::optional<std::int32_t> count) = 0;
+};
+
+} // namespace simulator
+
+extern "C" {
+
+/// The control of the simulated instruments in this process; lives as long as the library.
+simulator::Control* I1PRO3_SimulatorControl(void);
+
+/// Tells that this library is a simulation, and which. The vendor's library has no such function.
+const char* I1PRO3_SimulatorDescription(void);
+}

@@ -1,0 +1,122 @@
+#include "simulator/Instrument.h"
+
+#include <algorithm>
+#include <charconv>
+
+namespace simulator {
+
+namespace {
+
+/// The options that can be set, with their values; none for a count.
+const std::map<std::string, std::vector<std::string>>& settableOptions() {
+    static const std::map<std::string, std::vector<std::string>> options{
+        {"Colorimetric.Illumination", {"D65"}},
+        {"Colorimetric.Observer", {"TenDegree"}},
+        {"ColorSpaceDescription.Type", {"CIELab"}},
+        {"MeasurementMode", {"ReflectanceSpot", "ReflectanceScan"}},
+        {"PatchesPerLine", {}},
+        {"PrecisionCalibration", {"0", "1"}},
+        {"RecognitionKey", {"RecognitionPositionDark"}},
+    };
+    return options;
+}
+
+std::optional<std::int32_t> parseCount(const std::string& text) {
+    std::int32_t count = 0;
+    const char* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, count);
+    return error == std::errc{} && stop == end && count > 0 ? std::optional(count) : std::nullopt;
+}
+
+bool accepts(const std::vector<std::string>& values, const std::string& value) {
+    if (values.empty()) return parseCount(value).has_value();
+    return std::find(values.begin(), values.end(), value) != values.end();
+}
+
+std::string quoted(const std::string& text) {
+    return '"' + text + '"';
+}
+
+} // namespace
+
+void Instrument::expectOpen() const {
+    if (!isOpen) throw SdkError(ErrorCode::deviceNotOpen, "The device " + serial + " is not open");
+}
+
+void Instrument::open() {
+    close();
+    isOpen = true;
+}
+
+void Instrument::close() {
+    isOpen = false;
+    isCalibrated = false;
+    options.clear();
+    polls = 0;
+    samples = 0;
+}
+
+void Instrument::setOption(const std::string& key, const std::string& value) {
+    expectOpen();
+    const auto settable = settableOptions().find(key);
+    if (settable == settableOptions().end()) {
+        throw SdkError(ErrorCode::unknownOption, "There is no option " + quoted(key) + " to set");
+    }
+    if (!accepts(settable->second, value)) {
+        throw SdkError(ErrorCode::invalidValue, "The option " + quoted(key) + " can't be " + quoted(value));
+    }
+    options[key] = value;
+}
+
+std::string Instrument::option(const std::string& key) const {
+    expectOpen();
+    if (key == "AvailableIlluminationsKey") return "UVIncluded;UVExcluded";
+    const auto found = options.find(key);
+    if (found == options.end()) throw SdkError(ErrorCode::unknownOption, "The option " + quoted(key) + " is not set");
+    return found->second;
+}
+
+bool Instrument::isButtonPressed() {
+    expectOpen();
+    if (polls < setup.buttonPolls) {
+        ++polls;
+        return false;
+    }
+    polls = 0;
+    return true;
+}
+
+void Instrument::calibrate() {
+    expectOpen();
+    isCalibrated = true;
+}
+
+void Instrument::trigger() {
+    expectOpen();
+    if (!isCalibrated) throw SdkError(ErrorCode::notCalibrated, "The device " + serial + " is not calibrated");
+    const std::string mode = option("MeasurementMode");
+    if (wasRead) position = (position + static_cast<std::size_t>(samples)) % setup.chart.size();
+    wasRead = false;
+    samples = mode == "ReflectanceScan" ? samplesToScan() : 1;
+}
+
+std::int32_t Instrument::samplesToScan() const {
+    if (setup.samples) return *setup.samples;
+    return parseCount(option("PatchesPerLine")).value_or(0);
+}
+
+std::int32_t Instrument::numberOfSamples() const {
+    return isOpen ? samples : -1;
+}
+
+const Patch& Instrument::readSample(std::int32_t sample) {
+    expectOpen();
+    if (sample < 0 || sample >= samples) {
+        throw SdkError(ErrorCode::noSample,
+                       "There is no sample " + std::to_string(sample) + " of " + std::to_string(samples));
+    }
+    wasRead = true;
+    return setup.chart[(position + static_cast<std::size_t>(sample)) % setup.chart.size()];
+}
+
+} // namespace simulator

@@ -1,0 +1,64 @@
+#pragma once
+
+#include "i1pro3/I1PRO3_SDK.h"
+#include "simulator/Control.h"
+#include "simulator/Instrument.h"
+
+#include <functional>
+#include <memory>
+#include <mutex>
+
+namespace simulator {
+
+/// The library behind the fourteen functions: the instruments, the last error, the calls made and the answers set.
+class Simulator : public Control {
+public:
+    static Simulator& instance();
+
+    void reset() override;
+    std::vector<Call> calls() const override;
+    void clearCalls() override;
+    void answer(const Answer& answer) override;
+    void clearAnswers() override;
+    void setDevices(std::uint32_t count) override;
+    void setButtonPolls(std::uint32_t polls) override;
+    void setSamples(std::optional<std::int32_t> count) override;
+
+    /// Runs a call: records it, gives the answer that is set for it, or does the work.
+    /// @param writeOutput  takes an answer's output, for the functions that have one
+    /// @param work         what the function does; gives its result
+    std::int32_t run(const Call& call, const std::function<std::int32_t()>& work,
+                     const std::function<void(const Answer&)>& writeOutput = {});
+
+    /// What work may use.
+
+    std::vector<I1PRO3_DeviceHandle>& deviceList() { return handles; }
+    Instrument& instrument(I1PRO3_DeviceHandle handle);
+    std::string globalOption(const std::string& key) const;
+    void resetAll(const std::string& key, const std::string& value);
+    const Setup& commonSetup() const { return setup; }
+
+    /// The serial number of a device, as calls are recorded.
+    std::string nameOf(I1PRO3_DeviceHandle handle) const;
+
+private:
+    struct PendingAnswer {
+        Answer answer;
+        std::uint32_t seen = 0;
+    };
+
+    Simulator() { setDevices(1); }
+    const Answer* findAnswer(const Call& call);
+    void fail(std::int32_t number, const std::string& text);
+
+    mutable std::mutex mutex;
+    Setup setup;
+    std::vector<std::unique_ptr<Instrument>> instruments;
+    std::vector<I1PRO3_DeviceHandle> handles;
+    std::vector<Call> recorded;
+    std::vector<PendingAnswer> answers;
+    std::string lastErrorText;
+    std::string lastErrorNumber;
+};
+
+} // namespace simulator
