@@ -1,0 +1,56 @@
+#pragma once
+
+#include "host/Module.h"
+
+#include <array>
+#include <functional>
+#include <vector>
+
+namespace host {
+
+/// Keeps the text of the last error that the module logged.
+class ErrorListener : public ICAPLoggingListener {
+public:
+    void HandleMessage(ICAPLoggingSource* source, const ICAPLoggingMessage& message) override;
+
+    /// The text since the last call, or this one when the module logged nothing.
+    std::string take(const std::string& otherwise);
+
+private:
+    std::string last;
+};
+
+/// An instrument, open and closed with the object. Each wait for the user calls back between two looks at the button.
+class Instrument {
+public:
+    using Wait = std::function<void()>;
+    using Spectrum = std::vector<SPM_REFLECTION>;
+
+    /// @throws HostError  when the instrument can't be opened
+    explicit Instrument(const Module& loaded);
+    Instrument(const Instrument&) = delete;
+    Instrument& operator=(const Instrument&) = delete;
+    ~Instrument();
+
+    /// @throws HostError  when calibrating fails
+    void calibrate(const Wait& wait);
+
+    /// Measures a row of patches (two or more) or a spot (one).
+    /// @return as many values as patches were found: at least one, at most those asked for
+    /// @throws HostError  when measuring fails
+    std::vector<SPM_LAB> read(std::int32_t patches, const Wait& wait);
+
+    /// @throws HostError  when measuring fails
+    Spectrum readSpectrum(const Wait& wait);
+
+private:
+    /// Calls one of the module's reads until something was measured.
+    /// @return the number of patches measured
+    std::int32_t poll(const std::function<bool(std::int32_t*)>& read, std::int32_t patches, const Wait& wait);
+
+    const Module& module;
+    ErrorListener listener;
+    SPM_HANDLE handle;
+};
+
+} // namespace host

@@ -1,0 +1,29 @@
+#include "host/Module.h"
+
+#include "host/HostError.h"
+
+namespace host {
+
+template <class Function>
+Function Module::find(const char* name) const {
+    void* const address = library.find(name);
+    if (address == nullptr) throw HostError(file.string() + " is not a spectrophotometer module: it has no " + name);
+    return reinterpret_cast<Function>(address);
+}
+
+#define FIND(name) name(find<SPM_##name##_t>("SPM_" #name))
+
+Module::Module(const std::filesystem::path& path)
+    : file(path), library(path), FIND(create), FIND(destroy), FIND(open), FIND(close), FIND(isOpened), FIND(calibrate),
+      FIND(isCalibrated), FIND(getStatus), FIND(getNumberOfReflections), FIND(read), FIND(readSpectrum),
+      FIND(setOptions), FIND(getOptionMasks), FIND(getVersion), FIND(getMinorVersion), FIND(getType) {}
+
+#undef FIND
+
+std::string Module::simulation() const {
+    using Description = const char* (*)();
+    const auto description = reinterpret_cast<Description>(library.findInSdk("I1PRO3_SimulatorDescription"));
+    return description != nullptr ? description() : "";
+}
+
+} // namespace host
