@@ -20,8 +20,8 @@ struct Call {
 /// An answer in place of the simulator's own.
 struct Answer {
     /// Which calls it is for: of this function (empty: of any), with this argument (empty: with any) ...
-    std::string function;
-    std::string argument;
+    std::string function{};
+    std::string argument{};
     /// ... from the n-th of those on, counted from 1 when the answer is set ...
     std::uint32_t position = 1;
     /// ... and this often; 0 means for good.
@@ -30,12 +30,12 @@ struct Answer {
     std::int32_t result = 0;
     /// What "LastErrorText" and "LastErrorNumber" say when the result is not 0. Default: that it is simulated, and the
     /// result.
-    std::optional<std::string> errorText;
-    std::optional<std::string> errorNumber;
+    std::optional<std::string> errorText{};
+    std::optional<std::string> errorNumber{};
     /// For the functions that read a text: these bytes, without a NUL and cut to the buffer's size, in the buffer ...
-    std::optional<std::string> output;
+    std::optional<std::string> output{};
     /// ... and this number in the size variable.
-    std::optional<std::uint32_t> outputSize;
+    std::optional<std::uint32_t> outputSize{};
     /// Throws a std::runtime_error in place of any answer.
     bool throws = false;
 };

@@ -1,0 +1,171 @@
+#include "module/SPMRegistry.h"
+#include "tests/support/Support.h"
+
+#include <csignal>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+const std::string commonKey = "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM]\n";
+const std::string headings = "\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova]\n\n" + commonKey;
+
+class Registry : public testing::Test {
+protected:
+    TempFolder folder;
+    std::filesystem::path path = folder / "settings.reg";
+    EnvironmentVariable variable{"SPM_REGISTRY", path.string()};
+};
+
+} // namespace
+
+TEST_F(Registry, ReadsNumbers) {
+    struct Case {
+        std::string lines;
+        std::uint32_t number;
+    };
+    const std::vector<Case> cases{
+        {"\"Number\"=dword:00000007", 7},
+        {"\"number\"=dword:fffffffe", 0xFFFFFFFE},
+        {"  \"NUMBER\" = dword:7 \r", 7},
+        {"\"Number\"=hex(4):01,02,\\\n  00,80", 0x80000201},
+        {"\"Number\"=dword:00000007\n\"Number\"=dword:8", 8},
+        {"\"Number\"=dword:00000007\n[hkey_local_machine\\software\\kestrova\\spm]\n\"Number\"=dword:8", 8},
+        {"\"Number\"=dword:00000007\n\"Number\"=what is this", 7},
+        {"\"Number\"=dword:00000007\n[other]\n\"Number\"=dword:8", 7},
+        {"\"Number\"=dword:00000007\n\"Number\"=-", 5},
+        {"\"Number\"=dword:00000007\n[-HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova]", 5},
+        {"\"Number\"=dword:000000007", 5},
+        {"\"Number\"=\"7\"", 5},
+        {"\"Number\"=hex:07,00,00,00", 5},
+        {"\"Number\"=hex(4):07,00,00,00,00", 5},
+        {";\"Number\"=dword:00000007", 5},
+        {"\"Number\\\"=dword:00000007", 5},
+        {"", 5},
+    };
+    for (const Case& each : cases) {
+        writeFile(path, "REGEDIT4\n\n" + commonKey + each.lines);
+        EXPECT_EQ(SPMRegistry().readNumber("Number", 5), each.number) << each.lines;
+    }
+}
+
+TEST_F(Registry, ReadsTexts) {
+    struct Case {
+        std::string value;
+        std::string text;
+    };
+    const std::vector<Case> cases{
+        {"\"USB\"", "USB"},
+        {"\"\"", ""},
+        {"\"C:\\\\a \\\"b\\\"\"", "C:\\a \"b\""},
+        {"\"" + std::string(1023, 'x') + "\"", std::string(1023, 'x')},
+        {"\"" + std::string(1024, 'x') + "\"", "default"},
+        {"hex(1):41,42,43", "AB"},
+        {"hex(1):41,00,43,00", "A"},
+        {"hex(1):", "default"},
+        {"hex(2):41,00", "default"},
+        {"hex(7):41,00,00", "default"},
+        {"hex(1):4x,00", "default"},
+        {"dword:00000001", "default"},
+        {"\"USB\" trailing", "default"},
+        {"\"USB", "default"},
+    };
+    for (const Case& each : cases) {
+        writeFile(path, "REGEDIT4\r\n" + commonKey + "\"Text\"=" + each.value + "\n[next]\n");
+        EXPECT_EQ(SPMRegistry().readString("Text", "default"), each.text) << each.value;
+    }
+}
+
+TEST_F(Registry, CreatesKeysAndKeepsTheRest) {
+    struct Case {
+        std::string before;
+        std::string after;
+    };
+    const std::string rest = "; a comment\r\n\"not a line";
+    const std::string device = "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM\\xrite i1 Pro3]\n";
+    const std::vector<Case> cases{
+        {"", "REGEDIT4\n" + headings + "\n" + device},
+        {"REGEDIT4\n" + headings, "REGEDIT4\n" + headings + "\n" + device},
+        {"REGEDIT4\n" + headings + device + rest, "REGEDIT4\n" + headings + device + rest},
+        {"REGEDIT4\n" + headings + "text", "REGEDIT4\n" + headings + "text\n\n" + device},
+        {"REGEDIT4\r\n[hkey_local_machine\\software\\KESTROVA\\SPM\\XRITE I1 PRO3]\r\n[x]\r\n" + rest,
+         "REGEDIT4\r\n[hkey_local_machine\\software\\KESTROVA\\SPM\\XRITE I1 PRO3]\r\n[x]\r\n" + rest +
+             "\r\n\r\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova]\r\n\r\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM]"
+             "\r\n"},
+        {"not a settings file\n", "not a settings file\n"},
+    };
+    for (const Case& each : cases) {
+        writeFile(path, each.before);
+        for (int again = 0; again < 2; ++again) {
+            const SPMRegistry deviceKey("xrite i1 Pro3");
+            EXPECT_EQ(readFile(path), each.after);
+        }
+    }
+}
+
+TEST_F(Registry, ReadsDefaultsWithoutRights) {
+    std::filesystem::create_directory(path);
+    const SPMRegistry directory;
+    EXPECT_EQ(directory.readNumber("Logging", 5), 5U);
+    EXPECT_EQ(directory.readString("Device", "default"), "default");
+    const EnvironmentVariable missing("SPM_REGISTRY", (path / "no such folder/settings.reg").string());
+    EXPECT_EQ(SPMRegistry().readNumber("Logging", 5), 5U);
+}
+
+TEST_F(Registry, SeesWhatChangesWhileAKeyIsOpen) {
+    const SPMRegistry key;
+    writeFile(path, "REGEDIT4\n" + commonKey + "\"Logging\"=dword:00000001\n");
+    EXPECT_EQ(key.readNumber("Logging", 0), 1U);
+}
+
+TEST_F(Registry, TellsMisuseByTheSystemsErrorCodes) {
+    HKEY key = nullptr;
+    EXPECT_EQ(RegOpenKeyExA(nullptr, "SOFTWARE", 0, KEY_READ, &key), ERROR_INVALID_HANDLE);
+    EXPECT_EQ(RegOpenKeyExA(HKEY_LOCAL_MACHINE, "SOFTWARE\\none", 0, KEY_READ, &key), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(RegCloseKey(nullptr), ERROR_INVALID_HANDLE);
+    ASSERT_EQ(RegOpenKeyExA(HKEY_LOCAL_MACHINE, "SOFTWARE", 0, KEY_READ, &key), ERROR_SUCCESS);
+    EXPECT_EQ(RegQueryValueExA(key, "none", nullptr, nullptr, nullptr, nullptr), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(RegCloseKey(key), ERROR_SUCCESS);
+}
+
+TEST_F(Registry, ManyProcessesCreateEachKeyOnce) {
+    constexpr int processes = 8;
+    constexpr int keys = 40;
+    for (int process = 0; process < processes; ++process) {
+        if (fork() != 0) continue;
+        for (int i = 0; i < keys; ++i) {
+            const SPMRegistry key("model " + std::to_string((i + process) % keys));
+        }
+        _exit(0);
+    }
+    for (int process = 0; process < processes; ++process) {
+        int status = 0;
+        wait(&status);
+        EXPECT_EQ(status, 0);
+    }
+    std::vector<std::string> lines = linesOf(readFile(path));
+    EXPECT_EQ(lines.size(), 1U + 2U * (2 + keys));
+    std::erase(lines, "");
+    std::sort(lines.begin(), lines.end());
+    EXPECT_EQ(std::unique(lines.begin(), lines.end()), lines.end());
+    for (int i = 0; i < keys; ++i) {
+        const std::string line = "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM\\model " + std::to_string(i) + "]";
+        EXPECT_TRUE(std::binary_search(lines.begin(), lines.end(), line)) << line;
+    }
+}
+
+TEST_F(Registry, AFullDiskLeavesTheFileAsItWas) {
+    const std::string before = "REGEDIT4\n" + commonKey + "\"Logging\"=dword:00000001\n";
+    writeFile(path, before);
+    rlimit earlier{};
+    getrlimit(RLIMIT_FSIZE, &earlier);
+    const rlimit full{before.size() + 10, earlier.rlim_max};
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    setrlimit(RLIMIT_FSIZE, &full);
+    { const SPMRegistry key("xrite i1 Pro3"); }
+    setrlimit(RLIMIT_FSIZE, &earlier);
+    std::signal(SIGXFSZ, handler);
+    EXPECT_EQ(readFile(path), before);
+}

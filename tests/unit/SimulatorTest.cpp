@@ -1,0 +1,128 @@
+#include "i1pro3/I1PRO3_SDK.h"
+#include "simulator/Colour.h"
+#include "simulator/Control.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+class SimulatedSdk : public testing::Test {
+protected:
+    SimulatedSdk() {
+        control.reset();
+        uint32_t count = 0;
+        I1PRO3_DeviceHandle* list = nullptr;
+        I1PRO3_GetDevices(&list, &count);
+        device = list[0];
+    }
+    ~SimulatedSdk() override { control.reset(); }
+
+    void openAndCalibrate() {
+        ASSERT_EQ(I1PRO3_OpenDevice(device), 0);
+        ASSERT_EQ(I1PRO3_SetOption(device, "MeasurementMode", "ReflectanceScan"), 0);
+        ASSERT_EQ(I1PRO3_SetOption(device, "PatchesPerLine", "24"), 0);
+        ASSERT_EQ(I1PRO3_Calibrate(device), 0);
+    }
+
+    static std::string global(const char* key) {
+        std::array<char, 200> buffer{};
+        uint32_t size = buffer.size();
+        EXPECT_EQ(I1PRO3_GetGlobalOption(key, buffer.data(), &size), 0);
+        EXPECT_EQ(size, std::string(buffer.data()).size() + 1);
+        return buffer.data();
+    }
+
+    simulator::Control& control = *I1PRO3_SimulatorControl();
+    I1PRO3_DeviceHandle device = nullptr;
+};
+
+} // namespace
+
+TEST(Colour, OfKnownReflectances) {
+    const simulator::Weights weights = simulator::parseWeights(simulator::d65TenDegreeCsv);
+    struct Case {
+        double factor;
+        double lightness;
+    };
+    // Of a neutral sample, L* depends on its factor alone: 116 f(Y) - 16, and 903.3 Y for dark ones.
+    for (const Case each : {Case{1, 100}, Case{0.5, 76.0693}, Case{0.18, 49.4961}, Case{0.008, 7.2263}, Case{0, 0}}) {
+        simulator::Reflectance neutral;
+        neutral.fill(each.factor);
+        const simulator::Lab lab = cieLab(neutral, weights);
+        EXPECT_NEAR(lab.L, each.lightness, 1e-4);
+        EXPECT_NEAR(lab.a, 0, 1e-9);
+        EXPECT_NEAR(lab.b, 0, 1e-9);
+    }
+}
+
+TEST(Colour, RejectsTablesThatAreNone) {
+    const std::string header = "name,380\n";
+    EXPECT_THROW(simulator::parseChart(header + "patch,0.1\n"), std::runtime_error);
+    EXPECT_THROW(simulator::parseChart(header + "patch" + std::string(36 * 4, ',') + "\n"), std::runtime_error);
+    EXPECT_THROW(simulator::parseWeights("wavelength_nm,x,y,z\n390,1,1,1\n"), std::runtime_error);
+}
+
+TEST_F(SimulatedSdk, SpectraAndLabAreOfOneMeasurement) {
+    const simulator::Weights weights = simulator::parseWeights(simulator::d65TenDegreeCsv);
+    openAndCalibrate();
+    ASSERT_EQ(I1PRO3_TriggerMeasurement(device), 0);
+    ASSERT_EQ(I1PRO3_GetNumberOfAvailableSamples(device), 24);
+    const std::vector<simulator::Patch> chart = simulator::parseChart(simulator::colorCheckerCsv);
+    ASSERT_EQ(chart.size(), 24U);
+    for (int sample = 0; sample < 24; ++sample) {
+        std::array<float, 36> spectrum{};
+        std::array<float, 3> lab{};
+        ASSERT_EQ(I1PRO3_GetSpectrum(device, spectrum.data(), sample), 0);
+        ASSERT_EQ(I1PRO3_GetTriStimulus(device, lab.data(), sample), 0);
+        simulator::Reflectance reflectance{};
+        std::copy(spectrum.begin(), spectrum.end(), reflectance.begin());
+        const simulator::Lab expected = cieLab(reflectance, weights);
+        EXPECT_NEAR(static_cast<double>(lab[0]), expected.L, 1e-4);
+        EXPECT_NEAR(static_cast<double>(lab[1]), expected.a, 1e-4);
+        EXPECT_NEAR(static_cast<double>(lab[2]), expected.b, 1e-4);
+        EXPECT_FLOAT_EQ(spectrum[0], static_cast<float>(chart[static_cast<std::size_t>(sample)].reflectance[0]));
+    }
+    std::array<float, 36> beyond{};
+    EXPECT_NE(I1PRO3_GetSpectrum(device, beyond.data(), 24), 0);
+    EXPECT_EQ(global("LastErrorText"), "There is no sample 24 of 24");
+}
+
+TEST_F(SimulatedSdk, WantsOpeningCalibratingAndKnownOptions) {
+    EXPECT_EQ(I1PRO3_SetOption(device, "MeasurementMode", "ReflectanceSpot"), 2);
+    EXPECT_EQ(global("LastErrorText"), "The device SIM1 is not open");
+    EXPECT_EQ(I1PRO3_OpenDevice(&control), 1);
+    EXPECT_EQ(I1PRO3_OpenDevice(device), 0);
+    EXPECT_EQ(I1PRO3_SetOption(device, "Colour", "red"), 3);
+    EXPECT_EQ(global("LastErrorText"), "There is no option \"Colour\" to set");
+    EXPECT_EQ(I1PRO3_SetOption(device, "PatchesPerLine", "many"), 4);
+    EXPECT_EQ(I1PRO3_TriggerMeasurement(device), 13);
+    EXPECT_EQ(global("LastErrorNumber"), "13");
+    EXPECT_EQ(I1PRO3_CloseDevice(device), 0);
+    EXPECT_EQ(I1PRO3_CloseDevice(device), 0);
+    EXPECT_EQ(I1PRO3_SetGlobalOption("Reset", "All"), 0);
+    EXPECT_EQ(global("LastErrorText"), "");
+}
+
+TEST_F(SimulatedSdk, MovesOnWhenAMeasurementWasRead) {
+    openAndCalibrate();
+    ASSERT_EQ(I1PRO3_SetOption(device, "MeasurementMode", "ReflectanceSpot"), 0);
+    const auto firstFactor = [&] {
+        std::array<float, 36> spectrum{};
+        EXPECT_EQ(I1PRO3_TriggerMeasurement(device), 0);
+        EXPECT_EQ(I1PRO3_TriggerMeasurement(device), 0);
+        EXPECT_EQ(I1PRO3_GetSpectrum(device, spectrum.data(), 0), 0);
+        return spectrum[0];
+    };
+    EXPECT_FLOAT_EQ(firstFactor(), 0.048F);
+    EXPECT_FLOAT_EQ(firstFactor(), 0.103F);
+}
+
+TEST_F(SimulatedSdk, GivesScriptedAnswersByPosition) {
+    control.answer({.function = "I1PRO3_OpenDevice", .position = 2, .times = 2, .result = -5, .errorText = "%s"});
+    EXPECT_EQ(I1PRO3_OpenDevice(device), 0);
+    EXPECT_EQ(I1PRO3_OpenDevice(device), -5);
+    EXPECT_EQ(I1PRO3_OpenDevice(device), -5);
+    EXPECT_EQ(global("LastErrorText"), "%s");
+    EXPECT_EQ(global("LastErrorNumber"), "-5");
+    EXPECT_EQ(I1PRO3_OpenDevice(device), 0);
+}

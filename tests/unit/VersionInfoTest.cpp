@@ -1,0 +1,173 @@
+#include "cap/CAPFileVersionInfo.h"
+#include "platform/posix/VersionBlock.h"
+#include "tests/support/Support.h"
+
+#include <cstring>
+#include <elf.h>
+#include <gtest/gtest.h>
+
+namespace {
+
+using Text = CAPFileVersionInfo::Text;
+using version_block::Bytes;
+using version_block::Table;
+
+constexpr DWORD half(DWORD high, DWORD low) {
+    return high << 16 | low;
+}
+
+/// A fixed part with file version 1.2.3.4.
+Bytes fixedPart() {
+    VS_FIXEDFILEINFO info{};
+    info.dwFileVersionMS = half(1, 2);
+    info.dwFileVersionLS = half(3, 4);
+    return version_block::fixedPart(info);
+}
+
+/// An ELF file of three sections, the last with a version resource.
+std::string elfFile(const Bytes& resource) {
+    constexpr std::string_view names("\0.names\0.rsrc", 14);
+    Elf64_Ehdr header{};
+    std::memcpy(header.e_ident, ELFMAG, SELFMAG);
+    header.e_ident[EI_CLASS] = ELFCLASS64;
+    header.e_shoff = sizeof header;
+    header.e_shentsize = sizeof(Elf64_Shdr);
+    header.e_shnum = 3;
+    header.e_shstrndx = 1;
+    std::array<Elf64_Shdr, 3> sections{};
+    sections[1].sh_name = 1;
+    sections[1].sh_offset = sizeof header + sizeof sections;
+    sections[1].sh_size = names.size();
+    sections[2].sh_name = 8;
+    sections[2].sh_offset = sections[1].sh_offset + names.size();
+    sections[2].sh_size = resource.size();
+    std::string file(reinterpret_cast<const char*>(&header), sizeof header);
+    file.append(reinterpret_cast<const char*>(sections.data()), sizeof sections);
+    return file.append(names).append(resource.begin(), resource.end());
+}
+
+class VersionInfo : public testing::Test {
+protected:
+    int load(const std::string& file) {
+        writeFile(path, file);
+        return info.loadFromFile(path.c_str());
+    }
+
+    std::vector<int> parts() const {
+        std::vector<int> result;
+        for (int i = -1; i <= 4; ++i) {
+            result.push_back(info.getFileVersionPart(i));
+        }
+        return result;
+    }
+
+    TempFolder folder;
+    std::string path = (folder / "library.so").string();
+    CAPFileVersionInfo info;
+};
+
+const std::vector<int> version1234{0, 4, 3, 2, 1, 0};
+const std::vector<int> none(6);
+
+} // namespace
+
+TEST_F(VersionInfo, ReadsTheModulesOwnFile) {
+    ASSERT_EQ(info.loadFromFile(MODULE_FILE), 1);
+    EXPECT_EQ(parts(), (std::vector<int>{0, 3, 0, 9, 5, 0}));
+    EXPECT_STREQ(info.getText(Text::fileVersion), "5.9.0.3");
+    EXPECT_STREQ(info.getText(Text::productVersion), "5.9.0.3");
+    EXPECT_STREQ(info.getText(Text::internalName), "spm_i1pro3");
+    EXPECT_EQ(info.getComments(), nullptr);
+}
+
+TEST_F(VersionInfo, ReadsAllTexts) {
+    Table table{0x0409, 0x04B0, {}};
+    const std::vector<std::string_view> names{"CompanyName",    "FileDescription",  "FileVersion",  "InternalName",
+                                              "LegalCopyright", "OriginalFilename", "ProductName",  "ProductVersion",
+                                              "Comments",       "LegalTrademarks",  "PrivateBuild", "SpecialBuild"};
+    for (const std::string_view name : names) {
+        table.texts.push_back({name, name.substr(1)});
+    }
+    ASSERT_EQ(load(elfFile(version_block::build(fixedPart(), {table}))), 1);
+    EXPECT_EQ(parts(), version1234);
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        EXPECT_EQ(info.getText(static_cast<Text>(i)), names[i].substr(1)) << names[i];
+    }
+    EXPECT_STREQ(info.getComments(), "omments");
+}
+
+TEST_F(VersionInfo, ChoosesTheTableByLanguage) {
+    struct Case {
+        const char* user;
+        std::vector<LANGID> languages;
+        std::size_t chosen;
+    };
+    const std::vector<Case> cases{
+        {"de_DE.UTF-8", {0x0409, 0x0C07, 0x0407}, 2}, // the same
+        {"de_DE", {0x0409, 0x0C07, 0x0807}, 1},       // the same primary language, the first such
+        {"de_LI", {0x0409, 0x0407}, 1},               // a country that is not known
+        {"de_DE", {0x0409, 0x0400, 0x0000}, 2},       // neutral
+        {"de_DE", {0x0409, 0x0400}, 1},               // any with a neutral primary language
+        {"de_DE", {0x040C, 0x0809, 0x0009}, 2},       // English
+        {"de_DE", {0x040C, 0x0809}, 1},               // any English
+        {"de_DE", {0x040C, 0x0410}, 0},               // whichever comes first
+        {"C", {0x040C, 0x0809, 0x0409}, 2},           // no language is US English
+        {"xx_XX", {0x040C, 0x0409}, 1},               // as is an unknown one
+    };
+    const std::array<const char*, 3> comments{"0", "1", "2"};
+    for (const Case& each : cases) {
+        const EnvironmentVariable variable("LC_ALL", each.user);
+        std::vector<Table> tables;
+        for (const LANGID language : each.languages) {
+            tables.push_back({language, 0x04E4, {{"Comments", comments[tables.size()]}}});
+        }
+        ASSERT_EQ(load(elfFile(version_block::build(fixedPart(), tables))), 1);
+        EXPECT_STREQ(info.getComments(), comments[each.chosen]) << each.user << " case " << (&each - cases.data());
+    }
+}
+
+TEST_F(VersionInfo, LoadsWhatThereIs) {
+    const Bytes complete = version_block::build(fixedPart(), {{0x0409, 0x04B0, {{"Comments", "text"}}}});
+    ASSERT_EQ(load(elfFile(complete)), 1);
+    ASSERT_STREQ(info.getComments(), "text");
+
+    Bytes longFixedPart = fixedPart();
+    longFixedPart.resize(56);
+    ASSERT_EQ(load(elfFile(version_block::build(longFixedPart, {{0x0409, 0x04B0, {{"FileVersion", "x"}}}}))), 1);
+    EXPECT_EQ(parts(), none);
+    EXPECT_STREQ(info.getText(Text::fileVersion), "x");
+    EXPECT_EQ(info.getComments(), nullptr);
+
+    ASSERT_EQ(load(elfFile(version_block::build(fixedPart(), {}))), 1);
+    EXPECT_EQ(parts(), version1234);
+    EXPECT_EQ(info.getText(Text::fileVersion), nullptr);
+
+    for (const std::string& file : {std::string(), std::string("text"), elfFile({}), elfFile(Bytes(100))}) {
+        ASSERT_EQ(load(elfFile(complete)), 1);
+        EXPECT_EQ(load(file), 0);
+        EXPECT_EQ(parts(), none);
+        EXPECT_EQ(info.getComments(), nullptr);
+    }
+    EXPECT_EQ(info.loadFromFile((folder / "no such file").c_str()), 0);
+    EXPECT_EQ(load(elfFile(complete)), 1);
+    EXPECT_EQ(info.loadFromModule(reinterpret_cast<HMODULE>(&info)), 0);
+    EXPECT_STREQ(info.getComments(), "text");
+}
+
+// The sanitizers watch: nothing outside the data may be touched, and every load must come to an end.
+TEST_F(VersionInfo, SurvivesTruncatedAndHostileFiles) {
+    const std::string file = elfFile(version_block::build(fixedPart(), {{0x0409, 0x04B0, {{"Comments", "text"}}}}));
+    for (std::size_t length = 0; length < file.size(); ++length) {
+        load(file.substr(0, length));
+    }
+    for (std::size_t i = 0; i < file.size(); ++i) {
+        for (const char byte : {'\0', '\1', '\x7F', '\xFF'}) {
+            std::string changed = file;
+            changed[i] = byte;
+            load(changed);
+            changed[i ^ 1] = byte;
+            load(changed);
+        }
+    }
+    EXPECT_EQ(load(file), 1);
+}
