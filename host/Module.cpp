@@ -22,7 +22,7 @@ Module::Module(const std::filesystem::path& path)
 
 std::string Module::simulation() const {
     using Description = const char* (*)();
-    const auto description = reinterpret_cast<Description>(library.findInSdk("I1PRO3_SimulatorDescription"));
+    const auto description = reinterpret_cast<Description>(findInSdk("I1PRO3_SimulatorDescription"));
     return description != nullptr ? description() : "";
 }
 

@@ -14,6 +14,9 @@ public:
     /// @throws HostError  when the file can't be loaded or lacks a function
     explicit Module(const std::filesystem::path& path);
 
+    /// The address of a function of the vendor's library that the module runs on; null for none.
+    void* findInSdk(const char* name) const { return library.findInSdk(name); }
+
     /// What the vendor's library says of itself when it is a simulation; empty when it says nothing.
     std::string simulation() const;
 

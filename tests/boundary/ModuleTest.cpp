@@ -1,0 +1,68 @@
+#include "tests/boundary/ModuleTest.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+fs::path installModule(const TempFolder& folder) {
+    for (const fs::path file : {MODULE_FILE, SDK_FILE}) {
+        fs::copy_file(file, folder / file.filename().string());
+    }
+    writeFile(folder / "settings.reg",
+              "REGEDIT4\n\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM]\n\"Logging\"=dword:00000001\n");
+    return folder / fs::path(MODULE_FILE).filename().string();
+}
+
+simulator::Control& controlOf(const host::Module& module) {
+    using Control = simulator::Control* (*)();
+    return *reinterpret_cast<Control>(module.findInSdk("I1PRO3_SimulatorControl"))();
+}
+
+} // namespace
+
+ModuleTest::ModuleTest() : module(installModule(folder)), sdk(controlOf(module)), handle(module.create()) {
+    handle->AddListener(&listener);
+}
+
+ModuleTest::~ModuleTest() {
+    module.destroy(handle);
+}
+
+Texts ModuleTest::takeCalls() {
+    const std::string prefix = "I1PRO3_";
+    Texts texts;
+    for (const simulator::Call& call : sdk.calls()) {
+        std::string text = call.function.substr(prefix.size());
+        for (const std::string& argument : call.arguments) {
+            text += " " + argument;
+        }
+        texts.push_back(text);
+    }
+    sdk.clearCalls();
+    return texts;
+}
+
+Texts ModuleTest::log() const {
+    Texts messages;
+    for (const std::string& line : linesOf(readFile(folder / "spm_i1pro3.log"))) {
+        const std::size_t head = line.find("] M");
+        messages.push_back(head == std::string::npos ? line : line.substr(head + 2));
+    }
+    if (!messages.empty()) messages.erase(messages.begin());
+    return messages;
+}
+
+void ModuleTest::open() {
+    ASSERT_TRUE(module.open(handle, "USB"));
+    takeCalls();
+}
+
+void ModuleTest::prepare() {
+    open();
+    sdk.setButtonPolls(0);
+    SPM_CALIBRATION calibration{};
+    module.calibrate(handle, &calibration);
+    module.calibrate(handle, &calibration);
+    ASSERT_EQ(calibration.step, uint32_t{SPM_STEP_DONE});
+    takeCalls();
+}
