@@ -5,9 +5,7 @@
 #include "module/Device.h"
 #include "module/ModuleHandle.h"
 #include "module/SPM.h"
-
-#include <algorithm>
-#include <cstring>
+#include "module/TextRecord.h"
 
 namespace {
 
@@ -46,16 +44,6 @@ std::uint32_t fromVersionInfo(Read read) noexcept {
         info.loadFromModule(moduleHandle());
         return read(info);
     });
-}
-
-/// Copies a text, which may be null, into the host's buffer: cut to fit, and filled up with NULs.
-void copyText(const char* source, const SPM_TEXT& target) {
-    if (target.text == nullptr || target.size < 1) return;
-    target.text[0] = '\0';
-    if (source == nullptr) return;
-    const auto size = static_cast<std::size_t>(target.size);
-    const std::size_t length = std::min(std::strlen(source), size - 1);
-    std::fill(std::copy_n(source, length, target.text), target.text + size, '\0');
 }
 
 } // namespace
