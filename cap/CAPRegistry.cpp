@@ -30,7 +30,7 @@ std::string CAPRegistry::readString(const std::string& name, const std::string& 
     if (key == nullptr) return defaultValue;
     std::array<char, 1024> buffer{};
     DWORD type = 0;
-    DWORD size = static_cast<DWORD>(buffer.size());
+    auto size = static_cast<DWORD>(buffer.size());
     const LSTATUS status =
         RegQueryValueExA(key, name.c_str(), nullptr, &type, reinterpret_cast<LPBYTE>(buffer.data()), &size);
     if (status != ERROR_SUCCESS || type != REG_SZ || size == 0) return defaultValue;

@@ -5,6 +5,7 @@
 
 std::string FormatTextList(const char* format, std::va_list arguments) {
     std::array<char, maxFormattedLength + 1> buffer{};
+    // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): the caller has started the list
     std::vsnprintf(buffer.data(), buffer.size(), format, arguments);
     return buffer.data();
 }

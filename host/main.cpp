@@ -3,10 +3,12 @@
 #include "host/System.h"
 
 #include <CLI/CLI.hpp>
+#include <cstdio>
 #include <cstdlib>
-#include <fmt/format.h>
 
-int main(int argc, char** argv) {
+namespace {
+
+int run(int argc, char** argv) {
     CLI::App app{"spm - measures colour through the spectrophotometer module"};
     app.require_subcommand(1);
 
@@ -20,13 +22,19 @@ int main(int argc, char** argv) {
         ->capture_default_str();
     CLI11_PARSE(app, argc, argv);
 
+    if (options.module.empty()) options.module = host::programFolder() / host::moduleFileName;
+    host::measure(options);
+    return EXIT_SUCCESS;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
     try {
-        if (options.module.empty()) options.module = host::programFolder() / host::moduleFileName;
-        host::measure(options);
-        return EXIT_SUCCESS;
+        return run(argc, argv);
     } catch (const std::exception& error) {
         std::fflush(stdout);
-        fmt::print(stderr, "spm: {}\n", error.what());
+        std::fprintf(stderr, "spm: %s\n", error.what());
         return EXIT_FAILURE;
     }
 }

@@ -108,7 +108,9 @@ SPM_STATUS SPM_getStatus(SPM_HANDLE handle) {
 
 void SPM_calibrate(SPM_HANDLE handle, SPM_CALIBRATION* calibration) {
     withModule(handle, [&](SPM_BASE& module) {
-        if (calibration != nullptr) *calibration = module.calibrate(SPM_CALIBRATION_EX(*calibration));
+        if (calibration == nullptr) return;
+        const SPM_CALIBRATION_EX answer = module.calibrate(SPM_CALIBRATION_EX(*calibration));
+        *calibration = static_cast<const SPM_CALIBRATION&>(answer);
     });
 }
 

@@ -42,6 +42,9 @@ struct SPM_MODE {
 /// The order of the operations is the order of the virtual table, which hosts bind to: append, never insert. The
 /// operations with a function in SPM.h are described there. Texts that are returned live as long as the object.
 struct IScmSPM : CAPLoggingHandler {
+    IScmSPM() = default;
+    IScmSPM(const IScmSPM&) = delete;
+    IScmSPM& operator=(const IScmSPM&) = delete;
     ~IScmSPM() override;
 
     // HandleMessage, Dispatch and LogMessage stand here.

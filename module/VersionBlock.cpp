@@ -14,43 +14,46 @@ constexpr DWORD halfOf(DWORD high, DWORD low) {
     return high << 16 | low;
 }
 
-constexpr version_block::Bytes moduleVersion() {
-    constexpr DWORD mostSignificant = halfOf(SPM_VERSION_MAJOR, SPM_VERSION_MINOR);
-    constexpr DWORD leastSignificant = halfOf(SPM_VERSION_PATCH, SPM_VERSION_TWEAK);
-    constexpr VS_FIXEDFILEINFO fixedInfo{
-        .dwSignature = 0xFEEF04BD,
-        .dwStrucVersion = 0x00010000,
-        .dwFileVersionMS = mostSignificant,
-        .dwFileVersionLS = leastSignificant,
-        .dwProductVersionMS = mostSignificant,
-        .dwProductVersionLS = leastSignificant,
-        .dwFileFlagsMask = 0x3F,
-        .dwFileFlags = 0,
-        .dwFileOS = 0x00040004, // VOS_NT_WINDOWS32
-        .dwFileType = 2,        // dynamic library
-        .dwFileSubtype = 0,
-        .dwFileDateMS = 0,
-        .dwFileDateLS = 0,
-    };
-    return version_block::build(version_block::fixedPart(fixedInfo), {{0x0409,
-                                                                       0x04B0,
-                                                                       {{"CompanyName", SPM_VERSION_COMPANY},
-                                                                        {"FileDescription", SPM_VERSION_DESCRIPTION},
-                                                                        {"FileVersion", SPM_VERSION_TEXT},
-                                                                        {"InternalName", SPM_VERSION_INTERNAL_NAME},
-                                                                        {"LegalCopyright", SPM_VERSION_COPYRIGHT},
-                                                                        {"OriginalFileName", SPM_VERSION_FILE_NAME},
-                                                                        {"ProductName", SPM_VERSION_PRODUCT},
-                                                                        {"ProductVersion", SPM_VERSION_TEXT}}}});
-}
+constexpr DWORD mostSignificant = halfOf(SPM_VERSION_MAJOR, SPM_VERSION_MINOR);
+constexpr DWORD leastSignificant = halfOf(SPM_VERSION_PATCH, SPM_VERSION_TWEAK);
 
-consteval auto moduleVersionArray() {
-    std::array<char, moduleVersion().size()> bytes{};
-    const version_block::Bytes version = moduleVersion();
-    std::copy(version.begin(), version.end(), bytes.begin());
+constexpr VS_FIXEDFILEINFO fixedInfo{
+    .dwSignature = 0xFEEF04BD,
+    .dwStrucVersion = 0x00010000,
+    .dwFileVersionMS = mostSignificant,
+    .dwFileVersionLS = leastSignificant,
+    .dwProductVersionMS = mostSignificant,
+    .dwProductVersionLS = leastSignificant,
+    .dwFileFlagsMask = 0x3F,
+    .dwFileFlags = 0,
+    .dwFileOS = 0x00040004, // VOS_NT_WINDOWS32
+    .dwFileType = 2,        // dynamic library
+    .dwFileSubtype = 0,
+    .dwFileDateMS = 0,
+    .dwFileDateLS = 0,
+};
+
+constexpr std::array<version_block::Text, 8> texts{{
+    {"CompanyName", SPM_VERSION_COMPANY},
+    {"FileDescription", SPM_VERSION_DESCRIPTION},
+    {"FileVersion", SPM_VERSION_TEXT},
+    {"InternalName", SPM_VERSION_INTERNAL_NAME},
+    {"LegalCopyright", SPM_VERSION_COPYRIGHT},
+    {"OriginalFilename", SPM_VERSION_FILE_NAME},
+    {"ProductName", SPM_VERSION_PRODUCT},
+    {"ProductVersion", SPM_VERSION_TEXT},
+}};
+
+constexpr std::array<version_block::Table, 1> tables{{{0x0409, 0x04B0, texts}}};
+
+constexpr version_block::Block block = version_block::build(version_block::fixedPart(fixedInfo), tables);
+
+constexpr std::array<char, block.size()> exactly() {
+    std::array<char, block.size()> bytes{};
+    std::copy(block.begin(), block.end(), bytes.begin());
     return bytes;
 }
 
-[[gnu::section(".rsrc"), gnu::used, gnu::aligned(4)]] constexpr auto versionBlock = moduleVersionArray();
+[[gnu::section(".rsrc"), gnu::used, gnu::aligned(4)]] constexpr auto versionResource = exactly();
 
 } // namespace

@@ -47,7 +47,7 @@ private:
         std::uint32_t seen = 0;
     };
 
-    Simulator() { setDevices(1); }
+    Simulator() { Simulator::setDevices(1); }
     const Answer* findAnswer(const Call& call);
     void fail(std::int32_t number, const std::string& text);
 

@@ -3,7 +3,7 @@
 #include "platform/posix/win32.h"
 
 /// The first byte of the library in memory; defined by the linker.
-extern "C" [[gnu::visibility("hidden")]] const char __ehdr_start; // NOLINT(*-reserved-identifier,cert-*)
+extern "C" [[gnu::visibility("hidden")]] const char __ehdr_start; // NOLINT(bugprone-reserved-identifier)
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID reserved);
 

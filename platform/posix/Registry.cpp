@@ -4,10 +4,10 @@
 #include "platform/posix/RegistryText.h"
 #include "platform/posix/win32.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdlib>
-#include <cstring>
 #include <fcntl.h>
 #include <memory>
 #include <string>
@@ -122,6 +122,7 @@ LSTATUS RegCreateKeyA(HKEY parent, const char* path, HKEY* key) {
     return hold(std::move(fullPath), key);
 }
 
+// NOLINTNEXTLINE(readability-non-const-parameter): the system's signature
 LSTATUS RegQueryValueExA(HKEY key, const char* name, DWORD* reserved, DWORD* type, LPBYTE data, DWORD* size) {
     const std::string path = pathOf(key);
     if (path.empty()) return ERROR_INVALID_HANDLE;
@@ -133,7 +134,7 @@ LSTATUS RegQueryValueExA(HKEY key, const char* name, DWORD* reserved, DWORD* typ
     if (size != nullptr) *size = static_cast<DWORD>(value->data.size());
     if (data == nullptr) return ERROR_SUCCESS;
     if (room < value->data.size()) return ERROR_MORE_DATA;
-    std::memcpy(data, value->data.data(), value->data.size());
+    std::copy(value->data.begin(), value->data.end(), data);
     return ERROR_SUCCESS;
 }
 

@@ -6,7 +6,6 @@
 #include <array>
 #include <cerrno>
 #include <climits>
-#include <cstring>
 #include <dlfcn.h>
 #include <link.h>
 #include <string>
@@ -25,13 +24,11 @@ std::string programFile() {
 /// found it in at that time is absolute.
 std::string libraryFile(HMODULE module) {
     Dl_info info{};
-    link_map* library = nullptr;
-    void* extra = nullptr;
-    if (dladdr1(module, &info, &extra, RTLD_DL_LINKMAP) == 0 || info.dli_fbase != module) return {};
-    std::memcpy(&library, &extra, sizeof library);
+    void* library = nullptr;
+    if (dladdr1(module, &info, &library, RTLD_DL_LINKMAP) == 0 || info.dli_fbase != module) return {};
     const std::string_view name = info.dli_fname;
     if (name.starts_with('/')) return std::string(name);
-    std::array<char, 2 * PATH_MAX> folder{}; // the working folder and a relative path, each at most PATH_MAX
+    std::array<char, 2UL * PATH_MAX> folder{}; // the working folder and a relative path, each at most PATH_MAX
     if (dlinfo(library, RTLD_DI_ORIGIN, folder.data()) != 0) return {};
     return std::string(folder.data()) + '/' + std::string(name.substr(name.rfind('/') + 1));
 }

@@ -10,12 +10,10 @@
 
 #include <array>
 #include <bit>
+#include <span>
 #include <string_view>
-#include <vector>
 
 namespace version_block {
-
-using Bytes = std::vector<char>;
 
 struct Text {
     std::string_view name;
@@ -25,55 +23,67 @@ struct Text {
 struct Table {
     WORD language;
     WORD codePage;
-    std::vector<Text> texts;
+    std::span<const Text> texts;
 };
 
-constexpr void align(Bytes& bytes) {
-    bytes.resize((bytes.size() + 3) / 4 * 4);
-}
+/// Bytes of a resource, of which there may be 8192.
+class Block {
+public:
+    constexpr const char* begin() const { return bytes.data(); }
+    constexpr const char* end() const { return bytes.data() + length; }
+    constexpr std::size_t size() const { return length; }
 
-constexpr void putWord(Bytes& bytes, std::size_t offset, std::size_t word) {
-    bytes[offset] = static_cast<char>(word & 0xFF);
-    bytes[offset + 1] = static_cast<char>(word >> 8 & 0xFF);
-}
-
-constexpr void appendWord(Bytes& bytes, std::size_t word) {
-    bytes.resize(bytes.size() + 2);
-    putWord(bytes, bytes.size() - 2, word);
-}
-
-/// Appends a Latin-1 text as UTF-16 with its NUL.
-constexpr void appendText(Bytes& bytes, std::string_view text) {
-    for (const char character : text) {
-        appendWord(bytes, static_cast<unsigned char>(character));
+    /// Begins a node; what is appended until it is closed, is its value and its children.
+    /// @return what to close it with
+    constexpr std::size_t openNode(std::string_view name, bool isText, std::size_t valueLength) {
+        align();
+        const std::size_t node = length;
+        appendWord(0);
+        appendWord(valueLength);
+        appendWord(isText ? 1 : 0);
+        appendText(name);
+        align();
+        return node;
     }
-    appendWord(bytes, 0);
-}
 
-enum class Type : WORD { binary, text };
+    constexpr void closeNode(std::size_t node) { putWord(node, length - node); }
 
-/// A node without children.
-constexpr Bytes node(std::string_view name, Type type, const Bytes& value = {}) {
-    Bytes bytes(2);
-    appendWord(bytes, type == Type::text ? value.size() / 2 : value.size());
-    appendWord(bytes, static_cast<WORD>(type));
-    appendText(bytes, name);
-    align(bytes);
-    bytes.insert(bytes.end(), value.begin(), value.end());
-    putWord(bytes, 0, bytes.size());
-    return bytes;
-}
+    constexpr void appendTextNode(const Text& text) {
+        const std::size_t node = openNode(text.name, true, text.value.size() + 1);
+        appendText(text.value);
+        closeNode(node);
+    }
 
-constexpr void adopt(Bytes& parent, const Bytes& child) {
-    align(parent);
-    parent.insert(parent.end(), child.begin(), child.end());
-    putWord(parent, 0, parent.size());
-}
+    constexpr void appendBytes(std::span<const char> added) {
+        for (const char byte : added) {
+            bytes[length++] = byte;
+        }
+    }
 
-constexpr Bytes fixedPart(const VS_FIXEDFILEINFO& fixedInfo) {
-    const auto raw = std::bit_cast<std::array<char, sizeof fixedInfo>>(fixedInfo);
-    return {raw.begin(), raw.end()};
-}
+    constexpr void appendWord(std::size_t word) {
+        length += 2;
+        putWord(length - 2, word);
+    }
+
+private:
+    constexpr void putWord(std::size_t offset, std::size_t word) {
+        bytes[offset] = static_cast<char>(word & 0xFF);
+        bytes[offset + 1] = static_cast<char>(word >> 8 & 0xFF);
+    }
+
+    /// A Latin-1 text as UTF-16 with its NUL.
+    constexpr void appendText(std::string_view text) {
+        for (const char character : text) {
+            appendWord(static_cast<unsigned char>(character));
+        }
+        appendWord(0);
+    }
+
+    constexpr void align() { length = (length + 3) / 4 * 4; }
+
+    std::array<char, 8192> bytes{};
+    std::size_t length = 0;
+};
 
 /// The string table's name: language and code page as eight hexadecimal digits.
 constexpr std::array<char, 8> tableName(const Table& table) {
@@ -86,29 +96,41 @@ constexpr std::array<char, 8> tableName(const Table& table) {
     return name;
 }
 
+using FixedPart = std::array<char, sizeof(VS_FIXEDFILEINFO)>;
+
+constexpr FixedPart fixedPart(const VS_FIXEDFILEINFO& info) {
+    return std::bit_cast<FixedPart>(info);
+}
+
 /// A whole version resource.
 /// @param fixedValue  the fixed part as bytes, normally fixedPart()
-constexpr Bytes build(const Bytes& fixedValue, const std::vector<Table>& tables) {
-    Bytes strings = node("StringFileInfo", Type::text);
-    Bytes translations;
+constexpr Block build(std::span<const char> fixedValue, std::span<const Table> tables) {
+    Block block;
+    const std::size_t root = block.openNode("VS_VERSION_INFO", false, fixedValue.size());
+    block.appendBytes(fixedValue);
+
+    const std::size_t strings = block.openNode("StringFileInfo", true, 0);
     for (const Table& table : tables) {
         const auto name = tableName(table);
-        Bytes tableNode = node({name.data(), name.size()}, Type::text);
+        const std::size_t node = block.openNode({name.data(), name.size()}, true, 0);
         for (const Text& text : table.texts) {
-            Bytes value;
-            appendText(value, text.value);
-            adopt(tableNode, node(text.name, Type::text, value));
+            block.appendTextNode(text);
         }
-        adopt(strings, tableNode);
-        appendWord(translations, table.language);
-        appendWord(translations, table.codePage);
+        block.closeNode(node);
     }
-    Bytes variables = node("VarFileInfo", Type::text);
-    adopt(variables, node("Translation", Type::binary, translations));
-    Bytes root = node("VS_VERSION_INFO", Type::binary, fixedValue);
-    adopt(root, strings);
-    adopt(root, variables);
-    return root;
+    block.closeNode(strings);
+
+    const std::size_t variables = block.openNode("VarFileInfo", true, 0);
+    const std::size_t translation = block.openNode("Translation", false, 4 * tables.size());
+    for (const Table& table : tables) {
+        block.appendWord(table.language);
+        block.appendWord(table.codePage);
+    }
+    block.closeNode(translation);
+    block.closeNode(variables);
+
+    block.closeNode(root);
+    return block;
 }
 
 } // namespace version_block

@@ -124,7 +124,7 @@ std::optional<Node> parseNode(const char* tree, std::size_t offset, std::size_t 
 
 std::optional<Node> findChild(const char* tree, const Node& parent, std::string_view name) {
     std::size_t offset = aligned(parent.value + parent.valueSize);
-    while (const auto child = parseNode(tree, offset, parent.end)) {
+    while (auto child = parseNode(tree, offset, parent.end)) {
         if (sameText(child->name, name)) return child;
         offset = aligned(child->end);
     }

@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <ctime>
 
+// NOLINTBEGIN(bugprone-reserved-identifier): the system's names
+
 using BOOL = int;
 using BYTE = std::uint8_t;
 using WORD = std::uint16_t;
@@ -95,9 +97,8 @@ LANGID GetUserDefaultLangID();
 // Time.
 
 using errno_t = int;
-using __time64_t = std::int64_t; // NOLINT(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
+using __time64_t = std::int64_t;
 
-// NOLINTNEXTLINE(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
 struct __timeb64 {
     __time64_t time;
     unsigned short millitm;
@@ -108,3 +109,5 @@ struct __timeb64 {
 
 void _ftime64(__timeb64* now);
 errno_t _localtime64_s(std::tm* local, const __time64_t* time);
+
+// NOLINTEND(bugprone-reserved-identifier)

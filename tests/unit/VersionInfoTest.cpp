@@ -9,7 +9,7 @@
 namespace {
 
 using Text = CAPFileVersionInfo::Text;
-using version_block::Bytes;
+using version_block::Block;
 using version_block::Table;
 
 constexpr DWORD half(DWORD high, DWORD low) {
@@ -17,7 +17,7 @@ constexpr DWORD half(DWORD high, DWORD low) {
 }
 
 /// A fixed part with file version 1.2.3.4.
-Bytes fixedPart() {
+version_block::FixedPart fixedPart() {
     VS_FIXEDFILEINFO info{};
     info.dwFileVersionMS = half(1, 2);
     info.dwFileVersionLS = half(3, 4);
@@ -25,8 +25,8 @@ Bytes fixedPart() {
 }
 
 /// An ELF file of three sections, the last with a version resource.
-std::string elfFile(const Bytes& resource) {
-    constexpr std::string_view names("\0.names\0.rsrc", 14);
+std::string elfFile(const std::string& resource) {
+    constexpr std::string_view names("\0.names\0.rsrc\0", 14);
     Elf64_Ehdr header{};
     std::memcpy(header.e_ident, ELFMAG, SELFMAG);
     header.e_ident[EI_CLASS] = ELFCLASS64;
@@ -43,7 +43,18 @@ std::string elfFile(const Bytes& resource) {
     sections[2].sh_size = resource.size();
     std::string file(reinterpret_cast<const char*>(&header), sizeof header);
     file.append(reinterpret_cast<const char*>(sections.data()), sizeof sections);
-    return file.append(names).append(resource.begin(), resource.end());
+    return file.append(names).append(resource);
+}
+
+std::string elfFile(std::span<const char> fixedValue, const std::vector<Table>& tables) {
+    const Block block = version_block::build(fixedValue, tables);
+    return elfFile(std::string(block.begin(), block.end()));
+}
+
+/// A file with the fixed part and one text.
+std::string completeFile() {
+    const std::array<version_block::Text, 1> texts{{{"Comments", "text"}}};
+    return elfFile(fixedPart(), {{0x0409, 0x04B0, texts}});
 }
 
 class VersionInfo : public testing::Test {
@@ -81,14 +92,14 @@ TEST_F(VersionInfo, ReadsTheModulesOwnFile) {
 }
 
 TEST_F(VersionInfo, ReadsAllTexts) {
-    Table table{0x0409, 0x04B0, {}};
     const std::vector<std::string_view> names{"CompanyName",    "FileDescription",  "FileVersion",  "InternalName",
                                               "LegalCopyright", "OriginalFilename", "ProductName",  "ProductVersion",
                                               "Comments",       "LegalTrademarks",  "PrivateBuild", "SpecialBuild"};
+    std::vector<version_block::Text> texts;
     for (const std::string_view name : names) {
-        table.texts.push_back({name, name.substr(1)});
+        texts.push_back({name, name.substr(1)});
     }
-    ASSERT_EQ(load(elfFile(version_block::build(fixedPart(), {table}))), 1);
+    ASSERT_EQ(load(elfFile(fixedPart(), {{0x0409, 0x04B0, texts}})), 1);
     EXPECT_EQ(parts(), version1234);
     for (std::size_t i = 0; i < names.size(); ++i) {
         EXPECT_EQ(info.getText(static_cast<Text>(i)), names[i].substr(1)) << names[i];
@@ -114,49 +125,49 @@ TEST_F(VersionInfo, ChoosesTheTableByLanguage) {
         {"C", {0x040C, 0x0809, 0x0409}, 2},           // no language is US English
         {"xx_XX", {0x040C, 0x0409}, 1},               // as is an unknown one
     };
-    const std::array<const char*, 3> comments{"0", "1", "2"};
+    const std::array<version_block::Text, 3> comments{{{"Comments", "0"}, {"Comments", "1"}, {"Comments", "2"}}};
     for (const Case& each : cases) {
         const EnvironmentVariable variable("LC_ALL", each.user);
         std::vector<Table> tables;
         for (const LANGID language : each.languages) {
-            tables.push_back({language, 0x04E4, {{"Comments", comments[tables.size()]}}});
+            tables.push_back({language, 0x04E4, {&comments[tables.size()], 1}});
         }
-        ASSERT_EQ(load(elfFile(version_block::build(fixedPart(), tables))), 1);
-        EXPECT_STREQ(info.getComments(), comments[each.chosen]) << each.user << " case " << (&each - cases.data());
+        ASSERT_EQ(load(elfFile(fixedPart(), tables)), 1);
+        EXPECT_EQ(info.getComments(), comments[each.chosen].value) << each.user << " case " << (&each - cases.data());
     }
 }
 
 TEST_F(VersionInfo, LoadsWhatThereIs) {
-    const Bytes complete = version_block::build(fixedPart(), {{0x0409, 0x04B0, {{"Comments", "text"}}}});
-    ASSERT_EQ(load(elfFile(complete)), 1);
+    const std::string complete = completeFile();
+    ASSERT_EQ(load(complete), 1);
     ASSERT_STREQ(info.getComments(), "text");
 
-    Bytes longFixedPart = fixedPart();
-    longFixedPart.resize(56);
-    ASSERT_EQ(load(elfFile(version_block::build(longFixedPart, {{0x0409, 0x04B0, {{"FileVersion", "x"}}}}))), 1);
+    const std::array<char, 56> longFixedPart{'\1'};
+    const std::array<version_block::Text, 1> fileVersion{{{"FileVersion", "x"}}};
+    ASSERT_EQ(load(elfFile(longFixedPart, {{0x0409, 0x04B0, fileVersion}})), 1);
     EXPECT_EQ(parts(), none);
     EXPECT_STREQ(info.getText(Text::fileVersion), "x");
     EXPECT_EQ(info.getComments(), nullptr);
 
-    ASSERT_EQ(load(elfFile(version_block::build(fixedPart(), {}))), 1);
+    ASSERT_EQ(load(elfFile(fixedPart(), {})), 1);
     EXPECT_EQ(parts(), version1234);
     EXPECT_EQ(info.getText(Text::fileVersion), nullptr);
 
-    for (const std::string& file : {std::string(), std::string("text"), elfFile({}), elfFile(Bytes(100))}) {
-        ASSERT_EQ(load(elfFile(complete)), 1);
+    for (const std::string& file : {std::string(), std::string("text"), elfFile(""), elfFile(std::string(100, '\0'))}) {
+        ASSERT_EQ(load(complete), 1);
         EXPECT_EQ(load(file), 0);
         EXPECT_EQ(parts(), none);
         EXPECT_EQ(info.getComments(), nullptr);
     }
     EXPECT_EQ(info.loadFromFile((folder / "no such file").c_str()), 0);
-    EXPECT_EQ(load(elfFile(complete)), 1);
+    EXPECT_EQ(load(complete), 1);
     EXPECT_EQ(info.loadFromModule(reinterpret_cast<HMODULE>(&info)), 0);
     EXPECT_STREQ(info.getComments(), "text");
 }
 
 // The sanitizers watch: nothing outside the data may be touched, and every load must come to an end.
 TEST_F(VersionInfo, SurvivesTruncatedAndHostileFiles) {
-    const std::string file = elfFile(version_block::build(fixedPart(), {{0x0409, 0x04B0, {{"Comments", "text"}}}}));
+    const std::string file = completeFile();
     for (std::size_t length = 0; length < file.size(); ++length) {
         load(file.substr(0, length));
     }
