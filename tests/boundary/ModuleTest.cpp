@@ -1,5 +1,7 @@
 #include "tests/boundary/ModuleTest.h"
 
+#include "tests/support/SimulatorOf.h"
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -13,14 +15,9 @@ fs::path installModule(const TempFolder& folder) {
     return folder / fs::path(MODULE_FILE).filename().string();
 }
 
-simulator::Control& controlOf(const host::Module& module) {
-    using Control = simulator::Control* (*)();
-    return *reinterpret_cast<Control>(module.findInSdk("I1PRO3_SimulatorControl"))();
-}
-
 } // namespace
 
-ModuleTest::ModuleTest() : module(installModule(folder)), sdk(controlOf(module)), handle(module.create()) {
+ModuleTest::ModuleTest() : module(installModule(folder)), sdk(simulatorOf(module)), handle(module.create()) {
     handle->AddListener(&listener);
 }
 

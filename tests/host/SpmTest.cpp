@@ -1,5 +1,7 @@
+#include "host/HostError.h"
 #include "host/Instrument.h"
 #include "host/Swatch.h"
+#include "tests/support/SimulatorOf.h"
 #include "tests/support/Support.h"
 
 #include <gtest/gtest.h>
@@ -60,6 +62,37 @@ TEST_F(Spm, SaysWhatFailedAndWithWhat) {
         EXPECT_NE(run(each.arguments), 0) << each.arguments;
         EXPECT_NE(errors().find(each.message), std::string::npos) << errors();
         EXPECT_EQ(output(), "");
+    }
+}
+
+TEST_F(Spm, PassesOnTheModulesErrorText) {
+    struct Case {
+        simulator::Answer answer;
+        std::string message;
+    };
+    const std::string lamp = "lamp\nErrorNumber: 9";
+    const std::vector<Case> cases{
+        {{.function = "I1PRO3_OpenDevice", .result = 9, .errorText = "lamp"},
+         "the instrument could not be opened: " + lamp},
+        {{.function = "I1PRO3_GetDevices"},
+         "the instrument could not be opened: none was found; connect one by USB and try again"},
+        {{.function = "I1PRO3_Calibrate", .result = 9, .errorText = "lamp"}, "calibrating failed: " + lamp},
+        {{.function = "I1PRO3_GetTriStimulus", .result = 9, .errorText = "lamp"}, "measuring failed: " + lamp},
+        {{.function = "I1PRO3_GetSpectrum", .result = 9, .errorText = "lamp"}, "measuring failed: " + lamp},
+    };
+    for (const Case& each : cases) {
+        const host::Module module(MODULE_FILE);
+        simulatorOf(module).answer(each.answer);
+        const auto wait = [] {};
+        try {
+            host::Instrument instrument(module);
+            instrument.calibrate(wait);
+            instrument.read(2, wait);
+            instrument.readSpectrum(wait);
+            ADD_FAILURE() << each.message << " was expected";
+        } catch (const host::HostError& error) {
+            EXPECT_EQ(error.what(), each.message);
+        }
     }
 }
 
