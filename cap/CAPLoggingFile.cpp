@@ -38,7 +38,10 @@ std::string withLogExtension(const std::string& path) {
 CAPLoggingFile::CAPLoggingFile() : zoneText(currentZoneText()) {}
 
 CAPLoggingFile::~CAPLoggingFile() {
-    CloseFile();
+    try {
+        CloseFile();
+    } catch (...) { // NOLINT(bugprone-empty-catch): the banner may be lost, the stream closes all the same
+    }
 }
 
 void CAPLoggingFile::SetDetailLevel(std::int32_t level) {
@@ -56,17 +59,15 @@ void CAPLoggingFile::OpenForModule(HMODULE module, const char* mode) {
 
 void CAPLoggingFile::OpenFile(const char* path, const char* mode) {
     CloseFile();
-    if (path != nullptr) stream = std::fopen(path, mode);
+    if (path != nullptr) stream.reset(std::fopen(path, mode));
     // Unbuffered, a line goes out as the one write that it was handed over in.
-    if (stream != nullptr) std::setvbuf(stream, nullptr, _IONBF, 0);
+    if (stream != nullptr) std::setvbuf(stream.get(), nullptr, _IONBF, 0);
     LogText(CAPLevel::debug, bannerModuleNumber, "----- Started Logging -----");
 }
 
 void CAPLoggingFile::CloseFile() {
     LogText(CAPLevel::debug, bannerModuleNumber, "----- Stopped Logging -----");
-    if (stream == nullptr) return;
-    std::fclose(stream);
-    stream = nullptr;
+    stream.reset();
 }
 
 void CAPLoggingFile::LogText(std::int32_t level, std::int32_t moduleNumber, const char* format, ...) {
@@ -96,5 +97,5 @@ void CAPLoggingFile::writeLine(const std::string& origin, const ICAPLoggingMessa
         FormatText("%04d-%02d-%02d %02d:%02d:%02d (%s) [%s] ", local.tm_year + 1900, local.tm_mon + 1, local.tm_mday,
                    local.tm_hour, local.tm_min, local.tm_sec, zoneText.c_str(), origin.c_str()) +
         message.ToString() + "\n";
-    std::fwrite(line.data(), 1, line.size(), stream);
+    std::fwrite(line.data(), 1, line.size(), stream.get());
 }

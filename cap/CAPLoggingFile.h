@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <memory>
 #include <string>
 
 /// A log file: one line per message, each on disk before the call returns.
@@ -49,7 +50,11 @@ private:
     bool writes(std::int32_t level) const { return stream != nullptr && level <= detailLevel; }
     void writeLine(const std::string& origin, const ICAPLoggingMessage& message);
 
-    std::FILE* stream = nullptr;
+    struct CloseStream {
+        void operator()(std::FILE* open) const { std::fclose(open); }
+    };
+
+    std::unique_ptr<std::FILE, CloseStream> stream;
     std::string zoneText;
     std::int32_t detailLevel = 2;
 };

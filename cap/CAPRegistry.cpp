@@ -5,16 +5,13 @@
 
 CAPRegistry::CAPRegistry(std::string subkey) {
     const std::string path = "Kestrova\\" + std::move(subkey);
-    HKEY software = nullptr;
-    if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, "SOFTWARE", 0, KEY_READ | KEY_WRITE, &software) != ERROR_SUCCESS) return;
     HKEY opened = nullptr;
-    if (RegCreateKeyA(software, path.c_str(), &opened) == ERROR_SUCCESS) key = opened;
-    RegCloseKey(software);
+    if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, "SOFTWARE", 0, KEY_READ | KEY_WRITE, &opened) != ERROR_SUCCESS) return;
+    const OpenKey software(opened);
+    if (RegCreateKeyA(software.get(), path.c_str(), &opened) == ERROR_SUCCESS) key.reset(opened);
 }
 
-CAPRegistry::~CAPRegistry() {
-    if (key != nullptr) RegCloseKey(key);
-}
+CAPRegistry::~CAPRegistry() = default;
 
 std::uint32_t CAPRegistry::readNumber(const std::string& name, std::uint32_t defaultValue) const {
     if (key == nullptr) return defaultValue;
@@ -22,7 +19,7 @@ std::uint32_t CAPRegistry::readNumber(const std::string& name, std::uint32_t def
     DWORD type = 0;
     DWORD size = sizeof number;
     const LSTATUS status =
-        RegQueryValueExA(key, name.c_str(), nullptr, &type, reinterpret_cast<LPBYTE>(&number), &size);
+        RegQueryValueExA(key.get(), name.c_str(), nullptr, &type, reinterpret_cast<LPBYTE>(&number), &size);
     return status == ERROR_SUCCESS && type == REG_DWORD ? number : defaultValue;
 }
 
@@ -32,7 +29,7 @@ std::string CAPRegistry::readString(const std::string& name, const std::string& 
     DWORD type = 0;
     auto size = static_cast<DWORD>(buffer.size());
     const LSTATUS status =
-        RegQueryValueExA(key, name.c_str(), nullptr, &type, reinterpret_cast<LPBYTE>(buffer.data()), &size);
+        RegQueryValueExA(key.get(), name.c_str(), nullptr, &type, reinterpret_cast<LPBYTE>(buffer.data()), &size);
     if (status != ERROR_SUCCESS || type != REG_SZ || size == 0) return defaultValue;
     buffer[size - 1] = '\0';
     return buffer.data();

@@ -3,7 +3,9 @@
 #include "platform/win32.h"
 
 #include <cstdint>
+#include <memory>
 #include <string>
+#include <type_traits>
 
 /// One key below HKEY_LOCAL_MACHINE\SOFTWARE\Kestrova, open for the object's life, and plain values read from it.
 ///
@@ -26,5 +28,11 @@ public:
     std::string readString(const std::string& name, const std::string& defaultValue) const;
 
 private:
-    HKEY key = nullptr;
+    struct CloseKey {
+        using pointer = HKEY;
+        void operator()(HKEY open) const { RegCloseKey(open); }
+    };
+    using OpenKey = std::unique_ptr<std::remove_pointer_t<HKEY>, CloseKey>;
+
+    OpenKey key;
 };

@@ -47,7 +47,7 @@ struct IScmSPM : CAPLoggingHandler {
     IScmSPM& operator=(const IScmSPM&) = delete;
     ~IScmSPM() override;
 
-    // HandleMessage, Dispatch and LogMessage stand here.
+    // The operations of CAPLoggingHandler stand here: HandleMessage, Dispatch, LogMessage.
 
     /// The model name, "xrite i1 Pro3".
     virtual const char* getName() const = 0;

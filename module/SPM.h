@@ -10,18 +10,22 @@
  * The module never waits for the user
  *   SPM_calibrate, SPM_read and SPM_readSpectrum look at the instrument's button once and return. While the user has
  *   not pressed it they report that nothing has been measured; the host calls again, as often and for as long as it
- *   likes. A call blocks only while the instrument measures.
+ *   likes. A call blocks only while the instrument works: opens, calibrates or measures.
  *
  * Failures
  *   No function throws or ends the process. A failure shows as the function's failure result, and the object stays
- *   usable. What went wrong is told to a listener and to the log file:
- *   - a C++ host attaches an ICAPLoggingListener through the interface that the handle points to (module/IScmSPM.h);
- *     it gets one message per failure, with the instrument's own error text;
- *   - with the setting "Logging" on, an object writes the file with the module's name and the extension ".log" beside
- *     the module. Messages reach it only while a listener is attached.
+ *   usable. Why SPM_open, SPM_calibrate, SPM_read, SPM_readSpectrum or SPM_destroy failed is logged, with the
+ *   instrument's own error text. Without a message stay: that no instrument was found, that an earlier connection could
+ *   not be closed, and the failures of the other functions.
+ *   - A C++ host attaches an ICAPLoggingListener through the interface that the handle points to (module/IScmSPM.h).
+ *   - With the setting "Logging" (a REG_DWORD that is not 0 in the registry key
+ *     HKEY_LOCAL_MACHINE\SOFTWARE\Kestrova\SPM, read by SPM_create), an object appends to the file with the module's
+ *     name and the extension ".log" beside the module. Messages reach it only while a listener is attached, so that of
+ *     an object without one it tells only the begin and the end.
+ *
  *   A null handle, or a null pointer where a record, an array, a count or a text is expected, gives the failure result
- *   too, and a count, where there is one, becomes 0. A handle that was destroyed can't be told from a living one: do
- * not pass it.
+ *   too, and a count, where there is one, becomes 0. A handle that was destroyed can't be told from a living one, and
+ *   must not be passed.
  *
  * Ownership
  *   The host owns the object from SPM_create to SPM_destroy, and all memory that it passes. The module writes into it
@@ -89,7 +93,7 @@ enum {
     SPM_STEP_BEGIN = 0,    /**< request: begin a calibration */
     SPM_STEP_CONTINUE = 1, /**< request: look at the button; answer: the user has to act, call again */
     SPM_STEP_NOTHING = 3,  /**< answer: nothing was calibrated */
-    SPM_STEP_DONE = 4      /**< answer: calibrated */
+    SPM_STEP_DONE = 4      /**< answer: calibrated; as a request it is answered with itself, and does nothing */
 };
 
 /** A request for a calibration step, overwritten with the answer. 20 bytes. */
@@ -166,6 +170,7 @@ SPM_HANDLE SPM_create(void);
 
 /**
  * Ends a module object: resets the vendor's library, which all objects of the process share, and closes the log file.
+ * Does not close the instrument: SPM_close does.
  * @param handle  null is ignored
  */
 void SPM_destroy(SPM_HANDLE handle);
@@ -177,8 +182,8 @@ void SPM_destroy(SPM_HANDLE handle);
 SPM_OPTION_MASKS SPM_getOptionMasks(SPM_HANDLE handle);
 
 /**
- * Selects options. A value that no entry has leaves its option as it was. The i1Pro 3 measures the same whatever is
- * selected.
+ * Selects options. A value that no entry has leaves its option as it was. SPM_open replaces the selection with the
+ * options in force on the instrument, SPM_close clears it. The i1Pro 3 measures the same whatever is selected.
  * @param options  read only
  */
 void SPM_setOptions(SPM_HANDLE handle, const SPM_OPTIONS* options);
@@ -187,11 +192,15 @@ void SPM_setOptions(SPM_HANDLE handle, const SPM_OPTIONS* options);
  * Connects the first instrument that the vendor's library finds and sets it to CIELab, D65, 10 degree. A connection
  * that the object already has is closed first, and its calibration with it.
  * @param device  name of the device connection, "USB"; it appears in the log and selects nothing
- * @return true when connected; false when there is no instrument or a step failed, and then nothing is connected
+ * @return true when connected. False when there is no instrument or a step failed; the object then has no connection,
+ *         unless `device` was null, which changes nothing, or a listener threw
  */
 bool SPM_open(SPM_HANDLE handle, const char* device);
 
-/** Disconnects the instrument. Does nothing to an object that never found one. */
+/**
+ * Disconnects the instrument and resets the vendor's library, which all objects of the process share. Does nothing to
+ * an object that never found an instrument.
+ */
 void SPM_close(SPM_HANDLE handle);
 
 /**
@@ -212,7 +221,7 @@ SPM_STATUS SPM_getStatus(SPM_HANDLE handle);
  * Begin with SPM_STEP_BEGIN. While the answer is SPM_STEP_CONTINUE, ask the user to place the instrument on the
  * reference that the answer names and to press its button, and call again with SPM_STEP_CONTINUE. The answer
  * SPM_STEP_DONE ends the dialogue: calibrated. SPM_STEP_NOTHING ends it without a calibration: no instrument is open,
- * no calibration was begun, the step is none of those to request, or calibrating failed. It also drops an earlier
+ * no calibration was begun, the step is none of SPM_STEP_..., or calibrating failed. It also drops an earlier
  * calibration of the open instrument.
  * @param calibration  the request, overwritten with the answer; on failure it stays as it was
  */
@@ -220,7 +229,8 @@ void SPM_calibrate(SPM_HANDLE handle, SPM_CALIBRATION* calibration);
 
 /**
  * Asks the instrument itself whether it is calibrated, by taking a spot measurement on every call.
- * @return true when calibrated; false when not, when no instrument is open, and on failure
+ * @return true when calibrated, and also when the measurement fails for another reason than a missing calibration;
+ * false when not calibrated, when no instrument is open, and when the measurement can't be set up
  */
 bool SPM_isCalibrated(SPM_HANDLE handle);
 
@@ -236,8 +246,7 @@ int32_t SPM_getNumberOfReflections(SPM_HANDLE handle);
  * True with a `count` of 0 says that nothing was measured: the button was not pressed, no instrument is open, the
  * count was below 1, or no patch was found in the row. A row of which fewer patches were found than wanted gives those.
  * @param values  array of `count` records; only those that are measured are written
- * @param count   in: patches wanted, 1 for a spot, 2 or more for a scan; out: patches measured, from the first record
- * on
+ * @param count   in: patches wanted, 1 for a spot, 2 or more for a scan; out: patches measured, the first records
  * @return true unless something failed. After a failure `count` tells how many patches were measured before it
  */
 bool SPM_read(SPM_HANDLE handle, SPM_LAB* values, int32_t* count);
@@ -251,8 +260,7 @@ bool SPM_read(SPM_HANDLE handle, SPM_LAB* values, int32_t* count);
  * entries as its own `numberOfReflections` says, none where that is below 1 and at most 36. A record to be written
  * whose `reflections` is null is a failure.
  * @param spectra  array of `count` records, each with the array that is to be filled
- * @param count    in: patches wanted, 1 for a spot, 2 or more for a scan; out: patches measured, from the first record
- * on
+ * @param count    in: patches wanted, 1 for a spot, 2 or more for a scan; out: patches measured, the first records
  * @return true unless something failed. After a failure `count` tells how many records were filled before it
  */
 bool SPM_readSpectrum(SPM_HANDLE handle, SPM_SPECTRUM* spectra, int32_t* count);

@@ -34,7 +34,7 @@ struct Answer {
     std::optional<std::string> errorNumber{};
     /// For the functions that read a text: these bytes, without a NUL and cut to the buffer's size, in the buffer ...
     std::optional<std::string> output{};
-    /// ... and this number in the size variable.
+    /// ... and this number in the size variable. For I1PRO3_GetDevices: this count, without a list.
     std::optional<std::uint32_t> outputSize{};
     /// Throws a std::runtime_error in place of any answer.
     bool throws = false;

@@ -53,7 +53,7 @@ void Instrument::close() {
     isCalibrated = false;
     options.clear();
     polls = 0;
-    samples = 0;
+    moveOn();
 }
 
 void Instrument::setOption(const std::string& key, const std::string& value) {
@@ -94,10 +94,16 @@ void Instrument::calibrate() {
 void Instrument::trigger() {
     expectOpen();
     if (!isCalibrated) throw SdkError(ErrorCode::notCalibrated, "The device " + serial + " is not calibrated");
-    const std::string mode = option("MeasurementMode");
+    const std::int32_t found = option("MeasurementMode") == "ReflectanceScan" ? samplesToScan() : 1;
+    moveOn();
+    samples = found;
+}
+
+/// Leaves the patches of the last measurement behind, if it was read.
+void Instrument::moveOn() {
     if (wasRead) position = (position + static_cast<std::size_t>(samples)) % setup.chart.size();
     wasRead = false;
-    samples = mode == "ReflectanceScan" ? samplesToScan() : 1;
+    samples = 0;
 }
 
 std::int32_t Instrument::samplesToScan() const {

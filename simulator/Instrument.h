@@ -59,6 +59,7 @@ public:
 
 private:
     void expectOpen() const;
+    void moveOn();
     std::int32_t samplesToScan() const;
 
     std::string serial;

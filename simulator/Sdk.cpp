@@ -30,12 +30,13 @@ std::int32_t onDevice(const char* function, I1PRO3_DeviceHandle device, std::vec
     return sdk().run({function, std::move(arguments)}, [&] { return work(sdk().instrument(device)); });
 }
 
-/// Hands out a text with its NUL, and its size in place of the buffer's.
+/// Hands out a text with its NUL; where it does not fit, only the size that it needs.
 void writeText(const std::string& answer, char* buffer, std::uint32_t& size) {
     const auto needed = static_cast<std::uint32_t>(answer.size() + 1);
-    const bool fits = size >= needed;
-    size = needed;
-    if (!fits) throw SdkError(ErrorCode::bufferTooSmall, "The buffer is too small");
+    if (size < needed) {
+        size = needed;
+        throw SdkError(ErrorCode::bufferTooSmall, "The buffer is too small");
+    }
     std::memcpy(buffer, answer.c_str(), needed);
 }
 
@@ -63,12 +64,18 @@ std::int32_t readText(Call call, char* buffer, std::uint32_t* size, Read read) {
 } // namespace
 
 int32_t I1PRO3_GetDevices(I1PRO3_DeviceHandle** devices, uint32_t* count) {
-    return sdk().run({"I1PRO3_GetDevices", {}}, [&] {
-        if (devices == nullptr || count == nullptr) throw SdkError(ErrorCode::invalidArgument, "No place for the list");
-        *devices = sdk().deviceList().data();
-        *count = static_cast<uint32_t>(sdk().deviceList().size());
-        return 0;
-    });
+    return sdk().run(
+        {"I1PRO3_GetDevices", {}},
+        [&] {
+            if (devices == nullptr || count == nullptr)
+                throw SdkError(ErrorCode::invalidArgument, "No place for a list");
+            *devices = sdk().deviceList().data();
+            *count = static_cast<uint32_t>(sdk().deviceList().size());
+            return 0;
+        },
+        [&](const Answer& answer) {
+            if (answer.outputSize) *count = *answer.outputSize;
+        });
 }
 
 int32_t I1PRO3_OpenDevice(I1PRO3_DeviceHandle device) {

@@ -83,17 +83,25 @@ std::int32_t Simulator::run(const Call& call, const std::function<std::int32_t()
     if (const Answer* const answer = findAnswer(call)) {
         if (answer->throws) throw std::runtime_error("simulated exception of " + call.function);
         if (writeOutput) writeOutput(*answer);
-        if (answer->result == 0) return 0;
-        lastErrorText = answer->errorText.value_or("Simulated failure of " + call.function);
-        lastErrorNumber = answer->errorNumber.value_or(std::to_string(answer->result));
-        return answer->result;
+        const std::string text = answer->errorText.value_or("Simulated failure of " + call.function);
+        return fail(call, answer->result, text, answer->errorNumber.value_or(std::to_string(answer->result)));
     }
     try {
         return work();
     } catch (const SdkError& error) {
-        fail(static_cast<std::int32_t>(error.code), error.what());
-        return static_cast<std::int32_t>(error.code);
+        const auto number = static_cast<std::int32_t>(error.code);
+        return fail(call, number, error.what(), std::to_string(number));
     }
+}
+
+/// Keeps what is to be told of a failure. Asking for it, too, may fail, and changes nothing then.
+std::int32_t Simulator::fail(const Call& call, std::int32_t result, const std::string& text,
+                             const std::string& number) {
+    if (result != 0 && call.function != "I1PRO3_GetGlobalOption") {
+        lastErrorText = text;
+        lastErrorNumber = number;
+    }
+    return result;
 }
 
 const Answer* Simulator::findAnswer(const Call& call) {
@@ -105,11 +113,6 @@ const Answer* Simulator::findAnswer(const Call& call) {
         if (answer.times == 0 || pending.seen - answer.position < answer.times) return &answer;
     }
     return nullptr;
-}
-
-void Simulator::fail(std::int32_t number, const std::string& text) {
-    lastErrorText = text;
-    lastErrorNumber = std::to_string(number);
 }
 
 Instrument& Simulator::instrument(I1PRO3_DeviceHandle handle) {
@@ -134,6 +137,7 @@ void Simulator::resetAll(const std::string& key, const std::string& value) {
 }
 
 std::string Simulator::nameOf(I1PRO3_DeviceHandle handle) const {
+    const Lock lock(mutex);
     if (handle == nullptr) return "null";
     const auto found = std::find(handles.begin(), handles.end(), handle);
     if (found == handles.end()) return "unknown";

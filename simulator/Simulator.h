@@ -30,16 +30,16 @@ public:
     std::int32_t run(const Call& call, const std::function<std::int32_t()>& work,
                      const std::function<void(const Answer&)>& writeOutput = {});
 
-    /// What work may use.
+    /// The serial number of a device, as calls are recorded.
+    std::string nameOf(I1PRO3_DeviceHandle handle) const;
+
+    // What work may use.
 
     std::vector<I1PRO3_DeviceHandle>& deviceList() { return handles; }
     Instrument& instrument(I1PRO3_DeviceHandle handle);
     std::string globalOption(const std::string& key) const;
     void resetAll(const std::string& key, const std::string& value);
     const Setup& commonSetup() const { return setup; }
-
-    /// The serial number of a device, as calls are recorded.
-    std::string nameOf(I1PRO3_DeviceHandle handle) const;
 
 private:
     struct PendingAnswer {
@@ -49,7 +49,7 @@ private:
 
     Simulator() { Simulator::setDevices(1); }
     const Answer* findAnswer(const Call& call);
-    void fail(std::int32_t number, const std::string& text);
+    std::int32_t fail(const Call& call, std::int32_t result, const std::string& text, const std::string& number);
 
     mutable std::mutex mutex;
     Setup setup;

@@ -83,10 +83,14 @@ bool isPredefined(HKEY key) {
 }
 
 /// The full path of an open key; empty for a handle that is none.
-std::string pathOf(HKEY key) {
+std::string_view pathOf(HKEY key) {
     if (key == HKEY_LOCAL_MACHINE) return "HKEY_LOCAL_MACHINE";
     if (key == nullptr || isPredefined(key) || key->mark != HKEY__::openMark) return {};
     return key->path;
+}
+
+std::string pathBelow(std::string_view parent, const char* path) {
+    return std::string(parent) + '\\' + path;
 }
 
 LSTATUS hold(std::string path, HKEY* key) {
@@ -97,26 +101,26 @@ LSTATUS hold(std::string path, HKEY* key) {
 } // namespace
 
 LSTATUS RegOpenKeyExA(HKEY parent, const char* path, DWORD /*options*/, REGSAM /*access*/, HKEY* key) {
-    const std::string parentPath = pathOf(parent);
+    const std::string_view parentPath = pathOf(parent);
     if (parentPath.empty()) return ERROR_INVALID_HANDLE;
     const StoreFile file(O_RDWR | O_CREAT, LOCK_SH);
     if (!file.isOpen()) return ERROR_ACCESS_DENIED;
     const std::string text = file.read();
     if (!registry::isStore(text)) return ERROR_BADDB;
-    std::string fullPath = parentPath + '\\' + path;
+    std::string fullPath = pathBelow(parentPath, path);
     if (fullPath != softwarePath && !registry::hasKey(text, fullPath)) return ERROR_FILE_NOT_FOUND;
     return hold(std::move(fullPath), key);
 }
 
 LSTATUS RegCreateKeyA(HKEY parent, const char* path, HKEY* key) {
-    const std::string parentPath = pathOf(parent);
+    const std::string_view parentPath = pathOf(parent);
     if (parentPath.empty()) return ERROR_INVALID_HANDLE;
     if (!parentPath.starts_with(softwarePath)) return ERROR_ACCESS_DENIED;
     const StoreFile file(O_RDWR | O_CREAT, LOCK_EX);
     if (!file.isOpen()) return ERROR_ACCESS_DENIED;
     const std::string text = file.read();
     if (!registry::isStore(text)) return ERROR_BADDB;
-    std::string fullPath = parentPath + '\\' + path;
+    std::string fullPath = pathBelow(parentPath, path);
     const std::string headings = registry::missingHeadings(text, softwarePath, fullPath);
     if (!headings.empty() && !file.append(headings)) return ERROR_DISK_FULL;
     return hold(std::move(fullPath), key);
@@ -124,7 +128,7 @@ LSTATUS RegCreateKeyA(HKEY parent, const char* path, HKEY* key) {
 
 // NOLINTNEXTLINE(readability-non-const-parameter): the system's signature
 LSTATUS RegQueryValueExA(HKEY key, const char* name, DWORD* reserved, DWORD* type, LPBYTE data, DWORD* size) {
-    const std::string path = pathOf(key);
+    const std::string_view path = pathOf(key);
     if (path.empty()) return ERROR_INVALID_HANDLE;
     if (reserved != nullptr || (data != nullptr && size == nullptr)) return ERROR_INVALID_PARAMETER;
     const std::optional<registry::Value> value = registry::findValue(storeText(), path, name);

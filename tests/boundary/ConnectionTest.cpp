@@ -73,6 +73,21 @@ TEST_F(Connection, FailsWithoutAnInstrument) {
     EXPECT_TRUE(listener.lines.empty());
 }
 
+TEST_F(Connection, TakesACountWithoutAListForNoInstrument) {
+    sdk.answer({.function = "I1PRO3_GetDevices", .outputSize = 0xFFFFFFFF});
+    EXPECT_FALSE(module.open(handle, "USB"));
+    EXPECT_EQ(takeCalls(), Texts{"GetDevices"});
+}
+
+TEST_F(Connection, SelectsTheInstrumentsOptionsWhileOpen) {
+    const auto hasSelection = [&] { return handle->setOptionsByName(nullptr, nullptr, nullptr); };
+    EXPECT_FALSE(hasSelection());
+    open();
+    EXPECT_TRUE(hasSelection());
+    module.close(handle);
+    EXPECT_FALSE(hasSelection());
+}
+
 TEST_F(Connection, DestroyingOnlyResets) {
     SPM_HANDLE other = module.create();
     module.destroy(other);
@@ -94,7 +109,7 @@ TEST_F(Connection, AFailedCloseEndsAnOpenAtOnce) {
     sdk.answer({.function = "I1PRO3_CloseDevice", .result = 9});
     EXPECT_FALSE(module.open(handle, "USB"));
     EXPECT_EQ(takeCalls(), (Texts{"GetConnectionStatus SIM1", "CloseDevice SIM1", "GetGlobalOption LastErrorText 65000",
-                                  "GetGlobalOption LastErrorNumber 40"}));
+                                  "GetGlobalOption LastErrorNumber 65000"}));
     EXPECT_EQ(log().back(), "M7 D: close");
     EXPECT_FALSE(module.isOpened(handle));
 

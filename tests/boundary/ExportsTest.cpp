@@ -146,6 +146,7 @@ TEST_F(Exports, ContainWhatTheListenerThrows) {
     EXPECT_EQ(calibration.reference, 8U) << "the record stays as it was";
     EXPECT_FALSE(module.read(handle, &lab, &count));
     EXPECT_FALSE(module.open(handle, "USB"));
+    module.destroy(std::exchange(handle, module.create()));
     handle->AddListener(&listener);
     sdk.clearAnswers();
     EXPECT_TRUE(module.open(handle, "USB"));

@@ -164,6 +164,7 @@ TEST_F(FaultSweep, EachFailureShowsAndLeavesAWorkingObject) {
     for (std::size_t i = 0; i < rows.size(); ++i) {
         SCOPED_TRACE("call " + std::to_string(i) + ": " + rows[i].call);
         module.destroy(handle);
+        std::filesystem::remove(folder / "spm_i1pro3.log");
         handle = module.create();
         handle->AddListener(&listener);
         listener.lines.clear();
@@ -181,6 +182,8 @@ TEST_F(FaultSweep, EachFailureShowsAndLeavesAWorkingObject) {
         for (const std::string& line : listener.lines) {
             EXPECT_NE(written.find("] " + line + "\n"), std::string::npos) << line;
         }
+        const std::string verdict = rows[i].changed == notOpened ? "failed" : "done";
+        EXPECT_NE(written.find("] M7 D: open[USB] " + verdict + "\n"), std::string::npos);
 
         listener.lines.clear();
         EXPECT_EQ(run(), cleanRun);

@@ -131,6 +131,10 @@ TEST_F(Measurement, TakesTheSamplesThatTheScanFound) {
     EXPECT_EQ(read(24), (Reading{true, 20, 20}));
     EXPECT_EQ(readSpectrum(24), (Reading{true, 20, 20}));
     EXPECT_EQ(values[20].L, untouched);
+    sdk.setSamples(1);
+    takeCalls();
+    EXPECT_EQ(read(INT32_MAX).count, 1);
+    EXPECT_EQ(takeCalls(), scanCalls(INT32_MAX, "GetTriStimulus", 1));
     takeCalls();
     const Texts error{"M7 E1539: invalid number of samples"};
     values.fill({untouched, untouched, untouched});

@@ -52,7 +52,7 @@ TEST_F(Spm, SaysWhatFailedAndWithWhat) {
     const std::vector<Case> cases{
         {"measure --module '" + (folder / "missing.so").string() + "'", "missing.so"},
         {"measure --module '" + (folder / "no module.so").string() + "'", "no module.so"},
-        {"measure --module libc.so.6", "can't load the module"},
+        {"measure --module '" SDK_FILE "'", "is not a spectrophotometer module: it has no SPM_create"},
         {"measure --chart /no/such/chart.csv", "can't read the chart file /no/such/chart.csv"},
         {"measure --chart '" + (folder / "chart.csv").string() + "'", "names 1 patches, but 4 rows of 6"},
         {"measure --patches 1", "--patches"},
@@ -70,6 +70,7 @@ TEST_F(Spm, PassesOnTheModulesErrorText) {
         simulator::Answer answer;
         std::string message;
     };
+    const char* const closedAndDestroyed = "CloseDevice SetGlobalOption SetGlobalOption ";
     const std::string lamp = "lamp\nErrorNumber: 9";
     const std::vector<Case> cases{
         {{.function = "I1PRO3_OpenDevice", .result = 9, .errorText = "lamp"},
@@ -79,6 +80,8 @@ TEST_F(Spm, PassesOnTheModulesErrorText) {
         {{.function = "I1PRO3_Calibrate", .result = 9, .errorText = "lamp"}, "calibrating failed: " + lamp},
         {{.function = "I1PRO3_GetTriStimulus", .result = 9, .errorText = "lamp"}, "measuring failed: " + lamp},
         {{.function = "I1PRO3_GetSpectrum", .result = 9, .errorText = "lamp"}, "measuring failed: " + lamp},
+        {{.function = "I1PRO3_GetConnectionStatus", .position = 9, .throws = true},
+         "measuring failed: the instrument is not open"},
     };
     for (const Case& each : cases) {
         const host::Module module(MODULE_FILE);
@@ -93,6 +96,12 @@ TEST_F(Spm, PassesOnTheModulesErrorText) {
         } catch (const host::HostError& error) {
             EXPECT_EQ(error.what(), each.message);
         }
+        std::string calls;
+        for (const simulator::Call& call : simulatorOf(module).calls()) {
+            calls += call.function.substr(7) + " ";
+        }
+        const bool wasFound = each.answer.function != "I1PRO3_GetDevices";
+        EXPECT_TRUE(calls.ends_with(wasFound ? closedAndDestroyed : "GetDevices SetGlobalOption ")) << calls;
     }
 }
 

@@ -1,6 +1,7 @@
 // Counts the heap allocations of the module's own code, over an SDK library that does nothing.
 
 #include "module/SPM.h"
+#include "tests/support/Support.h"
 
 #include <array>
 #include <cstdlib>
@@ -9,10 +10,17 @@
 
 namespace {
 
-constexpr std::size_t unlimited = SIZE_MAX;
+constexpr std::size_t never = SIZE_MAX;
 
 std::size_t allocations = 0;
-std::size_t remaining = unlimited;
+std::size_t failing = never;
+bool failsOn = false;
+
+/// Lets allocations fail: the one after that many, or all from there on.
+void failAfter(std::size_t successes, bool lasting) {
+    failing = successes == never ? never : allocations + successes + 1;
+    failsOn = lasting;
+}
 
 /// The number of allocations that an operation makes.
 template <class Operation>
@@ -26,8 +34,7 @@ std::size_t allocationsOf(Operation operation) {
 
 [[gnu::noinline]] void* operator new(std::size_t size) {
     ++allocations;
-    if (remaining == 0) throw std::bad_alloc();
-    if (remaining != unlimited) --remaining;
+    if (allocations == failing || (failsOn && allocations > failing)) throw std::bad_alloc();
     if (void* const memory = std::malloc(size)) return memory;
     throw std::bad_alloc();
 }
@@ -39,7 +46,13 @@ std::size_t allocationsOf(Operation operation) {
     std::free(memory);
 }
 
-TEST(Allocation, ReadsMakeNone) {
+class Allocation : public testing::Test {
+protected:
+    TempFolder folder;
+    EnvironmentVariable settings{"SPM_REGISTRY", (folder / "settings.reg").string()};
+};
+
+TEST_F(Allocation, ReadsMakeNone) {
     constexpr std::size_t patches = 24;
     std::array<SPM_LAB, patches> values{};
     std::array<std::array<SPM_REFLECTION, 36>, patches> reflections{};
@@ -61,17 +74,22 @@ TEST(Allocation, ReadsMakeNone) {
 }
 
 // What a failed creation has made must be gone again: the address sanitizer's build looks for leaks.
-TEST(Allocation, CreateGivesNullWhenMemoryRunsOut) {
-    const std::size_t needed = allocationsOf([] { SPM_destroy(SPM_create()); });
-    ASSERT_GT(needed, 3U);
-    for (std::size_t successes = 0; successes < needed; ++successes) {
-        SPM_HANDLE handle = nullptr;
-        remaining = successes;
-        handle = SPM_create();
-        remaining = unlimited;
-        EXPECT_EQ(handle, nullptr) << successes;
+TEST_F(Allocation, CreationAndDestructionSurviveEachFailure) {
+    for (const char* logging : {"0", "1"}) {
+        writeFile(folder / "settings.reg", std::string("REGEDIT4\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM]\n") +
+                                               "\"Logging\"=dword:" + logging + "\n");
+        const std::size_t needed = allocationsOf([] { SPM_destroy(SPM_create()); });
+        ASSERT_GT(needed, 10U);
+        for (const bool lasting : {false, true}) {
+            for (std::size_t successes = 0; successes < needed; ++successes) {
+                failAfter(successes, lasting);
+                SPM_HANDLE handle = SPM_create();
+                SPM_destroy(handle);
+                failAfter(never, false);
+                if (lasting && successes < 10) {
+                    EXPECT_EQ(handle, nullptr) << successes;
+                }
+            }
+        }
     }
-    SPM_HANDLE const handle = SPM_create();
-    EXPECT_NE(handle, nullptr);
-    SPM_destroy(handle);
 }

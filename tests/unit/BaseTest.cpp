@@ -32,9 +32,11 @@ std::size_t slotOf(Operation operation) {
 
 } // namespace
 
+// The destructor takes the slots 0 and 1, AddListener and RemoveListener the slots 5 and 6.
 TEST(Interface, KeepsTheOrderOfItsOperations) {
-    EXPECT_LT(slotOf(&IScmSPM::HandleMessage), slotOf(&IScmSPM::Dispatch));
-    EXPECT_LT(slotOf(&IScmSPM::Dispatch), slotOf(&IScmSPM::LogMessage));
+    EXPECT_EQ(slotOf(&IScmSPM::HandleMessage), 2U);
+    EXPECT_EQ(slotOf(&IScmSPM::Dispatch), 3U);
+    EXPECT_EQ(slotOf(&IScmSPM::LogMessage), 4U);
     const std::vector<std::size_t> slots{
         slotOf(&IScmSPM::getName),
         slotOf(&IScmSPM::getDeviceFlag),
@@ -67,9 +69,8 @@ TEST(Interface, KeepsTheOrderOfItsOperations) {
         slotOf(&IScmSPM::read),
         slotOf(&SPM_BASE::setOptions),
     };
-    EXPECT_GT(slots.front(), slotOf(&IScmSPM::LogMessage));
-    for (std::size_t i = 1; i < slots.size(); ++i) {
-        EXPECT_EQ(slots[i], slots.front() + i);
+    for (std::size_t i = 0; i < slots.size(); ++i) {
+        EXPECT_EQ(slots[i], 7 + i);
     }
 }
 
@@ -159,7 +160,8 @@ namespace {
 class TwoConnections : public SPM_BASE {
 public:
     TwoConnections() : SPM_BASE("two connections", true) {
-        devices = {"USB", "Bluetooth"};
+        devices = {"USB", "USB2"};
+        auxiliaries = {{"Filter", 2}, {"No Filter", 4}};
         references = {{"White", 4}};
     }
     using SPM_BASE::resolved;
@@ -180,9 +182,19 @@ public:
 TEST_F(Base, TakesTheConfiguredDeviceOfSeveral) {
     const TwoConnections two;
     EXPECT_STREQ(two.getDevice(-1), "USB");
-    writeFile(settings, readFile(settings) + "\"Device\"=\"Bluetooth\"\n");
-    EXPECT_STREQ(two.getDevice(-1), "Bluetooth");
+    writeFile(settings, readFile(settings) + "\"Device\"=\"USB2\"\n");
+    EXPECT_STREQ(two.getDevice(-1), "USB2");
     EXPECT_STREQ(two.getDevice(2), "USB");
+}
+
+TEST_F(Base, SelectsFromAnAuxiliaryList) {
+    TwoConnections two;
+    EXPECT_FALSE(two.setOptions(SPM_OPTIONS_EX(SPM_OPTIONS{1, 1, 3})));
+    EXPECT_TRUE(two.setOptionsByName(nullptr, "No Filter", nullptr));
+    EXPECT_EQ(numbersOf(two.getCurrentOptions()), (std::vector<std::int64_t>{0, 0, 4, -1, 1, -1}));
+    EXPECT_TRUE(two.setOptions(SPM_OPTIONS_EX(SPM_OPTIONS{1, 1, 2})));
+    EXPECT_EQ(numbersOf(two.getCurrentOptions()), (std::vector<std::int64_t>{0, 0, 2, -1, 0, -1}));
+    EXPECT_STREQ(two.getAuxiliary(1), "No Filter");
 }
 
 TEST_F(Base, ResolvesCalibrationRecords) {

@@ -28,7 +28,7 @@ protected:
         std::array<char, 200> buffer{};
         uint32_t size = buffer.size();
         EXPECT_EQ(I1PRO3_GetGlobalOption(key, buffer.data(), &size), 0);
-        EXPECT_EQ(size, std::string(buffer.data()).size() + 1);
+        EXPECT_EQ(size, buffer.size());
         return buffer.data();
     }
 
@@ -59,6 +59,7 @@ TEST(Colour, RejectsTablesThatAreNone) {
     const std::string header = "name,380\n";
     EXPECT_THROW(simulator::parseChart(header + "patch,0.1\n"), std::runtime_error);
     EXPECT_THROW(simulator::parseChart(header + "patch" + std::string(36 * 4, ',') + "\n"), std::runtime_error);
+    EXPECT_THROW(simulator::parseChart(std::string(simulator::colorCheckerCsv) + ",0.5"), std::runtime_error);
     EXPECT_THROW(simulator::parseWeights("wavelength_nm,x,y,z\n390,1,1,1\n"), std::runtime_error);
 }
 
@@ -85,6 +86,7 @@ TEST_F(SimulatedSdk, SpectraAndLabAreOfOneMeasurement) {
     std::array<float, 36> beyond{};
     EXPECT_NE(I1PRO3_GetSpectrum(device, beyond.data(), 24), 0);
     EXPECT_EQ(global("LastErrorText"), "There is no sample 24 of 24");
+    EXPECT_NE(I1PRO3_GetSpectrum(device, beyond.data(), -1), 0);
 }
 
 TEST_F(SimulatedSdk, WantsOpeningCalibratingAndKnownOptions) {
@@ -95,10 +97,19 @@ TEST_F(SimulatedSdk, WantsOpeningCalibratingAndKnownOptions) {
     EXPECT_EQ(I1PRO3_SetOption(device, "Colour", "red"), 3);
     EXPECT_EQ(global("LastErrorText"), "There is no option \"Colour\" to set");
     EXPECT_EQ(I1PRO3_SetOption(device, "PatchesPerLine", "many"), 4);
+    std::array<char, 5> small{};
+    uint32_t size = small.size();
+    EXPECT_EQ(I1PRO3_GetGlobalOption("LastErrorText", small.data(), &size), 5);
+    EXPECT_EQ(size, std::string("The option \"PatchesPerLine\" can't be \"many\"").size() + 1);
+    EXPECT_EQ(global("LastErrorNumber"), "4") << "asking does not change what is asked for";
     EXPECT_EQ(I1PRO3_TriggerMeasurement(device), 13);
     EXPECT_EQ(global("LastErrorNumber"), "13");
+    EXPECT_EQ(I1PRO3_SetOption(device, "MeasurementMode", "ReflectanceSpot"), 0);
     EXPECT_EQ(I1PRO3_CloseDevice(device), 0);
     EXPECT_EQ(I1PRO3_CloseDevice(device), 0);
+    EXPECT_EQ(I1PRO3_OpenDevice(device), 0);
+    EXPECT_EQ(I1PRO3_GetOption(device, "MeasurementMode", small.data(), &size), 3) << "options end with the connection";
+    EXPECT_EQ(I1PRO3_TriggerMeasurement(device), 13) << "so does a calibration";
     EXPECT_EQ(I1PRO3_SetGlobalOption("Reset", "All"), 0);
     EXPECT_EQ(global("LastErrorText"), "");
 }
@@ -115,6 +126,9 @@ TEST_F(SimulatedSdk, MovesOnWhenAMeasurementWasRead) {
     };
     EXPECT_FLOAT_EQ(firstFactor(), 0.048F);
     EXPECT_FLOAT_EQ(firstFactor(), 0.103F);
+    openAndCalibrate();
+    ASSERT_EQ(I1PRO3_SetOption(device, "MeasurementMode", "ReflectanceSpot"), 0);
+    EXPECT_FLOAT_EQ(firstFactor(), 0.113F) << "also across connections";
 }
 
 TEST_F(SimulatedSdk, GivesScriptedAnswersByPosition) {
