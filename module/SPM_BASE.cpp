@@ -157,7 +157,7 @@ bool SPM_BASE::setOptionsByName(const char* aperture, const char* auxiliary, con
     named.apertureIndex = indexOfName(apertures, aperture);
     named.auxiliaryIndex = indexOfName(auxiliaries, auxiliary);
     named.illuminationIndex = indexOfName(illuminations, illumination);
-    return setOptions(resolved(named));
+    return setOptions(named);
 }
 
 bool SPM_BASE::setOptions(const SPM_OPTIONS_EX& options) {

@@ -102,7 +102,6 @@ public:
     Search(std::string_view ofKey, std::string_view ofName) : key(ofKey), name(ofName) {}
 
     void run(std::string_view text) {
-        takeLine(text);
         while (!text.empty()) {
             const std::string statement = takeStatement(text);
             if (statement.starts_with('[') && statement.ends_with(']')) {

@@ -53,11 +53,8 @@ DWORD GetCurrentThreadId() {
 }
 
 void _ftime64(__timeb64* now) {
-    timespec precise{};
-    clock_gettime(CLOCK_REALTIME, &precise);
     tzset();
-    *now = {precise.tv_sec, static_cast<unsigned short>(precise.tv_nsec / 1'000'000), static_cast<short>(timezone / 60),
-            static_cast<short>(daylight)};
+    *now = {std::time(nullptr), 0, static_cast<short>(timezone / 60), static_cast<short>(daylight)};
 }
 
 errno_t _localtime64_s(std::tm* local, const __time64_t* time) {

@@ -35,8 +35,7 @@ public:
 
     /// Reads exactly that many bytes, or fails.
     bool read(std::uint64_t offset, void* target, std::size_t size) const {
-        return offset <= INT64_MAX &&
-               pread(descriptor, target, size, static_cast<off_t>(offset)) == static_cast<ssize_t>(size);
+        return pread(descriptor, target, size, static_cast<off_t>(offset)) == static_cast<ssize_t>(size);
     }
 
     template <class Record>

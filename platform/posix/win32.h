@@ -107,6 +107,7 @@ struct __timeb64 {
     short dstflag;
 };
 
+/// Milliseconds are 0.
 void _ftime64(__timeb64* now);
 errno_t _localtime64_s(std::tm* local, const __time64_t* time);
 

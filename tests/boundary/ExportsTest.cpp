@@ -16,6 +16,7 @@ static_assert(sizeof(SPM_CALIBRATION) == 20 && offsetof(SPM_CALIBRATION, illumin
               offsetof(SPM_CALIBRATION, step) == 16);
 static_assert(sizeof(SPM_LAB) == 12 && offsetof(SPM_LAB, a) == 4 && offsetof(SPM_LAB, b) == 8);
 static_assert(sizeof(SPM_REFLECTION) == 8 && offsetof(SPM_REFLECTION, value) == 4);
+static_assert(alignof(SPM_SPECTRUM) == 1 && alignof(SPM_TEXT) == 1 && alignof(SPM_VERSION) == 1);
 static_assert(sizeof(SPM_SPECTRUM) == 12 && offsetof(SPM_SPECTRUM, reflections) == 4);
 static_assert(sizeof(SPM_TEXT) == 12 && offsetof(SPM_TEXT, text) == 4);
 static_assert(sizeof(SPM_VERSION) == 16 && offsetof(SPM_VERSION, type) == 4);

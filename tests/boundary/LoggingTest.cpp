@@ -70,7 +70,6 @@ TEST_F(Logging, SettingsDecideWhatIsWritten) {
         std::filesystem::remove(logFile());
         SPM_HANDLE other = module.create();
         Recorder own;
-        other->LogMessage(CAPLoggingMessage(0, 7, "without a listener"));
         other->AddListener(&own);
         other->LogMessage(CAPLoggingMessage(3, 7, "three"));
         other->LogMessage(CAPLoggingMessage(4, 7, "four"));
@@ -82,6 +81,14 @@ TEST_F(Logging, SettingsDecideWhatIsWritten) {
     }
 }
 
+TEST_F(Logging, WithoutAListenerOnlyTheBannersAreWritten) {
+    handle->RemoveListener();
+    sdk.answer({.function = "I1PRO3_OpenDevice", .result = 9});
+    EXPECT_FALSE(module.open(handle, "USB"));
+    module.destroy(std::exchange(handle, nullptr));
+    EXPECT_EQ(log(), Texts{"M0 D: ----- Stopped Logging -----"});
+}
+
 TEST_F(Logging, AThrowingListenerKeepsTheMessageFromTheFile) {
     class Thrower : public ICAPLoggingListener {
         void HandleMessage(ICAPLoggingSource* /*source*/, const ICAPLoggingMessage& /*message*/) override { throw 1; }
@@ -90,6 +97,9 @@ TEST_F(Logging, AThrowingListenerKeepsTheMessageFromTheFile) {
     EXPECT_THROW(handle->LogMessage(CAPLoggingMessage(2, 7, "refused")), CAPException);
     handle->LogMessage(CAPLoggingMessage(3, 7, "trace"));
     EXPECT_EQ(log(), Texts{"M7 D: trace"});
+    sdk.answer({.function = "I1PRO3_SetGlobalOption", .result = 9});
+    module.destroy(std::exchange(handle, nullptr));
+    EXPECT_EQ(takeCalls().front(), "SetGlobalOption Reset All") << "and what it throws does not leave the destruction";
 }
 
 TEST_F(Logging, LinesOfThreadsAndProcessesStayWhole) {

@@ -4,8 +4,6 @@
 
 namespace fs = std::filesystem;
 
-namespace {
-
 fs::path installModule(const TempFolder& folder) {
     for (const fs::path file : {MODULE_FILE, SDK_FILE}) {
         fs::copy_file(file, folder / file.filename().string());
@@ -14,8 +12,6 @@ fs::path installModule(const TempFolder& folder) {
               "REGEDIT4\n\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM]\n\"Logging\"=dword:00000001\n");
     return folder / fs::path(MODULE_FILE).filename().string();
 }
-
-} // namespace
 
 ModuleTest::ModuleTest() : module(installModule(folder)), sdk(simulatorOf(module)), handle(module.create()) {
     handle->AddListener(&listener);

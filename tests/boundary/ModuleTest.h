@@ -6,6 +6,11 @@
 
 #include <gtest/gtest.h>
 
+/// Copies the built module and the simulated SDK library into a folder, with a file "settings.reg" that switches
+/// logging on.
+/// @return the module's copy
+std::filesystem::path installModule(const TempFolder& folder);
+
 /// A copy of the built module in a folder of its own, beside the simulated SDK library, with logging on; loaded as a
 /// host loads it, with one object and a listener.
 class ModuleTest : public testing::Test {

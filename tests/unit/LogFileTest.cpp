@@ -5,8 +5,12 @@
 #include "tests/support/Support.h"
 
 #include <ctime>
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <regex>
+#include <sys/stat.h>
+#include <thread>
+#include <unistd.h>
 
 namespace {
 
@@ -73,6 +77,33 @@ TEST_F(LogFile, WritesUpToItsDetailLevel) {
                        }));
 }
 
+// Over a pipe in packet mode, a read gives what one write gave.
+TEST_F(LogFile, WritesALineAtOnce) {
+    ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+    const int reader = open(path.c_str(), O_RDONLY | O_NONBLOCK);
+    const int writer = dup(reader);
+    close(writer); // the number that the file gets next
+    file.OpenFile(path.c_str(), "a");
+    ASSERT_EQ(fcntl(writer, F_SETFL, O_APPEND | O_DIRECT), 0);
+    file.LogText(0, 7, "%s", std::string(1024, 'x').c_str());
+    file.LogText(0, 7, "next");
+    std::string packet(4096, '\0');
+    packet.resize(static_cast<std::size_t>(read(reader, packet.data(), packet.size())));
+    close(reader);
+    EXPECT_TRUE(packet.ends_with("M7 E0: " + std::string(1024, 'x') + "\n")) << packet;
+}
+
+TEST_F(LogFile, NamesTheWritingThread) {
+    file.OpenFile(path.c_str(), "a");
+    std::string other;
+    std::thread([&] {
+        other = origin();
+        file.LogText(0, 7, "other");
+    }).join();
+    EXPECT_NE(other, origin());
+    EXPECT_EQ(lines().back(), other + "] M7 E0: other");
+}
+
 TEST_F(LogFile, AppendsBannersOnOpeningAndClosing) {
     const std::string started = origin() + "] M0 D: ----- Started Logging -----";
     const std::string stopped = origin() + "] M0 D: ----- Stopped Logging -----";
@@ -89,8 +120,11 @@ TEST_F(LogFile, StaysClosedWhereItCannotWrite) {
     file.SetDetailLevel(3);
     file.OpenFile((folder / "no such folder/log").string().c_str(), "a");
     file.LogText(0, 7, "nowhere");
+    const std::string earlier = (folder / "earlier.log").string();
+    file.OpenFile(earlier.c_str(), "a");
     file.OpenForModule(reinterpret_cast<HMODULE>(&file), "a");
     file.LogText(0, 7, "nowhere");
+    EXPECT_EQ(linesOf(readFile(earlier)).size(), 2U) << "the earlier file was closed";
     file.OpenFile("/dev/full", "a");
     file.LogText(0, 7, "lost");
     file.OpenFile(path.c_str(), "a");
@@ -105,9 +139,8 @@ TEST_F(LogFile, ShowsTheLocalTimeAndTheStandardOffsetOfTheZone) {
     for (const Zone zone : {Zone{"UTC0", "UTC-00:00"}, Zone{"XXX-1YYY,0/0,J365/25", "UTC+01:00"},
                             Zone{"XXX5", "UTC-05:00"}, Zone{"XXX-5:30", "UTC+05:30"}}) {
         const EnvironmentVariable variable("TZ", zone.name);
-        tzset();
-        const std::string before = localTime();
         CAPLoggingFile log;
+        const std::string before = localTime();
         log.SetDetailLevel(3);
         log.OpenFile(path.c_str(), "w");
         const std::string after = localTime();

@@ -1,10 +1,15 @@
 #include "module/SPMRegistry.h"
 #include "tests/support/Support.h"
 
+#include <atomic>
 #include <csignal>
+#include <fcntl.h>
+#include <functional>
 #include <gtest/gtest.h>
+#include <sys/file.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
+#include <thread>
 #include <unistd.h>
 
 namespace {
@@ -43,6 +48,15 @@ TEST_F(Registry, ReadsNumbers) {
         {"\"Number\"=hex(4):07,00,00,00,00", 5},
         {";\"Number\"=dword:00000007", 5},
         {"\"Number\\\"=dword:00000007", 5},
+        {"\t\"Number\"=dword:00000007\t", 7},
+        {"; comment=hex\\\n\"Number\"=dword:00000007", 7},
+        {"\"Other\"=\"=hex\\\\\"\n\"Number\"=dword:00000007", 7},
+        {"\"Number\"=hex(4):01,\\\n  02,\\\n  00,80", 0x80000201},
+        {"\"Number\"=hex(4):001,02,00,00", 5},
+        {"[-HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM]\n\"Number\"=dword:00000007", 5},
+        {"\"Number\"=dword:00000007\n[-HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM]", 5},
+        {"\"Number\"=dword:00000007\n[-HKEY_LOCAL_MACHINE\\SOFTWARE\\Kes]", 7},
+        {"; " + std::string(10'000, 'x') + "\n\"Number\"=dword:00000007", 7},
         {"", 5},
     };
     for (const Case& each : cases) {
@@ -94,7 +108,9 @@ TEST_F(Registry, CreatesKeysAndKeepsTheRest) {
          "REGEDIT4\r\n[hkey_local_machine\\software\\KESTROVA\\SPM\\XRITE I1 PRO3]\r\n[x]\r\n" + rest +
              "\r\n\r\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova]\r\n\r\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM]"
              "\r\n"},
-        {"not a settings file\n", "not a settings file\n"},
+        {"REGEDIT4\n" + headings + "[-HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM]\n",
+         "REGEDIT4\n" + headings + "[-HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM]\n\n" + commonKey + "\n" + device},
+        {"REGEDIT42\n", "REGEDIT42\n"},
     };
     for (const Case& each : cases) {
         writeFile(path, each.before);
@@ -127,7 +143,35 @@ TEST_F(Registry, TellsMisuseByTheSystemsErrorCodes) {
     EXPECT_EQ(RegCloseKey(nullptr), ERROR_INVALID_HANDLE);
     ASSERT_EQ(RegOpenKeyExA(HKEY_LOCAL_MACHINE, "SOFTWARE", 0, KEY_READ, &key), ERROR_SUCCESS);
     EXPECT_EQ(RegQueryValueExA(key, "none", nullptr, nullptr, nullptr, nullptr), ERROR_FILE_NOT_FOUND);
+    DWORD size = 0;
+    EXPECT_EQ(RegQueryValueExA(key, "none", nullptr, nullptr, nullptr, &size), ERROR_FILE_NOT_FOUND);
     EXPECT_EQ(RegCloseKey(key), ERROR_SUCCESS);
+    writeFile(path, "no settings");
+    EXPECT_EQ(RegOpenKeyExA(HKEY_LOCAL_MACHINE, "SOFTWARE", 0, KEY_READ, &key), ERROR_BADDB);
+    const EnvironmentVariable missing("SPM_REGISTRY", (folder / "no such folder/settings.reg").string());
+    EXPECT_EQ(RegOpenKeyExA(HKEY_LOCAL_MACHINE, "SOFTWARE", 0, KEY_READ, &key), ERROR_ACCESS_DENIED);
+}
+
+TEST_F(Registry, WaitsForWhoeverHoldsTheFile) {
+    writeFile(path, "REGEDIT4\n" + commonKey + "\"Logging\"=dword:00000001\n");
+    const SPMRegistry key;
+    const std::vector<std::function<void()>> uses{
+        [] { const SPMRegistry another("another"); },
+        [&] { EXPECT_EQ(key.readNumber("Logging", 0), 1U); },
+    };
+    for (const auto& use : uses) {
+        const int file = open(path.c_str(), O_RDWR);
+        ASSERT_EQ(flock(file, LOCK_EX), 0);
+        std::atomic<bool> done = false;
+        std::thread user([&] {
+            use();
+            done = true;
+        });
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        EXPECT_FALSE(done);
+        close(file);
+        user.join();
+    }
 }
 
 TEST_F(Registry, ManyProcessesCreateEachKeyOnce) {

@@ -123,7 +123,9 @@ TEST_F(VersionInfo, ChoosesTheTableByLanguage) {
         {"de_DE", {0x040C, 0x0809}, 1},               // any English
         {"de_DE", {0x040C, 0x0410}, 0},               // whichever comes first
         {"C", {0x040C, 0x0809, 0x0409}, 2},           // no language is US English
-        {"xx_XX", {0x040C, 0x0409}, 1},               // as is an unknown one
+        {"xx_XX", {0x0809, 0x0409}, 1},               // as is an unknown one
+        {"de_CH@euro", {0x0407, 0x0807}, 1},          // a country of its own
+        {"en_GB", {0x0409, 0x0809}, 1},
     };
     const std::array<version_block::Text, 3> comments{{{"Comments", "0"}, {"Comments", "1"}, {"Comments", "2"}}};
     for (const Case& each : cases) {
@@ -142,10 +144,12 @@ TEST_F(VersionInfo, LoadsWhatThereIs) {
     ASSERT_EQ(load(complete), 1);
     ASSERT_STREQ(info.getComments(), "text");
 
-    const std::array<char, 56> longFixedPart{'\1'};
     const std::array<version_block::Text, 1> fileVersion{{{"FileVersion", "x"}}};
-    ASSERT_EQ(load(elfFile(longFixedPart, {{0x0409, 0x04B0, fileVersion}})), 1);
-    EXPECT_EQ(parts(), none);
+    const std::string otherFixedPart(56, '\1');
+    for (const std::size_t size : {56U, 48U}) {
+        ASSERT_EQ(load(elfFile(std::span(otherFixedPart).first(size), {{0x0409, 0x04B0, fileVersion}})), 1);
+        EXPECT_EQ(parts(), none);
+    }
     EXPECT_STREQ(info.getText(Text::fileVersion), "x");
     EXPECT_EQ(info.getComments(), nullptr);
 
@@ -153,7 +157,15 @@ TEST_F(VersionInfo, LoadsWhatThereIs) {
     EXPECT_EQ(parts(), version1234);
     EXPECT_EQ(info.getText(Text::fileVersion), nullptr);
 
-    for (const std::string& file : {std::string(), std::string("text"), elfFile(""), elfFile(std::string(100, '\0'))}) {
+    const auto changed = [&](std::size_t offset) {
+        std::string file = complete;
+        ++file[offset];
+        return file;
+    };
+    const std::size_t sectionName = complete.find(".rsrc");
+    for (const std::string& file : {std::string(), std::string("text"), elfFile(""), elfFile(std::string(100, '\0')),
+                                    changed(0), changed(EI_CLASS), changed(offsetof(Elf64_Ehdr, e_shentsize)),
+                                    changed(sectionName), changed(sectionName + 5)}) {
         ASSERT_EQ(load(complete), 1);
         EXPECT_EQ(load(file), 0);
         EXPECT_EQ(parts(), none);
@@ -163,6 +175,36 @@ TEST_F(VersionInfo, LoadsWhatThereIs) {
     EXPECT_EQ(load(complete), 1);
     EXPECT_EQ(info.loadFromModule(reinterpret_cast<HMODULE>(&info)), 0);
     EXPECT_STREQ(info.getComments(), "text");
+}
+
+TEST_F(VersionInfo, KeepsLengthsWithinWhatHoldsThem) {
+    struct Case {
+        std::string_view node;
+        std::uint16_t length;
+        std::uint16_t valueLength;
+        int loaded;
+        const char* comments;
+    };
+    const std::vector<Case> cases{
+        {"VS_VERSION_INFO", 0xFFFF, 52, 0, nullptr},
+        {"VS_VERSION_INFO", 4, 52, 0, nullptr},
+        {"Comments", 0xFFFF, 0xFFFF, 1, nullptr},
+        {"Comments", 28, 0xFFFF, 1, "te"},
+        {"Comments", 24, 5, 1, ""},
+        {"Comments", 0, 5, 1, nullptr},
+    };
+    for (const Case& each : cases) {
+        std::string file = completeFile();
+        std::string name;
+        for (const char character : each.node) {
+            name += {character, '\0'};
+        }
+        const std::size_t header = file.find(name) - 6;
+        std::memcpy(&file[header], &each.length, 2);
+        std::memcpy(&file[header + 2], &each.valueLength, 2);
+        EXPECT_EQ(load(file), each.loaded) << each.node << " " << each.length;
+        EXPECT_STREQ(info.getComments(), each.comments) << each.node << " " << each.length;
+    }
 }
 
 // The sanitizers watch: nothing outside the data may be touched, and every load must come to an end.
