@@ -93,9 +93,11 @@ void CAPLoggingFile::writeLine(const std::string& origin, const ICAPLoggingMessa
     const __time64_t now = std::time(nullptr);
     std::tm local{};
     _localtime64_s(&local, &now);
-    const std::string line =
-        FormatText("%04d-%02d-%02d %02d:%02d:%02d (%s) [%s] ", local.tm_year + 1900, local.tm_mon + 1, local.tm_mday,
-                   local.tm_hour, local.tm_min, local.tm_sec, zoneText.c_str(), origin.c_str()) +
-        message.ToString() + "\n";
-    std::fwrite(line.data(), 1, line.size(), stream.get());
+    std::string line = isLineTorn ? "\n" : ""; // a full disk may have let a part of the last line through
+    line += FormatText("%04d-%02d-%02d %02d:%02d:%02d (%s) [%s] ", local.tm_year + 1900, local.tm_mon + 1,
+                       local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec, zoneText.c_str(), origin.c_str());
+    const std::string text = message.ToString();
+    line.append(text, 0, text.find('\0')).append("\n");
+    const std::size_t written = std::fwrite(line.data(), 1, line.size(), stream.get());
+    if (written > 0) isLineTorn = written < line.size();
 }

@@ -57,4 +57,5 @@ private:
     std::unique_ptr<std::FILE, CloseStream> stream;
     std::string zoneText;
     std::int32_t detailLevel = 2;
+    bool isLineTorn = false;
 };

@@ -49,12 +49,14 @@ public:
 
     bool isOpen() const { return descriptor >= 0; }
 
-    std::string read() const {
+    /// The whole file; none when it can't be read.
+    std::optional<std::string> read() const {
         std::string text;
         std::array<char, 4096> part{};
         for (;;) {
             const ssize_t length = pread(descriptor, part.data(), part.size(), static_cast<off_t>(text.size()));
-            if (length <= 0) return text;
+            if (length < 0) return std::nullopt;
+            if (length == 0) return text;
             text.append(part.data(), static_cast<std::size_t>(length));
         }
     }
@@ -74,7 +76,7 @@ private:
 
 std::string storeText() {
     const StoreFile file(O_RDONLY, LOCK_SH);
-    return file.isOpen() ? file.read() : std::string();
+    return file.isOpen() ? file.read().value_or("") : std::string();
 }
 
 bool isPredefined(HKEY key) {
@@ -105,23 +107,25 @@ LSTATUS RegOpenKeyExA(HKEY parent, const char* path, DWORD /*options*/, REGSAM /
     if (parentPath.empty()) return ERROR_INVALID_HANDLE;
     const StoreFile file(O_RDWR | O_CREAT, LOCK_SH);
     if (!file.isOpen()) return ERROR_ACCESS_DENIED;
-    const std::string text = file.read();
-    if (!registry::isStore(text)) return ERROR_BADDB;
+    const std::optional<std::string> text = file.read();
+    if (!text) return ERROR_READ_FAULT;
+    if (!registry::isStore(*text)) return ERROR_BADDB;
     std::string fullPath = pathBelow(parentPath, path);
-    if (fullPath != softwarePath && !registry::hasKey(text, fullPath)) return ERROR_FILE_NOT_FOUND;
+    if (!registry::isWithin(softwarePath, fullPath) && !registry::hasKey(*text, fullPath)) return ERROR_FILE_NOT_FOUND;
     return hold(std::move(fullPath), key);
 }
 
 LSTATUS RegCreateKeyA(HKEY parent, const char* path, HKEY* key) {
     const std::string_view parentPath = pathOf(parent);
     if (parentPath.empty()) return ERROR_INVALID_HANDLE;
-    if (!parentPath.starts_with(softwarePath)) return ERROR_ACCESS_DENIED;
+    if (!registry::isWithin(parentPath, softwarePath)) return ERROR_ACCESS_DENIED;
     const StoreFile file(O_RDWR | O_CREAT, LOCK_EX);
     if (!file.isOpen()) return ERROR_ACCESS_DENIED;
-    const std::string text = file.read();
-    if (!registry::isStore(text)) return ERROR_BADDB;
+    const std::optional<std::string> text = file.read();
+    if (!text) return ERROR_READ_FAULT;
+    if (!registry::isStore(*text)) return ERROR_BADDB;
     std::string fullPath = pathBelow(parentPath, path);
-    const std::string headings = registry::missingHeadings(text, softwarePath, fullPath);
+    const std::string headings = registry::missingHeadings(*text, softwarePath, fullPath);
     if (!headings.empty() && !file.append(headings)) return ERROR_DISK_FULL;
     return hold(std::move(fullPath), key);
 }

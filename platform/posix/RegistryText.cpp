@@ -12,10 +12,6 @@ namespace {
 constexpr std::string_view signature = "REGEDIT4";
 constexpr std::string_view blanks = " \t\r";
 
-bool isBelow(std::string_view key, std::string_view parent) {
-    return key.size() > parent.size() && key[parent.size()] == '\\' && sameText(key.substr(0, parent.size()), parent);
-}
-
 std::string_view trimmed(std::string_view text) {
     const std::size_t first = text.find_first_not_of(blanks);
     if (first == std::string_view::npos) return {};
@@ -27,17 +23,6 @@ std::string_view takeLine(std::string_view& text) {
     const std::string_view line = text.substr(0, end);
     text.remove_prefix(std::min(end + 1, text.size()));
     return trimmed(line);
-}
-
-/// Takes the next line; a list of bytes together with the lines that it is continued on by a backslash at its end.
-std::string takeStatement(std::string_view& text) {
-    std::string statement(takeLine(text));
-    const bool isList = statement.starts_with('"') && statement.find("=hex") != std::string::npos;
-    while (isList && statement.ends_with('\\') && !text.empty()) {
-        statement.pop_back();
-        statement += takeLine(text);
-    }
-    return statement;
 }
 
 /// Takes a quoted text with its escapes \\ and \" from the front of a line.
@@ -53,6 +38,32 @@ std::optional<std::string> takeQuoted(std::string_view& line) {
         content += line[i];
     }
     return std::nullopt;
+}
+
+/// Takes the "=" behind a value's name.
+bool takeEquals(std::string_view& line) {
+    line = trimmed(line);
+    if (!line.starts_with('=')) return false;
+    line = trimmed(line.substr(1));
+    return true;
+}
+
+bool isListOfBytes(std::string_view statement) {
+    return takeQuoted(statement) && takeEquals(statement) && statement.starts_with("hex");
+}
+
+/// Takes the next line; a list of bytes together with the lines that it is continued on by a backslash at its end.
+std::string takeStatement(std::string_view& text) {
+    std::string statement(takeLine(text));
+    while (statement.ends_with('\\') && isListOfBytes(statement) && !text.empty()) {
+        statement.pop_back();
+        statement += takeLine(text);
+    }
+    return statement;
+}
+
+std::string_view withoutComment(std::string_view text) {
+    return trimmed(text.substr(0, text.find(';')));
 }
 
 std::optional<DWORD> parseHex(std::string_view digits, std::size_t most) {
@@ -80,12 +91,13 @@ std::optional<Value> parseValue(std::string_view text) {
     constexpr std::string_view binaryPrefix = "hex:";
     constexpr std::string_view typedPrefix = "hex(";
     if (std::optional<std::string> quoted = takeQuoted(text)) {
-        if (!trimmed(text).empty()) return std::nullopt;
+        if (!withoutComment(text).empty()) return std::nullopt;
         quoted->push_back('\0');
         return Value{REG_SZ, *quoted};
     }
+    text = withoutComment(text);
     if (text.starts_with(dwordPrefix)) {
-        const std::optional<DWORD> number = parseHex(text.substr(dwordPrefix.size()), 8);
+        const std::optional<DWORD> number = parseHex(trimmed(text.substr(dwordPrefix.size())), 8);
         if (!number) return std::nullopt;
         return Value{REG_DWORD, std::string(reinterpret_cast<const char*>(&*number), sizeof *number)};
     }
@@ -104,8 +116,8 @@ public:
     void run(std::string_view text) {
         while (!text.empty()) {
             const std::string statement = takeStatement(text);
-            if (statement.starts_with('[') && statement.ends_with(']')) {
-                takeHeading(std::string_view(statement).substr(1, statement.size() - 2));
+            if (statement.starts_with('[')) {
+                takeHeading(std::string_view(statement).substr(1, statement.rfind(']') - 1));
             } else if (inKey) {
                 takeAssignment(statement);
             }
@@ -120,8 +132,8 @@ private:
         const bool deletes = heading.starts_with('-');
         if (deletes) heading.remove_prefix(1);
         inKey = !deletes && sameText(heading, key);
-        if (inKey) found = true;
-        if (deletes && (sameText(heading, key) || isBelow(key, heading))) {
+        if (!deletes && isWithin(heading, key)) found = true;
+        if (deletes && isWithin(key, heading)) {
             found = false;
             value.reset();
         }
@@ -129,12 +141,9 @@ private:
 
     void takeAssignment(std::string_view statement) {
         const std::optional<std::string> valueName = takeQuoted(statement);
-        if (!valueName || !sameText(*valueName, name)) return;
-        statement = trimmed(statement);
-        if (!statement.starts_with('=')) return;
-        const std::string_view right = trimmed(statement.substr(1));
-        const std::optional<Value> parsed = parseValue(right);
-        if (parsed || right == "-") value = parsed;
+        if (!valueName || !sameText(*valueName, name) || !takeEquals(statement)) return;
+        const std::optional<Value> parsed = parseValue(statement);
+        if (parsed || withoutComment(statement) == "-") value = parsed;
     }
 
     std::string_view key;
@@ -152,6 +161,11 @@ Search searched(std::string_view text, std::string_view key, std::string_view na
 
 bool isStore(std::string_view text) {
     return text.empty() || takeLine(text) == signature;
+}
+
+bool isWithin(std::string_view key, std::string_view other) {
+    if (!sameText(key.substr(0, other.size()), other)) return false;
+    return key.size() == other.size() || key[other.size()] == '\\';
 }
 
 bool hasKey(std::string_view text, std::string_view key) {

@@ -21,8 +21,11 @@ struct Value {
 /// Whether the text is a store at all: empty, or begun by the line REGEDIT4.
 bool isStore(std::string_view text);
 
-/// Whether the key has a heading of its own. Keys are full paths: "HKEY_LOCAL_MACHINE\SOFTWARE\...".
+/// Whether the key, or one below it, has a heading. Keys are full paths: "HKEY_LOCAL_MACHINE\SOFTWARE\...".
 bool hasKey(std::string_view text, std::string_view key);
+
+/// Whether a key is another or below it.
+bool isWithin(std::string_view key, std::string_view other);
 
 std::optional<Value> findValue(std::string_view text, std::string_view key, std::string_view name);
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
+#include <string>
 #include <string_view>
 
 namespace {
@@ -36,9 +37,10 @@ std::string_view environmentLocale() {
     return {};
 }
 
-LANGID find(std::string_view locale) {
+/// The identifier of the first locale that begins like this; 0 for none.
+LANGID find(std::string_view begin) {
     const auto* const found = std::find_if(languages.begin(), languages.end(), [&](const Language& language) {
-        return language.locale.starts_with(locale);
+        return language.locale.starts_with(begin);
     });
     return found != languages.end() ? found->identifier : LANGID{0};
 }
@@ -46,11 +48,10 @@ LANGID find(std::string_view locale) {
 } // namespace
 
 LANGID GetUserDefaultLangID() {
-    constexpr std::size_t languageLength = 2;
     const std::string_view environment = environmentLocale();
-    const std::string_view locale = environment.substr(0, environment.find_first_of(".@"));
-    if (locale.size() < languageLength || locale == "POSIX") return usEnglish;
+    const std::string locale(environment.substr(0, environment.find_first_of(".@")));
+    if (locale.empty()) return usEnglish;
     if (const LANGID exact = find(locale)) return exact;
-    const LANGID related = find(locale.substr(0, languageLength));
+    const LANGID related = find(locale.substr(0, locale.find('_')) + '_');
     return related != 0 ? related : usEnglish;
 }

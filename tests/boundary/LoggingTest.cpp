@@ -148,10 +148,11 @@ TEST_F(Logging, LinesOfThreadsAndProcessesStayWhole) {
 
 TEST_F(Logging, AFullDiskDoesNotDisturbMeasuring) {
     prepare();
-    const auto size = static_cast<rlim_t>(std::filesystem::file_size(logFile()));
+    const std::string before = readFile(logFile());
+    const std::size_t room = 30; // for a part of a line
     rlimit earlier{};
     getrlimit(RLIMIT_FSIZE, &earlier);
-    const rlimit full{size, earlier.rlim_max};
+    const rlimit full{before.size() + room, earlier.rlim_max};
     const auto handler = std::signal(SIGXFSZ, SIG_IGN);
     setrlimit(RLIMIT_FSIZE, &full);
     EXPECT_TRUE(module.open(handle, "USB"));
@@ -162,9 +163,12 @@ TEST_F(Logging, AFullDiskDoesNotDisturbMeasuring) {
     setrlimit(RLIMIT_FSIZE, &earlier);
     std::signal(SIGXFSZ, handler);
     EXPECT_EQ(listener.lines.size(), 1U);
-    EXPECT_EQ(std::filesystem::file_size(logFile()), size);
+    const std::size_t torn = before.size() + room;
+    EXPECT_EQ(std::filesystem::file_size(logFile()), torn);
     module.close(handle);
-    EXPECT_EQ(log().back(), "M7 D: close") << "written again when there is room";
+    const std::string after = readFile(logFile()).substr(torn);
+    EXPECT_TRUE(after.starts_with("\n2")) << "written again when there is room, on a line of its own: " << after;
+    EXPECT_TRUE(after.ends_with("] M7 D: close\n")) << after;
 }
 
 TEST_F(Logging, AnUnwritableLogDoesNotDisturbMeasuring) {

@@ -52,7 +52,11 @@ TEST_F(Registry, ReadsNumbers) {
         {"; comment=hex\\\n\"Number\"=dword:00000007", 7},
         {"\"Other\"=\"=hex\\\\\"\n\"Number\"=dword:00000007", 7},
         {"\"Number\"=hex(4):01,\\\n  02,\\\n  00,80", 0x80000201},
+        {"\"Number\" = hex(4):01,02,\\\n  00,80 ; comment", 0x80000201},
+        {"\"Number\"=dword: 7 ; comment", 7},
         {"\"Number\"=hex(4):001,02,00,00", 5},
+        {"[other] ; comment\n\"Number\"=dword:00000007", 5},
+        {"[other\n\"Number\"=dword:00000007", 5},
         {"[-HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM]\n\"Number\"=dword:00000007", 5},
         {"\"Number\"=dword:00000007\n[-HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM]", 5},
         {"\"Number\"=dword:00000007\n[-HKEY_LOCAL_MACHINE\\SOFTWARE\\Kes]", 7},
@@ -84,6 +88,7 @@ TEST_F(Registry, ReadsTexts) {
         {"hex(1):4x,00", "default"},
         {"dword:00000001", "default"},
         {"\"USB\" trailing", "default"},
+        {"\"USB\" ; comment", "USB"},
         {"\"USB", "default"},
     };
     for (const Case& each : cases) {
@@ -105,9 +110,10 @@ TEST_F(Registry, CreatesKeysAndKeepsTheRest) {
         {"REGEDIT4\n" + headings + device + rest, "REGEDIT4\n" + headings + device + rest},
         {"REGEDIT4\n" + headings + "text", "REGEDIT4\n" + headings + "text\n\n" + device},
         {"REGEDIT4\r\n[hkey_local_machine\\software\\KESTROVA\\SPM\\XRITE I1 PRO3]\r\n[x]\r\n" + rest,
-         "REGEDIT4\r\n[hkey_local_machine\\software\\KESTROVA\\SPM\\XRITE I1 PRO3]\r\n[x]\r\n" + rest +
-             "\r\n\r\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova]\r\n\r\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM]"
-             "\r\n"},
+         "REGEDIT4\r\n[hkey_local_machine\\software\\KESTROVA\\SPM\\XRITE I1 PRO3]\r\n[x]\r\n" + rest},
+        {"REGEDIT4\r\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM\\other]",
+         "REGEDIT4\r\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM\\other]"
+         "\r\n\r\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM\\xrite i1 Pro3]\r\n"},
         {"REGEDIT4\n" + headings + "[-HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM]\n",
          "REGEDIT4\n" + headings + "[-HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM]\n\n" + commonKey + "\n" + device},
         {"REGEDIT42\n", "REGEDIT42\n"},
@@ -143,8 +149,19 @@ TEST_F(Registry, TellsMisuseByTheSystemsErrorCodes) {
     EXPECT_EQ(RegCloseKey(nullptr), ERROR_INVALID_HANDLE);
     ASSERT_EQ(RegOpenKeyExA(HKEY_LOCAL_MACHINE, "SOFTWARE", 0, KEY_READ, &key), ERROR_SUCCESS);
     EXPECT_EQ(RegQueryValueExA(key, "none", nullptr, nullptr, nullptr, nullptr), ERROR_FILE_NOT_FOUND);
-    DWORD size = 0;
-    EXPECT_EQ(RegQueryValueExA(key, "none", nullptr, nullptr, nullptr, &size), ERROR_FILE_NOT_FOUND);
+    HKEY child = nullptr;
+    EXPECT_EQ(RegOpenKeyExA(HKEY_LOCAL_MACHINE, "SOFTWAREX", 0, KEY_READ, &child), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(RegCreateKeyA(HKEY_LOCAL_MACHINE, "child", &child), ERROR_ACCESS_DENIED);
+    ASSERT_EQ(RegCreateKeyA(key, "child", &child), ERROR_SUCCESS);
+    writeFile(path, readFile(path) + "\"Text\"=\"abc\"\n");
+    std::array<BYTE, 3> small{};
+    DWORD size = small.size();
+    EXPECT_EQ(RegQueryValueExA(child, "Text", nullptr, nullptr, small.data(), &size), ERROR_MORE_DATA);
+    EXPECT_EQ(size, 4U);
+    EXPECT_EQ(RegQueryValueExA(child, "Text", nullptr, nullptr, small.data(), nullptr), ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(RegCloseKey(child), ERROR_SUCCESS);
+    EXPECT_EQ(RegCloseKey(key), ERROR_SUCCESS);
+    ASSERT_EQ(RegOpenKeyExA(HKEY_LOCAL_MACHINE, "Software", 0, KEY_READ, &key), ERROR_SUCCESS);
     EXPECT_EQ(RegCloseKey(key), ERROR_SUCCESS);
     writeFile(path, "no settings");
     EXPECT_EQ(RegOpenKeyExA(HKEY_LOCAL_MACHINE, "SOFTWARE", 0, KEY_READ, &key), ERROR_BADDB);

@@ -126,6 +126,7 @@ TEST_F(VersionInfo, ChoosesTheTableByLanguage) {
         {"xx_XX", {0x0809, 0x0409}, 1},               // as is an unknown one
         {"de_CH@euro", {0x0407, 0x0807}, 1},          // a country of its own
         {"en_GB", {0x0409, 0x0809}, 1},
+        {"fil_PH", {0x040B, 0x0409}, 1}, // not Finnish
     };
     const std::array<version_block::Text, 3> comments{{{"Comments", "0"}, {"Comments", "1"}, {"Comments", "2"}}};
     for (const Case& each : cases) {
