@@ -18,7 +18,9 @@ bool isTerminal(std::FILE* stream) {
 
 SharedLibrary::SharedLibrary(const std::filesystem::path& path)
     : library(dlopen(std::filesystem::absolute(path).c_str(), RTLD_NOW | RTLD_LOCAL)) {
-    if (library == nullptr) throw HostError("can't load the module: " + std::string(dlerror()));
+    if (library != nullptr) return;
+    throw HostError("can't load the module " + path.string() + ": " + dlerror() +
+                    "; name it with --module, and have the SDK library beside it");
 }
 
 SharedLibrary::~SharedLibrary() {

@@ -50,8 +50,10 @@ TEST_F(Spm, SaysWhatFailedAndWithWhat) {
     writeFile(folder / "no module.so", "text");
     writeFile(folder / "chart.csv", "name\none\n");
     const std::vector<Case> cases{
-        {"measure --module '" + (folder / "missing.so").string() + "'", "missing.so"},
-        {"measure --module '" + (folder / "no module.so").string() + "'", "no module.so"},
+        {"measure --module '" + (folder / "missing.so").string() + "'",
+         "can't load the module " + (folder / "missing.so").string() + ": "},
+        {"measure --module '" + (folder / "no module.so").string() + "'",
+         "; name it with --module, and have the SDK library beside it\n"},
         {"measure --module '" SDK_FILE "'", "is not a spectrophotometer module: it has no SPM_create"},
         {"measure --chart /no/such/chart.csv", "can't read the chart file /no/such/chart.csv"},
         {"measure --chart '" + (folder / "chart.csv").string() + "'", "names 1 patches, but 4 rows of 6"},
