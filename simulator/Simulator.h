@@ -25,8 +25,8 @@ public:
     void setSamples(std::optional<std::int32_t> count) override;
 
     /// Runs a call: records it, gives the answer that is set for it, or does the work.
-    /// @param writeOutput  takes an answer's output, for the functions that have one
     /// @param work         what the function does; gives its result
+    /// @param writeOutput  takes an answer's output, for the functions that have one
     std::int32_t run(const Call& call, const std::function<std::int32_t()>& work,
                      const std::function<void(const Answer&)>& writeOutput = {});
 

@@ -175,6 +175,7 @@ TEST_F(VersionInfo, LoadsWhatThereIs) {
     EXPECT_EQ(info.loadFromFile((folder / "no such file").c_str()), 0);
     EXPECT_EQ(load(complete), 1);
     EXPECT_EQ(info.loadFromModule(reinterpret_cast<HMODULE>(&info)), 0);
+    EXPECT_EQ(info.loadFromModule(reinterpret_cast<HMODULE>(&completeFile)), 0) << "inside of a module";
     EXPECT_STREQ(info.getComments(), "text");
 }
 
