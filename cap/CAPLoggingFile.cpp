@@ -59,6 +59,7 @@ void CAPLoggingFile::OpenForModule(HMODULE module, const char* mode) {
 
 void CAPLoggingFile::OpenFile(const char* path, const char* mode) {
     CloseFile();
+    isLineTorn = false;
     if (path != nullptr) stream.reset(std::fopen(path, mode));
     // Unbuffered, a line goes out as the one write that it was handed over in.
     if (stream != nullptr) std::setvbuf(stream.get(), nullptr, _IONBF, 0);

@@ -3,8 +3,14 @@
 #include <array>
 #include <cstdio>
 
+namespace {
+
+constexpr std::size_t longest = 1024;
+
+} // namespace
+
 std::string FormatTextList(const char* format, std::va_list arguments) {
-    std::array<char, maxFormattedLength + 1> buffer{};
+    std::array<char, longest + 1> buffer{};
     // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): the caller has started the list
     std::vsnprintf(buffer.data(), buffer.size(), format, arguments);
     return buffer.data();

@@ -1,11 +1,7 @@
 #pragma once
 
 #include <cstdarg>
-#include <cstddef>
 #include <string>
-
-/// The longest text that FormatText gives, in characters.
-inline constexpr std::size_t maxFormattedLength = 1024;
 
 /// Formats like std::printf. An expansion of more than 1024 characters is cut to its first 1024.
 [[gnu::format(printf, 1, 2)]] std::string FormatText(const char* format, ...);

@@ -262,7 +262,8 @@ void SPM_i1PRO3::readSample(std::int32_t sample, const SPM_SPECTRUM& spectrum) {
     checkSdkResult(I1PRO3_GetSpectrum(deviceHandle, factors.data(), sample));
     const std::int32_t room = spectrum.numberOfReflections;
     const std::int32_t entries = std::min(room, numberOfReflections);
-    if (entries > 0 && spectrum.reflections == nullptr) throw SPMException(spmErrorNumber, "no room for reflections");
+    if (entries > 0 && spectrum.reflections == nullptr)
+        throw SPMException(spmErrorNumber, "a spectrum record has no array of reflections");
     for (std::int32_t j = 0; j < entries; ++j) {
         spectrum.reflections[j] = {firstWavelength + wavelengthStep * j,
                                    factors[static_cast<std::size_t>(j)] * percent};

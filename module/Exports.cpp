@@ -38,7 +38,7 @@ bool readInto(Record* records, std::int32_t* count, SPM_HANDLE handle,
 }
 
 template <class Read>
-std::uint32_t fromVersionInfo(Read read) noexcept {
+auto fromVersionInfo(Read read) noexcept {
     return guarded([&] {
         CAPFileVersionInfo info;
         info.loadFromModule(moduleHandle());
@@ -63,9 +63,8 @@ uint32_t SPM_getMinorVersion() {
 }
 
 void SPM_getType(SPM_TEXT* type) {
-    fromVersionInfo([&](const CAPFileVersionInfo& info) -> uint32_t {
+    fromVersionInfo([&](const CAPFileVersionInfo& info) {
         if (type != nullptr) copyText(info.getComments(), *type);
-        return 0;
     });
 }
 

@@ -79,6 +79,14 @@ std::string storeText() {
     return file.isOpen() ? file.read().value_or("") : std::string();
 }
 
+LSTATUS readStore(const StoreFile& file, std::string& text) {
+    if (!file.isOpen()) return ERROR_ACCESS_DENIED;
+    std::optional<std::string> content = file.read();
+    if (!content) return ERROR_READ_FAULT;
+    text = std::move(*content);
+    return registry::isStore(text) ? ERROR_SUCCESS : ERROR_BADDB;
+}
+
 bool isPredefined(HKEY key) {
     const auto number = reinterpret_cast<std::uintptr_t>(key);
     return number >= 0x80000000 && number <= 0x8000FFFF;
@@ -106,12 +114,10 @@ LSTATUS RegOpenKeyExA(HKEY parent, const char* path, DWORD /*options*/, REGSAM /
     const std::string_view parentPath = pathOf(parent);
     if (parentPath.empty()) return ERROR_INVALID_HANDLE;
     const StoreFile file(O_RDWR | O_CREAT, LOCK_SH);
-    if (!file.isOpen()) return ERROR_ACCESS_DENIED;
-    const std::optional<std::string> text = file.read();
-    if (!text) return ERROR_READ_FAULT;
-    if (!registry::isStore(*text)) return ERROR_BADDB;
+    std::string text;
+    if (const LSTATUS status = readStore(file, text)) return status;
     std::string fullPath = pathBelow(parentPath, path);
-    if (!registry::isWithin(softwarePath, fullPath) && !registry::hasKey(*text, fullPath)) return ERROR_FILE_NOT_FOUND;
+    if (!registry::isWithin(softwarePath, fullPath) && !registry::hasKey(text, fullPath)) return ERROR_FILE_NOT_FOUND;
     return hold(std::move(fullPath), key);
 }
 
@@ -120,12 +126,10 @@ LSTATUS RegCreateKeyA(HKEY parent, const char* path, HKEY* key) {
     if (parentPath.empty()) return ERROR_INVALID_HANDLE;
     if (!registry::isWithin(parentPath, softwarePath)) return ERROR_ACCESS_DENIED;
     const StoreFile file(O_RDWR | O_CREAT, LOCK_EX);
-    if (!file.isOpen()) return ERROR_ACCESS_DENIED;
-    const std::optional<std::string> text = file.read();
-    if (!text) return ERROR_READ_FAULT;
-    if (!registry::isStore(*text)) return ERROR_BADDB;
+    std::string text;
+    if (const LSTATUS status = readStore(file, text)) return status;
     std::string fullPath = pathBelow(parentPath, path);
-    const std::string headings = registry::missingHeadings(*text, softwarePath, fullPath);
+    const std::string headings = registry::missingHeadings(text, softwarePath, fullPath);
     if (!headings.empty() && !file.append(headings)) return ERROR_DISK_FULL;
     return hold(std::move(fullPath), key);
 }

@@ -131,9 +131,7 @@ TEST_F(Exports, AnswerNullWithTheirFailure) {
 }
 
 TEST_F(Exports, ContainWhatTheListenerThrows) {
-    class Thrower : public ICAPLoggingListener {
-        void HandleMessage(ICAPLoggingSource* /*source*/, const ICAPLoggingMessage& /*message*/) override { throw 1; }
-    } thrower;
+    Thrower thrower(1);
     prepare();
     handle->AddListener(&thrower);
     SPM_LAB lab{};

@@ -158,6 +158,7 @@ TEST_F(FaultSweep, ACleanRunMakesTheCallsOfTheTable) {
     std::transform(rows.begin(), rows.end(), std::back_inserter(calls), [](const Row& row) { return row.call; });
     EXPECT_EQ(takeCalls(), calls);
     EXPECT_TRUE(listener.lines.empty());
+    EXPECT_EQ(log(), (Texts{"M7 D: close", "M7 D: open[USB]", "M7 D: open[USB] done", "M7 D: close"}));
 }
 
 TEST_F(FaultSweep, EachFailureShowsAndLeavesAWorkingObject) {

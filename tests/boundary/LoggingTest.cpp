@@ -90,9 +90,7 @@ TEST_F(Logging, WithoutAListenerOnlyTheBannersAreWritten) {
 }
 
 TEST_F(Logging, AThrowingListenerKeepsTheMessageFromTheFile) {
-    class Thrower : public ICAPLoggingListener {
-        void HandleMessage(ICAPLoggingSource* /*source*/, const ICAPLoggingMessage& /*message*/) override { throw 1; }
-    } thrower;
+    Thrower thrower(1);
     handle->AddListener(&thrower);
     EXPECT_THROW(handle->LogMessage(CAPLoggingMessage(2, 7, "refused")), CAPException);
     handle->LogMessage(CAPLoggingMessage(3, 7, "trace"));

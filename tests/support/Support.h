@@ -41,6 +41,19 @@ private:
     std::optional<std::string> earlier;
 };
 
+/// A listener that throws what it is given.
+template <class Exception>
+class Thrower : public ICAPLoggingListener {
+public:
+    explicit Thrower(Exception thrown) : exception(std::move(thrown)) {}
+    void HandleMessage(ICAPLoggingSource* /*source*/, const ICAPLoggingMessage& /*message*/) override {
+        throw exception; // NOLINT(misc-throw-by-value-catch-by-reference,cert-err09-cpp,cert-err61-cpp)
+    }
+
+private:
+    Exception exception;
+};
+
 /// Keeps the one-line forms of the messages that it receives, and where the last came from.
 class Recorder : public ICAPLoggingListener {
 public:

@@ -7,19 +7,6 @@
 
 namespace {
 
-/// A listener that throws what it is given.
-template <class Exception>
-class Thrower : public ICAPLoggingListener {
-public:
-    explicit Thrower(Exception thrown) : exception(std::move(thrown)) {}
-    void HandleMessage(ICAPLoggingSource* /*source*/, const ICAPLoggingMessage& /*message*/) override {
-        throw exception; // NOLINT(misc-throw-by-value-catch-by-reference,cert-err09-cpp,cert-err61-cpp)
-    }
-
-private:
-    Exception exception;
-};
-
 /// What comes out of a hub whose listener throws.
 template <class Exception>
 CAPException thrownThroughHub(Exception exception) {
