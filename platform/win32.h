@@ -5,6 +5,9 @@
 
 #ifdef _WIN32
 
+#ifndef NOMINMAX
+#define NOMINMAX
+#endif
 #include <sys/timeb.h>
 #include <time.h>
 #include <windows.h>

@@ -1,0 +1,61 @@
+#include "host/HostError.h"
+#include "host/System.h"
+
+#include "platform/win32.h"
+
+#include <io.h>
+#include <string>
+#include <system_error>
+
+namespace host {
+
+namespace {
+
+constexpr std::size_t longestPath = 32'767;
+
+HMODULE handle(void* library) {
+    return static_cast<HMODULE>(library);
+}
+
+void* addressOf(HMODULE library, const char* name) {
+    return library != nullptr ? reinterpret_cast<void*>(GetProcAddress(library, name)) : nullptr;
+}
+
+} // namespace
+
+const char* const moduleFileName = "spm_i1pro3.dll";
+
+std::filesystem::path programFolder() {
+    std::wstring file(longestPath, L'\0');
+    file.resize(GetModuleFileNameW(nullptr, file.data(), static_cast<DWORD>(file.size())));
+    return std::filesystem::path(file).parent_path();
+}
+
+bool isTerminal(std::FILE* stream) {
+    return _isatty(_fileno(stream)) != 0;
+}
+
+// The libraries that the module needs are looked for beside it and among the system's own: never in the working folder
+// or on the path, where anybody may have put one of the same name.
+SharedLibrary::SharedLibrary(const std::filesystem::path& path)
+    : library(LoadLibraryExW(std::filesystem::absolute(path).c_str(), nullptr,
+                             LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_SYSTEM32)) {
+    if (library != nullptr) return;
+    const auto error = static_cast<int>(GetLastError());
+    throw HostError("can't load the module " + path.string() + ": " + std::system_category().message(error) +
+                    "; name it with --module, and have the SDK library beside it");
+}
+
+SharedLibrary::~SharedLibrary() {
+    FreeLibrary(handle(library));
+}
+
+void* SharedLibrary::find(const char* name) const {
+    return addressOf(handle(library), name);
+}
+
+void* SharedLibrary::findInSdk(const char* name) const {
+    return addressOf(GetModuleHandleW(L"i1Pro364.dll"), name);
+}
+
+} // namespace host
