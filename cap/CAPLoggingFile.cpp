@@ -33,6 +33,23 @@ std::string withLogExtension(const std::string& path) {
     return path.substr(0, hasExtension ? dot : path.size()) + ".log";
 }
 
+/// Keeps other writers off the file, of this process or another, for the object's life. The byte that is locked lies
+/// far beyond the end, so that nobody is kept from reading. Where a file can't be locked, lines may mix.
+class WriteLock {
+public:
+    explicit WriteLock(std::FILE* stream) : file(reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stream)))) {
+        place.OffsetHigh = 0x7FFFFFFF;
+        LockFileEx(file, LOCKFILE_EXCLUSIVE_LOCK, 0, 1, 0, &place);
+    }
+    WriteLock(const WriteLock&) = delete;
+    WriteLock& operator=(const WriteLock&) = delete;
+    ~WriteLock() { UnlockFileEx(file, 0, 1, 0, &place); }
+
+private:
+    HANDLE file;
+    OVERLAPPED place{};
+};
+
 } // namespace
 
 CAPLoggingFile::CAPLoggingFile() : zoneText(currentZoneText()) {}
@@ -99,6 +116,7 @@ void CAPLoggingFile::writeLine(const std::string& origin, const ICAPLoggingMessa
                        local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec, zoneText.c_str(), origin.c_str());
     const std::string text = message.ToString();
     line.append(text, 0, text.find('\0')).append("\n");
+    const WriteLock lock(stream.get());
     const std::size_t written = std::fwrite(line.data(), 1, line.size(), stream.get());
     if (written > 0) isLineTorn = written < line.size();
 }

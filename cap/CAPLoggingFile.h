@@ -13,8 +13,8 @@
 /// A line is "2026-03-01 14:05:09 (UTC+01:00) [process:thread:source] " followed by the message's ToString. A file that
 /// can't be opened or written loses its lines and disturbs nobody: no operation reports a failure.
 ///
-/// Each line leaves in a single write to the end of the file, so that lines of several threads, objects and processes
-/// never mix.
+/// Each line leaves in a single write to the end of the file, under a lock of the file: the Windows runtime looks for
+/// the end before it writes there. So lines of several threads, objects and processes never mix.
 class CAPLoggingFile : public ICAPLoggingListener {
 public:
     CAPLoggingFile();

@@ -8,6 +8,8 @@
 #ifndef NOMINMAX
 #define NOMINMAX
 #endif
+#include <io.h>
+#include <stdio.h>
 #include <sys/timeb.h>
 #include <time.h>
 #include <windows.h>

@@ -4,6 +4,7 @@
 // Texts are single-byte texts; failures set no last-error code, since nobody asks for it.
 
 #include <cstdint>
+#include <cstdio>
 #include <ctime>
 
 // NOLINTBEGIN(bugprone-reserved-identifier): the system's names
@@ -15,6 +16,7 @@ using DWORD = std::uint32_t;
 using UINT = std::uint32_t;
 using LONG = std::int32_t;
 using LSTATUS = LONG;
+using HANDLE = void*;
 using LPVOID = void*;
 using LPBYTE = BYTE*;
 using REGSAM = DWORD;
@@ -68,6 +70,22 @@ LSTATUS RegCloseKey(HKEY key);
 DWORD GetModuleFileNameA(HMODULE module, char* name, DWORD size);
 DWORD GetCurrentProcessId();
 DWORD GetCurrentThreadId();
+
+// Files.
+
+inline constexpr DWORD LOCKFILE_EXCLUSIVE_LOCK = 2;
+
+struct OVERLAPPED {
+    DWORD Offset;
+    DWORD OffsetHigh;
+};
+
+int _fileno(std::FILE* stream);
+/// The file's descriptor, which is its handle here.
+std::intptr_t _get_osfhandle(int descriptor);
+/// Waits until no other open file holds a lock of a byte in the range, then locks it. Only exclusive locks.
+BOOL LockFileEx(HANDLE file, DWORD flags, DWORD reserved, DWORD bytes, DWORD bytesHigh, OVERLAPPED* place);
+BOOL UnlockFileEx(HANDLE file, DWORD reserved, DWORD bytes, DWORD bytesHigh, OVERLAPPED* place);
 
 // Version resources: the tree of VS_VERSION_INFO in the section ".rsrc" of an ELF file.
 
