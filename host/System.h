@@ -32,7 +32,8 @@ private:
     void* library;
 };
 
-/// The file name of the module on this system.
+/// The file names of the module and of the vendor's library on this system.
 extern const char* const moduleFileName;
+extern const char* const sdkFileName;
 
 } // namespace host

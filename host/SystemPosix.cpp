@@ -7,6 +7,7 @@
 namespace host {
 
 const char* const moduleFileName = "spm_i1pro3.so";
+const char* const sdkFileName = "libi1Pro364.so";
 
 std::filesystem::path programFolder() {
     return std::filesystem::read_symlink("/proc/self/exe").parent_path();

@@ -21,9 +21,16 @@ void* addressOf(HMODULE library, const char* name) {
     return library != nullptr ? reinterpret_cast<void*>(GetProcAddress(library, name)) : nullptr;
 }
 
+/// The path of just this file: the system would add ".dll" to a name without an extension.
+std::wstring exactPath(const std::filesystem::path& path) {
+    const std::wstring absolute = std::filesystem::absolute(path).native();
+    return path.has_extension() ? absolute : absolute + L'.';
+}
+
 } // namespace
 
 const char* const moduleFileName = "spm_i1pro3.dll";
+const char* const sdkFileName = "i1Pro364.dll";
 
 std::filesystem::path programFolder() {
     std::wstring file(longestPath, L'\0');
@@ -38,7 +45,7 @@ bool isTerminal(std::FILE* stream) {
 // The libraries that the module needs are looked for beside it and among the system's own: never in the working folder
 // or on the path, where anybody may have put one of the same name.
 SharedLibrary::SharedLibrary(const std::filesystem::path& path)
-    : library(LoadLibraryExW(std::filesystem::absolute(path).c_str(), nullptr,
+    : library(LoadLibraryExW(exactPath(path).c_str(), nullptr,
                              LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_SYSTEM32)) {
     if (library != nullptr) return;
     const auto error = static_cast<int>(GetLastError());
@@ -55,7 +62,7 @@ void* SharedLibrary::find(const char* name) const {
 }
 
 void* SharedLibrary::findInSdk(const char* name) const {
-    return addressOf(GetModuleHandleW(L"i1Pro364.dll"), name);
+    return addressOf(GetModuleHandleA(sdkFileName), name);
 }
 
 } // namespace host

@@ -1,7 +1,7 @@
 // The module's version resource where there is no resource compiler: the same tree, made at compile time and placed
 // into the section in which the platform looks for it.
 
-#include "platform/posix/VersionBlock.h"
+#include "platform/VersionBlock.h"
 
 #include "version.h"
 

@@ -165,7 +165,7 @@ TEST_F(FaultSweep, EachFailureShowsAndLeavesAWorkingObject) {
     for (std::size_t i = 0; i < rows.size(); ++i) {
         SCOPED_TRACE("call " + std::to_string(i) + ": " + rows[i].call);
         module.destroy(handle);
-        std::filesystem::remove(folder / "spm_i1pro3.log");
+        std::filesystem::remove(logFile());
         handle = module.create();
         handle->AddListener(&listener);
         listener.lines.clear();
@@ -179,7 +179,7 @@ TEST_F(FaultSweep, EachFailureShowsAndLeavesAWorkingObject) {
         const std::size_t followUps = rows[i].changed == notCalibrated ? 4 : 0; // reads that find it not calibrated
         ASSERT_EQ(listener.lines.size(), messages.size() + followUps);
         EXPECT_TRUE(std::equal(messages.begin(), messages.end(), listener.lines.begin()));
-        const std::string written = readFile(folder / "spm_i1pro3.log");
+        const std::string written = readText(logFile());
         for (const std::string& line : listener.lines) {
             EXPECT_NE(written.find("] " + line + "\n"), std::string::npos) << line;
         }

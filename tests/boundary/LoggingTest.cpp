@@ -1,32 +1,13 @@
 #include "cap/CAPLoggingMessage.h"
+#include "tests/boundary/FailOften.h"
 #include "tests/boundary/ModuleTest.h"
 
-#include <csignal>
+#include <future>
 #include <regex>
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <thread>
-#include <unistd.h>
 
 namespace {
 
-class Logging : public ModuleTest {
-protected:
-    std::filesystem::path logFile() const { return folder / "spm_i1pro3.log"; }
-
-    /// Opens, with an object of its own, what can't be opened.
-    void failOften(int times) const {
-        Recorder own;
-        SPM_HANDLE other = module.create();
-        other->AddListener(&own);
-        for (int i = 0; i < times; ++i) {
-            module.open(other, "USB");
-        }
-        module.destroy(other);
-    }
-};
-
-const std::string longText(20'000, 'x');
+class Logging : public ModuleTest {};
 
 } // namespace
 
@@ -36,7 +17,7 @@ TEST_F(Logging, NumbersItsSourcesAndEndsWithTheObject) {
     module.open(other, "second");
     module.open(handle, "first");
     module.destroy(other);
-    const std::string text = readFile(logFile());
+    const std::string text = readText(logFile());
     const auto head = [](SPM_HANDLE source) {
         std::array<char, 16> number{};
         const auto address = reinterpret_cast<std::uintptr_t>(static_cast<ICAPLoggingSource*>(source));
@@ -53,30 +34,33 @@ TEST_F(Logging, NumbersItsSourcesAndEndsWithTheObject) {
 
 TEST_F(Logging, SettingsDecideWhatIsWritten) {
     struct Case {
-        std::string settings;
+        std::function<void(Settings&)> set;
         bool three;
         bool four;
     };
     const std::vector<Case> cases{
-        {"\"Logging\"=dword:1", true, false},
-        {"\"Logging\"=dword:1\n\"Details\"=dword:2", true, true},
-        {"\"Logging\"=dword:0\n\"Details\"=dword:1", false, false},
-        {"\"Logging\"=\"1\"", false, false},
-        {"", false, false},
+        {[](Settings& use) { use.setNumber("Logging", 1); }, true, false},
+        {[](Settings& use) { use.setNumber("Logging", 1), use.setNumber("Details", 2); }, true, true},
+        {[](Settings& use) { use.setNumber("Logging", 0), use.setNumber("Details", 1); }, false, false},
+        {[](Settings& use) { use.set(commonKey, "Logging", REG_SZ, std::string("1", 2)); }, false, false},
+        {[](Settings& use) { use.setNumber("Logging", 1), use.forbid(); }, false, false},
+        {[](Settings&) {}, false, false},
     };
+    module.destroy(std::exchange(handle, nullptr));
     for (const Case& each : cases) {
-        writeFile(folder / "settings.reg",
-                  "REGEDIT4\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM]\n" + each.settings + "\n");
+        SCOPED_TRACE(&each - cases.data());
+        settings.clear();
+        each.set(settings);
         std::filesystem::remove(logFile());
         SPM_HANDLE other = module.create();
-        Recorder own;
-        other->AddListener(&own);
+        Recorder recorder;
+        other->AddListener(&recorder);
         other->LogMessage(CAPLoggingMessage(3, 7, "three"));
         other->LogMessage(CAPLoggingMessage(4, 7, "four"));
-        const std::string text = readFile(logFile());
-        EXPECT_EQ(text.find("three") != std::string::npos, each.three) << each.settings;
-        EXPECT_EQ(text.find("four") != std::string::npos, each.four) << each.settings;
-        EXPECT_TRUE(own.lines.empty()) << "details are not for listeners";
+        const std::string text = readText(logFile());
+        EXPECT_EQ(text.find("three") != std::string::npos, each.three);
+        EXPECT_EQ(text.find("four") != std::string::npos, each.four);
+        EXPECT_TRUE(recorder.lines.empty()) << "details are not for listeners";
         module.destroy(other);
     }
 }
@@ -103,33 +87,26 @@ TEST_F(Logging, AThrowingListenerKeepsTheMessageFromTheFile) {
 TEST_F(Logging, LinesOfThreadsAndProcessesStayWhole) {
     constexpr int writers = 4;
     constexpr int times = 25;
-    sdk.answer({.function = "I1PRO3_GetDevices", .times = 0, .result = 9});
-    sdk.answer({.function = "I1PRO3_GetGlobalOption", .argument = "LastErrorText", .times = 0, .output = longText});
-    sdk.answer({.function = "I1PRO3_GetGlobalOption",
-                .argument = "LastErrorNumber",
-                .times = 0,
-                .output = std::string("9\0", 2)});
-    for (int process = 0; process < writers; ++process) {
-        if (fork() != 0) continue;
-        failOften(times);
-        _exit(0);
+    letOpeningFail(sdk);
+    std::vector<std::future<int>> ends;
+    for (int writer = 0; writer < writers; ++writer) {
+        ends.push_back(std::async(std::launch::async, [&] {
+            failOften(module, times);
+            return 0;
+        }));
+        ends.push_back(std::async(std::launch::async, [&, writer] {
+            const std::string output = "output " + std::to_string(writer);
+            return run(host::programFolder() / ("failing_host" + programExtension),
+                       {moduleFile().string(), std::to_string(times)}, {folder / output, folder / (output + " err")});
+        }));
     }
-    std::vector<std::thread> threads;
-    for (int thread = 0; thread < writers; ++thread) {
-        threads.emplace_back([&] { failOften(times); });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
-    for (int process = 0; process < writers; ++process) {
-        int status = 0;
-        wait(&status);
-        EXPECT_EQ(status, 0);
+    for (std::future<int>& end : ends) {
+        EXPECT_EQ(end.get(), 0);
     }
     const std::string head = R"(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d \(UTC[+-]\d\d:\d\d\) \[[0-9A-F:]+\] M)";
     const std::regex line(head + R"(([07] D: .{5,40}|7 E1539: xxxx))");
     int errors = 0;
-    for (const std::string& each : linesOf(readFile(logFile()))) {
+    for (const std::string& each : linesOf(readText(logFile()))) {
         if (each.starts_with("ErrorNumber")) {
             EXPECT_EQ(each, "ErrorNumber: 9");
             continue;
@@ -137,39 +114,15 @@ TEST_F(Logging, LinesOfThreadsAndProcessesStayWhole) {
         const std::size_t text = each.find("xxxx");
         if (text != std::string::npos) {
             ++errors;
-            EXPECT_TRUE(each.substr(text) == longText) << "a torn line";
+            EXPECT_TRUE(each.substr(text) == longErrorText) << "a torn line";
         }
         EXPECT_TRUE(std::regex_match(each.substr(0, text == std::string::npos ? text : text + 4), line)) << each;
     }
     EXPECT_EQ(errors, 2 * writers * times);
 }
 
-TEST_F(Logging, AFullDiskDoesNotDisturbMeasuring) {
-    prepare();
-    const std::string before = readFile(logFile());
-    const std::size_t room = 30; // for a part of a line
-    rlimit earlier{};
-    getrlimit(RLIMIT_FSIZE, &earlier);
-    const rlimit full{before.size() + room, earlier.rlim_max};
-    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
-    setrlimit(RLIMIT_FSIZE, &full);
-    EXPECT_TRUE(module.open(handle, "USB"));
-    sdk.answer({.function = "I1PRO3_SetOption", .result = 9});
-    SPM_LAB lab{};
-    int32_t count = 1;
-    EXPECT_FALSE(module.read(handle, &lab, &count));
-    setrlimit(RLIMIT_FSIZE, &earlier);
-    std::signal(SIGXFSZ, handler);
-    EXPECT_EQ(listener.lines.size(), 1U);
-    const std::size_t torn = before.size() + room;
-    EXPECT_EQ(std::filesystem::file_size(logFile()), torn);
-    module.close(handle);
-    const std::string after = readFile(logFile()).substr(torn);
-    EXPECT_TRUE(after.starts_with("\n2")) << "written again when there is room, on a line of its own: " << after;
-    EXPECT_TRUE(after.ends_with("] M7 D: close\n")) << after;
-}
-
 TEST_F(Logging, AnUnwritableLogDoesNotDisturbMeasuring) {
+    module.destroy(std::exchange(handle, nullptr));
     std::filesystem::remove(logFile());
     std::filesystem::create_directory(logFile());
     SPM_HANDLE other = module.create();

@@ -5,12 +5,10 @@
 namespace fs = std::filesystem;
 
 fs::path installModule(const TempFolder& folder) {
-    for (const fs::path file : {MODULE_FILE, SDK_FILE}) {
-        fs::copy_file(file, folder / file.filename().string());
+    for (const char* name : {host::moduleFileName, host::sdkFileName}) {
+        fs::copy_file(host::programFolder() / name, folder / name);
     }
-    writeFile(folder / "settings.reg",
-              "REGEDIT4\n\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM]\n\"Logging\"=dword:00000001\n");
-    return folder / fs::path(MODULE_FILE).filename().string();
+    return folder / host::moduleFileName;
 }
 
 ModuleTest::ModuleTest() : module(installModule(folder)), sdk(simulatorOf(module)), handle(module.create()) {
@@ -37,7 +35,7 @@ Texts ModuleTest::takeCalls() {
 
 Texts ModuleTest::log() const {
     Texts messages;
-    for (const std::string& line : linesOf(readFile(folder / "spm_i1pro3.log"))) {
+    for (const std::string& line : linesOf(readText(logFile()))) {
         const std::size_t head = line.find("] M");
         messages.push_back(head == std::string::npos ? line : line.substr(head + 2));
     }

@@ -3,13 +3,19 @@
 #include "host/Module.h"
 #include "simulator/Control.h"
 #include "tests/support/Support.h"
+#include "tests/support/System.h"
 
 #include <gtest/gtest.h>
 
-/// Copies the built module and the simulated SDK library into a folder, with a file "settings.reg" that switches
-/// logging on.
+/// Copies the built module and the simulated SDK library into a folder.
 /// @return the module's copy
 std::filesystem::path installModule(const TempFolder& folder);
+
+/// Settings that switch logging on.
+class LoggingOn : public Settings {
+public:
+    LoggingOn() { setNumber("Logging", 1); }
+};
 
 /// A copy of the built module in a folder of its own, beside the simulated SDK library, with logging on; loaded as a
 /// host loads it, with one object and a listener.
@@ -30,8 +36,10 @@ protected:
     /// Opens and calibrates; the button is pressed from then on.
     void prepare();
 
+    std::filesystem::path logFile() const { return folder / "spm_i1pro3.log"; }
+
     TempFolder folder;
-    EnvironmentVariable settings{"SPM_REGISTRY", (folder / "settings.reg").string()};
+    LoggingOn settings;
     const host::Module module;
     simulator::Control& sdk;
     Recorder listener;

@@ -1,40 +1,44 @@
 #include "host/HostError.h"
 #include "host/Instrument.h"
 #include "host/Swatch.h"
+#include "simulator/Data.h"
 #include "tests/support/SimulatorOf.h"
 #include "tests/support/Support.h"
+#include "tests/support/System.h"
 
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
 namespace {
+
+using Texts = std::vector<std::string>;
+
+const std::filesystem::path moduleFile = host::programFolder() / host::moduleFileName;
+const std::filesystem::path sdkFile = host::programFolder() / host::sdkFileName;
 
 class Spm : public testing::Test {
 protected:
     /// Runs spm with these arguments and gives its exit status.
-    int run(const std::string& arguments) {
-        const std::string command = std::string("'") + SPM_PROGRAM + "' " + arguments + " >'" +
-                                    (folder / "out").string() + "' 2>'" + (folder / "err").string() + "'";
-        const int status = std::system(command.c_str());
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    int run(const Texts& arguments) {
+        return ::run(host::programFolder() / ("spm" + programExtension), arguments, {folder / "out", folder / "err"});
     }
-    std::string output() const { return readFile(folder / "out"); }
-    std::string errors() const { return readFile(folder / "err"); }
+    std::string output() const { return readText(folder / "out"); }
+    std::string errors() const { return readText(folder / "err"); }
 
     TempFolder folder;
-    EnvironmentVariable settings{"SPM_REGISTRY", (folder / "settings.reg").string()};
+    Settings settings;
 };
 
 } // namespace
 
 TEST_F(Spm, MeasuresTheChartAndASpectrum) {
-    ASSERT_EQ(run("measure --chart '" CHART_FILE "'"), 0) << errors();
+    const std::filesystem::path chart = folder / "chart.csv";
+    writeFile(chart, std::string(simulator::colorCheckerCsv));
+    ASSERT_EQ(run({"measure", "--chart", chart.string()}), 0) << errors();
     const std::string text = output();
     EXPECT_NE(text.find("SIMULATED"), std::string::npos);
-    EXPECT_NE(text.find(MODULE_FILE), std::string::npos);
-    const std::vector<std::string> names = linesOf(readFile(CHART_FILE));
-    for (std::size_t i = 1; i < names.size(); ++i) {
-        EXPECT_NE(text.find("\n" + names[i].substr(0, names[i].find(',')) + " "), std::string::npos) << names[i];
+    EXPECT_NE(text.find(moduleFile.string()), std::string::npos);
+    for (const simulator::Patch& patch : simulator::parseChart(simulator::colorCheckerCsv)) {
+        EXPECT_NE(text.find("\n" + patch.name + " "), std::string::npos) << patch.name;
     }
     EXPECT_NE(text.find("white 9.5 (.05 D)           95.45    -0.49     1.03\n"), std::string::npos) << text;
     EXPECT_NE(text.find("380 nm   4.80"), std::string::npos) << text;
@@ -44,24 +48,25 @@ TEST_F(Spm, MeasuresTheChartAndASpectrum) {
 
 TEST_F(Spm, SaysWhatFailedAndWithWhat) {
     struct Case {
-        std::string arguments;
+        Texts arguments;
         std::string message;
     };
-    writeFile(folder / "no module.so", "text");
-    writeFile(folder / "chart.csv", "name\none\n");
+    const std::string missing = (folder / "missing.module").string();
+    const std::string noModule = (folder / "no module").string();
+    const std::string chart = (folder / "chart.csv").string();
+    writeFile(noModule, "text");
+    writeFile(chart, "name\none\n");
     const std::vector<Case> cases{
-        {"measure --module '" + (folder / "missing.so").string() + "'",
-         "can't load the module " + (folder / "missing.so").string() + ": "},
-        {"measure --module '" + (folder / "no module.so").string() + "'",
-         "; name it with --module, and have the SDK library beside it\n"},
-        {"measure --module '" SDK_FILE "'", "is not a spectrophotometer module: it has no SPM_create"},
-        {"measure --chart /no/such/chart.csv", "can't read the chart file /no/such/chart.csv"},
-        {"measure --chart '" + (folder / "chart.csv").string() + "'", "names 1 patches, but 4 rows of 6"},
-        {"measure --patches 1", "--patches"},
-        {"", "subcommand"},
+        {{"measure", "--module", missing}, "can't load the module " + missing + ": "},
+        {{"measure", "--module", noModule}, "; name it with --module, and have the SDK library beside it\n"},
+        {{"measure", "--module", sdkFile.string()}, "is not a spectrophotometer module: it has no SPM_create"},
+        {{"measure", "--chart", "/no/such/chart.csv"}, "can't read the chart file /no/such/chart.csv"},
+        {{"measure", "--chart", chart}, "names 1 patches, but 4 rows of 6"},
+        {{"measure", "--patches", "1"}, "--patches"},
+        {{}, "subcommand"},
     };
     for (const Case& each : cases) {
-        EXPECT_NE(run(each.arguments), 0) << each.arguments;
+        EXPECT_NE(run(each.arguments), 0) << each.message;
         EXPECT_NE(errors().find(each.message), std::string::npos) << errors();
         EXPECT_EQ(output(), "");
     }
@@ -86,7 +91,7 @@ TEST_F(Spm, PassesOnTheModulesErrorText) {
          "measuring failed: the instrument is not open"},
     };
     for (const Case& each : cases) {
-        const host::Module module(MODULE_FILE);
+        const host::Module module(moduleFile);
         simulatorOf(module).answer(each.answer);
         const auto wait = [] {};
         try {

@@ -26,6 +26,9 @@ private:
 void writeFile(const std::filesystem::path& path, const std::string& content);
 /// Empty when there is no such file.
 std::string readFile(const std::filesystem::path& path);
+/// A text file with its lines ended by '\n'.
+/// @throws std::runtime_error  when a line in the file ends in another way than the system's
+std::string readText(const std::filesystem::path& path);
 std::vector<std::string> linesOf(const std::string& text);
 
 /// Sets an environment variable for the object's life.

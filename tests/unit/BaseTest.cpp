@@ -1,6 +1,7 @@
 #include "module/Device.h"
 #include "module/SPM_BASE.h"
 #include "tests/support/Support.h"
+#include "tests/support/System.h"
 
 #include <cstring>
 #include <gtest/gtest.h>
@@ -9,9 +10,7 @@ namespace {
 
 class Base : public testing::Test {
 protected:
-    TempFolder folder;
-    std::filesystem::path settings = folder / "settings.reg";
-    EnvironmentVariable variable{"SPM_REGISTRY", settings.string()};
+    Settings settings;
     std::unique_ptr<SPM_BASE> module = createDevice();
 };
 
@@ -142,12 +141,10 @@ TEST_F(Base, SelectsOptionsByName) {
 }
 
 TEST_F(Base, CreatesItsKeysAndReadsTheDeviceAnew) {
-    const std::string created = readFile(settings);
-    EXPECT_NE(created.find("[HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM]\n"), std::string::npos);
-    EXPECT_NE(created.find("[HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM\\xrite i1 Pro3]\n"), std::string::npos);
-    EXPECT_EQ(created.find('='), std::string::npos);
+    EXPECT_EQ(settings.keys(), (std::vector<std::string>{"Kestrova", commonKey, deviceKey}));
+    EXPECT_FALSE(settings.hasValues());
     for (const char* configured : {"USB", "usb", "COM1", ""}) {
-        writeFile(settings, created + "\"Device\"=\"" + configured + "\"\n");
+        settings.setText("Device", configured);
         EXPECT_STREQ(module->getDevice(-1), "USB");
     }
     EXPECT_STREQ(module->getDevice(0), "USB");
@@ -182,7 +179,7 @@ public:
 TEST_F(Base, TakesTheConfiguredDeviceOfSeveral) {
     const TwoConnections two;
     EXPECT_STREQ(two.getDevice(-1), "USB");
-    writeFile(settings, readFile(settings) + "\"Device\"=\"USB2\"\n");
+    settings.set("Kestrova\\SPM\\two connections", "Device", REG_SZ, std::string("USB2", 5));
     EXPECT_STREQ(two.getDevice(-1), "USB2");
     EXPECT_STREQ(two.getDevice(2), "USB");
 }

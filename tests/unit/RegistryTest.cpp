@@ -1,144 +1,99 @@
 #include "module/SPMRegistry.h"
 #include "tests/support/Support.h"
+#include "tests/support/System.h"
 
-#include <atomic>
-#include <csignal>
-#include <fcntl.h>
-#include <functional>
 #include <gtest/gtest.h>
-#include <sys/file.h>
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <thread>
-#include <unistd.h>
 
 namespace {
 
-const std::string commonKey = "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM]\n";
-const std::string headings = "\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova]\n\n" + commonKey;
+constexpr DWORD expandedText = 2;
+constexpr DWORD manyTexts = 7;
 
 class Registry : public testing::Test {
 protected:
-    TempFolder folder;
-    std::filesystem::path path = folder / "settings.reg";
-    EnvironmentVariable variable{"SPM_REGISTRY", path.string()};
+    Settings settings;
 };
+
+std::string stored(const std::string& text) {
+    return text + '\0';
+}
+
+std::string bytes(std::initializer_list<char> values) {
+    return {values};
+}
 
 } // namespace
 
 TEST_F(Registry, ReadsNumbers) {
     struct Case {
-        std::string lines;
+        DWORD type;
+        std::string data;
         std::uint32_t number;
     };
     const std::vector<Case> cases{
-        {"\"Number\"=dword:00000007", 7},
-        {"\"number\"=dword:fffffffe", 0xFFFFFFFE},
-        {"  \"NUMBER\" = dword:7 \r", 7},
-        {"\"Number\"=hex(4):01,02,\\\n  00,80", 0x80000201},
-        {"\"Number\"=dword:00000007\n\"Number\"=dword:8", 8},
-        {"\"Number\"=dword:00000007\n[hkey_local_machine\\software\\kestrova\\spm]\n\"Number\"=dword:8", 8},
-        {"\"Number\"=dword:00000007\n\"Number\"=what is this", 7},
-        {"\"Number\"=dword:00000007\n[other]\n\"Number\"=dword:8", 7},
-        {"\"Number\"=dword:00000007\n\"Number\"=-", 5},
-        {"\"Number\"=dword:00000007\n[-HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova]", 5},
-        {"\"Number\"=dword:000000007", 5},
-        {"\"Number\"=\"7\"", 5},
-        {"\"Number\"=hex:07,00,00,00", 5},
-        {"\"Number\"=hex(4):07,00,00,00,00", 5},
-        {";\"Number\"=dword:00000007", 5},
-        {"\"Number\\\"=dword:00000007", 5},
-        {"\t\"Number\"=dword:00000007\t", 7},
-        {"; comment=hex\\\n\"Number\"=dword:00000007", 7},
-        {"\"Other\"=\"=hex\\\\\"\n\"Number\"=dword:00000007", 7},
-        {"\"Number\"=hex(4):01,\\\n  02,\\\n  00,80", 0x80000201},
-        {"\"Number\" = hex(4):01,02,\\\n  00,80 ; comment", 0x80000201},
-        {"\"Number\"=dword: 7 ; comment", 7},
-        {"\"Number\"=hex(4):001,02,00,00", 5},
-        {"[other] ; comment\n\"Number\"=dword:00000007", 5},
-        {"[other\n\"Number\"=dword:00000007", 5},
-        {"[-HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM]\n\"Number\"=dword:00000007", 5},
-        {"\"Number\"=dword:00000007\n[-HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM]", 5},
-        {"\"Number\"=dword:00000007\n[-HKEY_LOCAL_MACHINE\\SOFTWARE\\Kes]", 7},
-        {"; " + std::string(10'000, 'x') + "\n\"Number\"=dword:00000007", 7},
-        {"", 5},
+        {REG_DWORD, bytes({7, 0, 0, 0}), 7},
+        {REG_DWORD, bytes({-2, -1, -1, -1}), 0xFFFFFFFE},
+        {REG_DWORD, bytes({1, 2, 0, -128}), 0x80000201},
+        {REG_DWORD, bytes({7, 0, 0, 0, 0}), 5},
+        {REG_DWORD, bytes({0, 0, 0, 0}), 0},
+        {REG_SZ, stored("7"), 5},
+        {REG_BINARY, bytes({7, 0, 0, 0}), 5},
     };
     for (const Case& each : cases) {
-        writeFile(path, "REGEDIT4\n\n" + commonKey + each.lines);
-        EXPECT_EQ(SPMRegistry().readNumber("Number", 5), each.number) << each.lines;
+        settings.set(commonKey, "Number", each.type, each.data);
+        EXPECT_EQ(SPMRegistry().readNumber("number", 5), each.number) << (&each - cases.data());
     }
+    EXPECT_EQ(SPMRegistry().readNumber("Missing", 5), 5U);
 }
 
 TEST_F(Registry, ReadsTexts) {
     struct Case {
-        std::string value;
+        DWORD type;
+        std::string data;
         std::string text;
     };
     const std::vector<Case> cases{
-        {"\"USB\"", "USB"},
-        {"\"\"", ""},
-        {"\"C:\\\\a \\\"b\\\"\"", "C:\\a \"b\""},
-        {"\"" + std::string(1023, 'x') + "\"", std::string(1023, 'x')},
-        {"\"" + std::string(1024, 'x') + "\"", "default"},
-        {"hex(1):41,42,43", "AB"},
-        {"hex(1):41,00,43,00", "A"},
-        {"hex(1):", "default"},
-        {"hex(2):41,00", "default"},
-        {"hex(7):41,00,00", "default"},
-        {"hex(1):4x,00", "default"},
-        {"dword:00000001", "default"},
-        {"\"USB\" trailing", "default"},
-        {"\"USB\" ; comment", "USB"},
-        {"\"USB", "default"},
+        {REG_SZ, stored("USB"), "USB"},
+        {REG_SZ, stored(""), ""},
+        {REG_SZ, stored(std::string(1023, 'x')), std::string(1023, 'x')},
+        {REG_SZ, stored(std::string(1024, 'x')), "default"},
+        {REG_SZ, "ABC", "AB"},
+        {REG_SZ, "A", ""},
+        {REG_SZ, "", "default"},
+        {REG_SZ, stored(stored("A") + "C"), "A"},
+        {expandedText, stored("A"), "default"},
+        {manyTexts, stored(stored("A")), "default"},
+        {REG_DWORD, bytes({65, 0, 0, 0}), "default"},
     };
     for (const Case& each : cases) {
-        writeFile(path, "REGEDIT4\r\n" + commonKey + "\"Text\"=" + each.value + "\n[next]\n");
-        EXPECT_EQ(SPMRegistry().readString("Text", "default"), each.text) << each.value;
+        settings.set(deviceKey, "Text", each.type, each.data);
+        EXPECT_EQ(SPMRegistry("xrite i1 Pro3").readString("text", "default"), each.text) << (&each - cases.data());
     }
+    EXPECT_EQ(SPMRegistry("xrite i1 Pro3").readString("Missing", "default"), "default");
 }
 
-TEST_F(Registry, CreatesKeysAndKeepsTheRest) {
-    struct Case {
-        std::string before;
-        std::string after;
-    };
-    const std::string rest = "; a comment\r\n\"not a line";
-    const std::string device = "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM\\xrite i1 Pro3]\n";
-    const std::vector<Case> cases{
-        {"", "REGEDIT4\n" + headings + "\n" + device},
-        {"REGEDIT4\n" + headings, "REGEDIT4\n" + headings + "\n" + device},
-        {"REGEDIT4\n" + headings + device + rest, "REGEDIT4\n" + headings + device + rest},
-        {"REGEDIT4\n" + headings + "text", "REGEDIT4\n" + headings + "text\n\n" + device},
-        {"REGEDIT4\r\n[hkey_local_machine\\software\\KESTROVA\\SPM\\XRITE I1 PRO3]\r\n[x]\r\n" + rest,
-         "REGEDIT4\r\n[hkey_local_machine\\software\\KESTROVA\\SPM\\XRITE I1 PRO3]\r\n[x]\r\n" + rest},
-        {"REGEDIT4\r\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM\\other]",
-         "REGEDIT4\r\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM\\other]"
-         "\r\n\r\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM\\xrite i1 Pro3]\r\n"},
-        {"REGEDIT4\n" + headings + "[-HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM]\n",
-         "REGEDIT4\n" + headings + "[-HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM]\n\n" + commonKey + "\n" + device},
-        {"REGEDIT42\n", "REGEDIT42\n"},
-    };
-    for (const Case& each : cases) {
-        writeFile(path, each.before);
-        for (int again = 0; again < 2; ++again) {
-            const SPMRegistry deviceKey("xrite i1 Pro3");
-            EXPECT_EQ(readFile(path), each.after);
-        }
+TEST_F(Registry, CreatesKeysAndWritesNoValue) {
+    for (int again = 0; again < 2; ++again) {
+        const SPMRegistry key("xrite i1 Pro3");
+        EXPECT_EQ(settings.keys(), (std::vector<std::string>{"Kestrova", commonKey, deviceKey}));
     }
+    EXPECT_FALSE(settings.hasValues());
 }
 
 TEST_F(Registry, ReadsDefaultsWithoutRights) {
-    std::filesystem::create_directory(path);
-    const SPMRegistry directory;
-    EXPECT_EQ(directory.readNumber("Logging", 5), 5U);
-    EXPECT_EQ(directory.readString("Device", "default"), "default");
-    const EnvironmentVariable missing("SPM_REGISTRY", (path / "no such folder/settings.reg").string());
-    EXPECT_EQ(SPMRegistry().readNumber("Logging", 5), 5U);
+    settings.setNumber("Logging", 1);
+    settings.forbid();
+    const SPMRegistry key;
+    EXPECT_EQ(key.readNumber("Logging", 5), 5U);
+    EXPECT_EQ(key.readString("Device", "default"), "default");
+    const SPMRegistry another("another");
+    const std::vector<std::string> keys = settings.keys();
+    EXPECT_EQ(std::count(keys.begin(), keys.end(), commonKey + "\\another"), 0);
 }
 
 TEST_F(Registry, SeesWhatChangesWhileAKeyIsOpen) {
     const SPMRegistry key;
-    writeFile(path, "REGEDIT4\n" + commonKey + "\"Logging\"=dword:00000001\n");
+    settings.setNumber("Logging", 1);
     EXPECT_EQ(key.readNumber("Logging", 0), 1U);
 }
 
@@ -146,14 +101,13 @@ TEST_F(Registry, TellsMisuseByTheSystemsErrorCodes) {
     HKEY key = nullptr;
     EXPECT_EQ(RegOpenKeyExA(nullptr, "SOFTWARE", 0, KEY_READ, &key), ERROR_INVALID_HANDLE);
     EXPECT_EQ(RegOpenKeyExA(HKEY_LOCAL_MACHINE, "SOFTWARE\\none", 0, KEY_READ, &key), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(RegOpenKeyExA(HKEY_LOCAL_MACHINE, "SOFTWAREX", 0, KEY_READ, &key), ERROR_FILE_NOT_FOUND);
     EXPECT_EQ(RegCloseKey(nullptr), ERROR_INVALID_HANDLE);
-    ASSERT_EQ(RegOpenKeyExA(HKEY_LOCAL_MACHINE, "SOFTWARE", 0, KEY_READ, &key), ERROR_SUCCESS);
+    ASSERT_EQ(RegOpenKeyExA(HKEY_LOCAL_MACHINE, "Software", 0, KEY_READ | KEY_WRITE, &key), ERROR_SUCCESS);
     EXPECT_EQ(RegQueryValueExA(key, "none", nullptr, nullptr, nullptr, nullptr), ERROR_FILE_NOT_FOUND);
     HKEY child = nullptr;
-    EXPECT_EQ(RegOpenKeyExA(HKEY_LOCAL_MACHINE, "SOFTWAREX", 0, KEY_READ, &child), ERROR_FILE_NOT_FOUND);
-    EXPECT_EQ(RegCreateKeyA(HKEY_LOCAL_MACHINE, "child", &child), ERROR_ACCESS_DENIED);
     ASSERT_EQ(RegCreateKeyA(key, "child", &child), ERROR_SUCCESS);
-    writeFile(path, readFile(path) + "\"Text\"=\"abc\"\n");
+    settings.set("child", "Text", REG_SZ, stored("abc"));
     std::array<BYTE, 3> small{};
     DWORD size = small.size();
     EXPECT_EQ(RegQueryValueExA(child, "Text", nullptr, nullptr, small.data(), &size), ERROR_MORE_DATA);
@@ -161,72 +115,4 @@ TEST_F(Registry, TellsMisuseByTheSystemsErrorCodes) {
     EXPECT_EQ(RegQueryValueExA(child, "Text", nullptr, nullptr, small.data(), nullptr), ERROR_INVALID_PARAMETER);
     EXPECT_EQ(RegCloseKey(child), ERROR_SUCCESS);
     EXPECT_EQ(RegCloseKey(key), ERROR_SUCCESS);
-    ASSERT_EQ(RegOpenKeyExA(HKEY_LOCAL_MACHINE, "Software", 0, KEY_READ, &key), ERROR_SUCCESS);
-    EXPECT_EQ(RegCloseKey(key), ERROR_SUCCESS);
-    writeFile(path, "no settings");
-    EXPECT_EQ(RegOpenKeyExA(HKEY_LOCAL_MACHINE, "SOFTWARE", 0, KEY_READ, &key), ERROR_BADDB);
-    const EnvironmentVariable missing("SPM_REGISTRY", (folder / "no such folder/settings.reg").string());
-    EXPECT_EQ(RegOpenKeyExA(HKEY_LOCAL_MACHINE, "SOFTWARE", 0, KEY_READ, &key), ERROR_ACCESS_DENIED);
-}
-
-TEST_F(Registry, WaitsForWhoeverHoldsTheFile) {
-    writeFile(path, "REGEDIT4\n" + commonKey + "\"Logging\"=dword:00000001\n");
-    const SPMRegistry key;
-    const std::vector<std::function<void()>> uses{
-        [] { const SPMRegistry another("another"); },
-        [&] { EXPECT_EQ(key.readNumber("Logging", 0), 1U); },
-    };
-    for (const auto& use : uses) {
-        const int file = open(path.c_str(), O_RDWR);
-        ASSERT_EQ(flock(file, LOCK_EX), 0);
-        std::atomic<bool> done = false;
-        std::thread user([&] {
-            use();
-            done = true;
-        });
-        std::this_thread::sleep_for(std::chrono::milliseconds(50));
-        EXPECT_FALSE(done);
-        close(file);
-        user.join();
-    }
-}
-
-TEST_F(Registry, ManyProcessesCreateEachKeyOnce) {
-    constexpr int processes = 8;
-    constexpr int keys = 40;
-    for (int process = 0; process < processes; ++process) {
-        if (fork() != 0) continue;
-        for (int i = 0; i < keys; ++i) {
-            const SPMRegistry key("model " + std::to_string((i + process) % keys));
-        }
-        _exit(0);
-    }
-    for (int process = 0; process < processes; ++process) {
-        int status = 0;
-        wait(&status);
-        EXPECT_EQ(status, 0);
-    }
-    std::vector<std::string> lines = linesOf(readFile(path));
-    EXPECT_EQ(lines.size(), 1U + 2U * (2 + keys));
-    std::erase(lines, "");
-    std::sort(lines.begin(), lines.end());
-    EXPECT_EQ(std::unique(lines.begin(), lines.end()), lines.end());
-    for (int i = 0; i < keys; ++i) {
-        const std::string line = "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM\\model " + std::to_string(i) + "]";
-        EXPECT_TRUE(std::binary_search(lines.begin(), lines.end(), line)) << line;
-    }
-}
-
-TEST_F(Registry, AFullDiskLeavesTheFileAsItWas) {
-    const std::string before = "REGEDIT4\n" + commonKey + "\"Logging\"=dword:00000001\n";
-    writeFile(path, before);
-    rlimit earlier{};
-    getrlimit(RLIMIT_FSIZE, &earlier);
-    const rlimit full{before.size() + 10, earlier.rlim_max};
-    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
-    setrlimit(RLIMIT_FSIZE, &full);
-    { const SPMRegistry key("xrite i1 Pro3"); }
-    setrlimit(RLIMIT_FSIZE, &earlier);
-    std::signal(SIGXFSZ, handler);
-    EXPECT_EQ(readFile(path), before);
 }

@@ -6,7 +6,7 @@
 //
 // All of it runs at compile time, so that a library can carry its resource as a constant.
 
-#include "platform/posix/win32.h"
+#include "platform/win32.h"
 
 #include <array>
 #include <bit>

@@ -1,0 +1,71 @@
+#pragma once
+
+// What the tests ask of the system; one source per system implements it.
+
+#include "platform/VersionBlock.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+/// How a line of a text file ends.
+extern const std::string lineEnd;
+
+extern const std::string programExtension;
+
+/// Sets or removes an environment variable; a zone that it names holds at once.
+void setVariable(const std::string& name, const std::optional<std::string>& value);
+
+/// Where a program's output goes.
+struct Output {
+    std::filesystem::path out;
+    std::filesystem::path err;
+};
+
+/// Runs a program, waits for its end and gives its exit status.
+int run(const std::filesystem::path& program, const std::vector<std::string>& arguments, const Output& output);
+
+bool isLoaded(const std::filesystem::path& library);
+
+/// Writes a library file with a version resource.
+void writeLibrary(const std::filesystem::path& path, const version_block::Block& resource);
+
+/// The module's keys below SOFTWARE.
+inline const std::string commonKey = "Kestrova\\SPM";
+inline const std::string deviceKey = "Kestrova\\SPM\\xrite i1 Pro3";
+
+/// The settings that module objects of this process read, at first none. They are the test's own: on Windows, keys that
+/// take the place of HKEY_LOCAL_MACHINE in this process; elsewhere a settings file.
+class Settings {
+public:
+    Settings();
+    Settings(const Settings&) = delete;
+    Settings& operator=(const Settings&) = delete;
+    ~Settings();
+
+    /// Sets a value in a key below SOFTWARE; the data as stored, a text with its NUL.
+    void set(const std::string& key, const std::string& name, std::uint32_t type, const std::string& data);
+
+    /// Sets a number in the common key.
+    void setNumber(const std::string& name, std::uint32_t number);
+    /// Sets a text in the device key.
+    void setText(const std::string& name, const std::string& text);
+
+    /// Takes away the right to write.
+    void forbid();
+
+    /// Back to no settings, with the right to write.
+    void clear();
+
+    /// The keys below SOFTWARE.
+    std::vector<std::string> keys() const;
+    bool hasValues() const;
+
+private:
+    std::string place;
+};
+
+/// Gives this process the settings of the test that runs it.
+void adoptSettings();

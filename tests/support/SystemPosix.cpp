@@ -1,0 +1,120 @@
+#include "tests/support/System.h"
+
+#include "tests/support/Support.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <cstring>
+#include <dlfcn.h>
+#include <elf.h>
+#include <random>
+#include <sstream>
+#include <sys/wait.h>
+
+namespace fs = std::filesystem;
+
+const std::string lineEnd = "\n";
+const std::string programExtension;
+
+namespace {
+
+const std::string variableName = "SPM_REGISTRY";
+const std::string software = "[HKEY_LOCAL_MACHINE\\SOFTWARE\\";
+
+std::string inQuotes(const std::string& text) {
+    return "'" + text + "'";
+}
+
+} // namespace
+
+void setVariable(const std::string& name, const std::optional<std::string>& value) {
+    if (value) {
+        setenv(name.c_str(), value->c_str(), 1);
+    } else {
+        unsetenv(name.c_str());
+    }
+    tzset();
+}
+
+int run(const fs::path& program, const std::vector<std::string>& arguments, const Output& output) {
+    std::string command = inQuotes(program.string());
+    for (const std::string& argument : arguments) {
+        command += " " + inQuotes(argument);
+    }
+    command += " >" + inQuotes(output.out.string()) + " 2>" + inQuotes(output.err.string());
+    const int status = std::system(command.c_str());
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+bool isLoaded(const fs::path& library) {
+    void* const loaded = dlopen(library.c_str(), RTLD_NOW | RTLD_NOLOAD);
+    if (loaded != nullptr) dlclose(loaded);
+    return loaded != nullptr;
+}
+
+/// An ELF file of three sections, the last with the resource.
+void writeLibrary(const fs::path& path, const version_block::Block& resource) {
+    constexpr std::string_view names("\0.names\0.rsrc\0", 14);
+    Elf64_Ehdr header{};
+    std::memcpy(header.e_ident, ELFMAG, SELFMAG);
+    header.e_ident[EI_CLASS] = ELFCLASS64;
+    header.e_shoff = sizeof header;
+    header.e_shentsize = sizeof(Elf64_Shdr);
+    header.e_shnum = 3;
+    header.e_shstrndx = 1;
+    std::array<Elf64_Shdr, 3> sections{};
+    sections[1].sh_name = 1;
+    sections[1].sh_offset = sizeof header + sizeof sections;
+    sections[1].sh_size = names.size();
+    sections[2].sh_name = 8;
+    sections[2].sh_offset = sections[1].sh_offset + names.size();
+    sections[2].sh_size = resource.size();
+    std::string file(reinterpret_cast<const char*>(&header), sizeof header);
+    file.append(reinterpret_cast<const char*>(sections.data()), sizeof sections);
+    writeFile(path, file.append(names).append(resource.begin(), resource.end()));
+}
+
+Settings::Settings()
+    : place(fs::temp_directory_path() / ("spm test " + std::to_string(std::random_device{}()) + ".reg")) {
+    setVariable(variableName, place);
+}
+
+Settings::~Settings() {
+    setVariable(variableName, std::nullopt);
+    clear();
+}
+
+void Settings::set(const std::string& key, const std::string& name, std::uint32_t type, const std::string& data) {
+    std::ostringstream value;
+    for (const char byte : data) {
+        value << (value.tellp() > 0 ? "," : "") << std::hex << unsigned{static_cast<unsigned char>(byte)};
+    }
+    const std::string before = readFile(place);
+    writeFile(place, (before.empty() ? "REGEDIT4\n" : before) + software + key + "]\n\"" + name + "\"=hex(" +
+                         std::to_string(type) + "):" + value.str() + "\n");
+}
+
+void Settings::forbid() {
+    fs::remove(place);
+    fs::create_directory(place);
+}
+
+void Settings::clear() {
+    fs::remove(place);
+}
+
+std::vector<std::string> Settings::keys() const {
+    std::vector<std::string> keys;
+    for (const std::string& line : linesOf(readFile(place))) {
+        if (line.starts_with(software)) keys.push_back(line.substr(software.size(), line.size() - software.size() - 1));
+    }
+    return keys;
+}
+
+bool Settings::hasValues() const {
+    const std::vector<std::string> lines = linesOf(readFile(place));
+    return std::any_of(lines.begin(), lines.end(), [](const std::string& line) { return line.starts_with('"'); });
+}
+
+void adoptSettings() {} // they are the environment's

@@ -1,0 +1,50 @@
+#include "host/System.h"
+#include "tests/support/Support.h"
+#include "tests/support/System.h"
+
+#include <gtest/gtest.h>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+/// spm and the module in folders of their own, and the SDK library in a third, which is the working folder and on the
+/// path.
+class SafeLoading : public testing::Test {
+protected:
+    SafeLoading() {
+        for (const char* name : {"program", "module", "planted"}) {
+            fs::create_directory(folder / name);
+        }
+        fs::copy_file(host::programFolder() / "spm.exe", folder / "program" / "spm.exe");
+        fs::copy_file(host::programFolder() / host::moduleFileName, module);
+        plant("planted");
+        fs::current_path(folder / "planted");
+    }
+    ~SafeLoading() override { fs::current_path(earlier); }
+
+    void plant(const std::string& name) {
+        fs::copy_file(host::programFolder() / host::sdkFileName, folder / name / host::sdkFileName);
+    }
+
+    int measure() {
+        return run(folder / "program" / "spm.exe", {"measure", "--module", module.string()},
+                   {folder / "out", folder / "err"});
+    }
+
+    const fs::path earlier = fs::current_path();
+    TempFolder folder;
+    const fs::path module = folder / "module" / host::moduleFileName;
+    EnvironmentVariable path{"PATH", (folder / "planted").string() + ";" + std::getenv("PATH")};
+};
+
+} // namespace
+
+TEST_F(SafeLoading, TakesTheSdkFromBesideTheModuleOnly) {
+    EXPECT_EQ(measure(), 1) << "from the working folder or the path";
+    EXPECT_NE(readText(folder / "err").find("can't load the module " + module.string()), std::string::npos);
+    plant("program");
+    EXPECT_EQ(measure(), 1) << "from beside the program";
+    plant("module");
+    EXPECT_EQ(measure(), 0) << readText(folder / "err");
+}

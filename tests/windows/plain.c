@@ -1,0 +1,7 @@
+/* A library with nothing in it. */
+
+int plain(void);
+
+int plain(void) {
+    return 0;
+}
