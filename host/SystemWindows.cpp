@@ -1,6 +1,5 @@
 #include "host/HostError.h"
 #include "host/System.h"
-
 #include "platform/win32.h"
 
 #include <io.h>

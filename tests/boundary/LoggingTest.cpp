@@ -42,7 +42,7 @@ TEST_F(Logging, SettingsDecideWhatIsWritten) {
         {[](Settings& use) { use.setNumber("Logging", 1); }, true, false},
         {[](Settings& use) { use.setNumber("Logging", 1), use.setNumber("Details", 2); }, true, true},
         {[](Settings& use) { use.setNumber("Logging", 0), use.setNumber("Details", 1); }, false, false},
-        {[](Settings& use) { use.set(commonKey, "Logging", REG_SZ, std::string("1", 2)); }, false, false},
+        {[](Settings& use) { use.set(commonKey, "Logging", REG_SZ, std::string("1\0", 2)); }, false, false},
         {[](Settings& use) { use.setNumber("Logging", 1), use.forbid(); }, false, false},
         {[](Settings&) {}, false, false},
     };

@@ -37,8 +37,8 @@ TEST_F(VersionResource, MustStandInAnElfFile) {
         return file;
     };
     const std::size_t name = complete.find(".rsrc");
-    for (const std::size_t offset : {std::size_t{0}, std::size_t{EI_CLASS}, offsetof(Elf64_Ehdr, e_shentsize), name,
-                                     name + 5}) {
+    for (const std::size_t offset :
+         {std::size_t{0}, std::size_t{EI_CLASS}, offsetof(Elf64_Ehdr, e_shentsize), name, name + 5}) {
         ASSERT_EQ(load(complete), 1);
         EXPECT_EQ(load(changed(offset)), 0) << offset;
         EXPECT_EQ(info.getFileVersionPart(0), 0);

@@ -1,6 +1,5 @@
-#include "tests/support/System.h"
-
 #include "tests/support/Support.h"
+#include "tests/support/System.h"
 
 #include <algorithm>
 #include <array>

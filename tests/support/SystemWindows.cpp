@@ -1,6 +1,5 @@
-#include "tests/support/System.h"
-
 #include "host/System.h"
+#include "tests/support/System.h"
 
 #include <aclapi.h>
 #include <array>

@@ -64,8 +64,7 @@ TEST_F(LogFile, WritesUpToItsDetailLevel) {
         static_cast<unsigned>(reinterpret_cast<std::uintptr_t>(static_cast<ICAPLoggingSource*>(&source)));
     const std::string raw = readFile(path);
     const std::string inText = lineEnd + "next";
-    const std::string error =
-        origin() + FormatText(":%X] M7 E1539: ", number) + "%s%n" + inText + "; detail" + lineEnd;
+    const std::string error = origin() + FormatText(":%X] M7 E1539: ", number) + "%s%n" + inText + "; detail" + lineEnd;
     EXPECT_NE(raw.find(error), std::string::npos) << raw;
     writeFile(path, std::string(raw).erase(raw.find(inText), inText.size()));
     EXPECT_EQ(lines(), (std::vector<std::string>{

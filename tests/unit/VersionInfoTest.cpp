@@ -78,11 +78,11 @@ TEST(ModulesResource, IsWhatTheSystemReads) {
     std::memcpy(&info, fixedPart.data(), sizeof info);
     constexpr DWORD fiveNine = 5 << 16 | 9;
     constexpr DWORD windows32 = 0x00040004;
-    EXPECT_EQ((std::vector<DWORD>{info.dwSignature, info.dwStrucVersion, info.dwFileVersionMS, info.dwFileVersionLS,
-                                  info.dwProductVersionMS, info.dwProductVersionLS, info.dwFileFlagsMask,
-                                  info.dwFileFlags, info.dwFileOS, info.dwFileType, info.dwFileSubtype,
-                                  info.dwFileDateMS, info.dwFileDateLS}),
-              (std::vector<DWORD>{0xFEEF04BD, 0x10000, fiveNine, 3, fiveNine, 3, 0x3F, 0, windows32, 2, 0, 0, 0}));
+    EXPECT_EQ(
+        (std::vector<DWORD>{info.dwSignature, info.dwStrucVersion, info.dwFileVersionMS, info.dwFileVersionLS,
+                            info.dwProductVersionMS, info.dwProductVersionLS, info.dwFileFlagsMask, info.dwFileFlags,
+                            info.dwFileOS, info.dwFileType, info.dwFileSubtype, info.dwFileDateMS, info.dwFileDateLS}),
+        (std::vector<DWORD>{0xFEEF04BD, 0x10000, fiveNine, 3, fiveNine, 3, 0x3F, 0, windows32, 2, 0, 0, 0}));
     EXPECT_EQ(view.value("\\VarFileInfo\\Translation"), "\x09\x04\xB0\x04");
     EXPECT_STREQ(view.value("\\StringFileInfo\\040904b0\\FileVersion").c_str(), "5.9.0.3");
     EXPECT_STREQ(view.value("\\StringFileInfo\\040904B0\\ProductVersion").c_str(), "5.9.0.3");

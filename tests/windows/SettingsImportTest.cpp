@@ -11,8 +11,8 @@ TEST(SettingsImport, GivesWhatTheSettingsFileGives) {
     const TempFolder folder;
     const std::string root = std::string("[HKEY_CURRENT_USER\\") + std::getenv("SPM_TEST_KEY") + "\\SOFTWARE\\";
     const std::filesystem::path file = folder / "settings.reg";
-    writeFile(file, "REGEDIT4\r\n\r\n" + root + commonKey + "]\r\n\"Logging\"=dword:0000000a\r\n\r\n" + root + deviceKey +
-                        "]\r\n\"Device\"=\"C:\\\\a \\\"b\\\"\"\r\n\"Hex\"=hex(1):41,42,\\\r\n  00\r\n");
+    writeFile(file, "REGEDIT4\r\n\r\n" + root + commonKey + "]\r\n\"Logging\"=dword:0000000a\r\n\r\n" + root +
+                        deviceKey + "]\r\n\"Device\"=\"C:\\\\a \\\"b\\\"\"\r\n\"Hex\"=hex(1):41,42,\\\r\n  00\r\n");
     const std::filesystem::path regedit = std::filesystem::path(std::getenv("windir")) / "regedit.exe";
     ASSERT_EQ(run(regedit, {"/S", file.string()}, {folder / "out", folder / "err"}), 0);
     EXPECT_EQ(SPMRegistry().readNumber("Logging", 0), 10U);
