@@ -1,0 +1,112 @@
+"""The release for Windows, as files: the module's library and the archive.
+
+Use: release_test.py BUILD_FOLDER, that of the preset "windows"; needs pefile, cpack and Wine.
+"""
+
+import shutil
+import subprocess
+import sys
+import tempfile
+import unittest
+import zipfile
+from pathlib import Path
+
+import pefile
+
+PROJECT = Path(__file__).parents[2]
+BUILD = Path(sys.argv.pop(1))
+WINE = PROJECT / "cmake/run-in-wine"
+EXPORTS = (PROJECT / "module/exports.txt").read_text().split()
+IMPORTS = {"ADVAPI32.dll", "KERNEL32.dll", "VERSION.dll", "i1Pro364.dll", "msvcrt.dll"}
+MITIGATIONS = ["IMAGE_DLLCHARACTERISTICS_DYNAMIC_BASE", "IMAGE_DLLCHARACTERISTICS_HIGH_ENTROPY_VA",
+               "IMAGE_DLLCHARACTERISTICS_NX_COMPAT"]
+ARCHIVE = ["README.md", "bin/spm.exe", "bin/spm_i1pro3.dll", "include/SPM.h", "lib/libspm_i1pro3.dll.a",
+           "licenses/CLI11.txt", "licenses/GPL-3.txt", "licenses/fmt.txt", "licenses/gcc.txt",
+           "licenses/mingw-w64.txt", "simulator/i1Pro364.dll"]
+LOGGING = ("REGEDIT4\r\n\r\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM]\r\n"
+           "\"Logging\"={}\r\n")
+
+
+def export_faults(library):
+    symbols = library.DIRECTORY_ENTRY_EXPORT.symbols
+    names = {symbol.name.decode() for symbol in symbols if symbol.name}
+    return ([f"ordinal {symbol.ordinal} has no name" for symbol in symbols if not symbol.name]
+            + [f"{symbol.name.decode()} is forwarded" for symbol in symbols if symbol.forwarder]
+            + [f"{name} is exported" for name in sorted(names - set(EXPORTS))]
+            + [f"{name} is missing" for name in EXPORTS if name not in names])
+
+
+def faults(path):
+    """What is wrong with a file as the module's library, a line each."""
+    library = pefile.PE(path)
+    imports = {entry.dll.decode() for entry in library.DIRECTORY_ENTRY_IMPORT}
+    found = export_faults(library)
+    found += [f"{name} is imported" for name in sorted(imports - IMPORTS)]
+    found += [f"{name} is off" for name in MITIGATIONS if not getattr(library.OPTIONAL_HEADER, name)]
+    if not hasattr(library, "DIRECTORY_ENTRY_BASERELOC"):
+        found.append("it can't be moved")
+    if library.FILE_HEADER.TimeDateStamp != 0:
+        found.append("it has a time stamp")
+    return found
+
+
+class Library(unittest.TestCase):
+    def test_keeps_the_rules(self):
+        self.assertEqual(faults(BUILD / "bin/spm_i1pro3.dll"), [])
+
+    def test_each_broken_rule_is_found(self):
+        allowed = ["SPM_getVersion", "SPM_open"]
+        self.assertEqual(faults(BUILD / "bin/bad.dll"),
+                         ["ordinal 40 has no name", "SPM_open is forwarded", "_Z9decoratedv is exported"]
+                         + [f"{name} is missing" for name in EXPORTS if name not in allowed]
+                         + ["libgcc_s_seh-1.dll is imported", "libstdc++-6.dll is imported"]
+                         + [f"{name} is off" for name in MITIGATIONS]
+                         + ["it can't be moved", "it has a time stamp"])
+
+
+class Archive(unittest.TestCase):
+    """Unpacked and used as a user does, with the settings of this Wine prefix."""
+
+    @classmethod
+    def setUpClass(cls):
+        cls.folder = Path(cls.enterClassContext(tempfile.TemporaryDirectory(prefix="spm test ")))
+        subprocess.run(["cpack", "--config", BUILD / "CPackConfig.cmake", "-B", cls.folder], check=True,
+                       stdout=subprocess.DEVNULL)
+        [archive] = cls.folder.glob("*.zip")
+        cls.release = cls.folder / archive.stem
+        with zipfile.ZipFile(archive) as content:
+            cls.files = [name for name in content.namelist() if not name.endswith("/")]
+            content.extractall(cls.folder)
+
+    def run_in_wine(self, *arguments):
+        return subprocess.run([WINE, *arguments], cwd=self.release, capture_output=True, text=True, check=False)
+
+    def set_logging(self, value):
+        settings = self.folder / "settings.reg"
+        settings.write_bytes(LOGGING.format(value).encode())
+        self.assertEqual(self.run_in_wine("regedit", "/S", settings).returncode, 0)
+
+    def test_holds_just_the_release(self):
+        self.assertEqual(sorted(self.files), [f"{self.release.name}/{name}" for name in ARCHIVE])
+
+    def test_needs_the_sdk_library(self):
+        result = self.run_in_wine("bin/spm.exe", "measure")
+        self.assertEqual((result.returncode, result.stdout), (1, ""))
+        self.assertRegex(result.stderr, "^spm: can't load the module .*have the SDK library beside it\n$")
+
+    def test_measures_and_logs_on_the_simulator(self):
+        shutil.copy(self.release / "bin/spm_i1pro3.dll", self.release / "simulator")
+        self.set_logging("dword:00000001")
+        self.addCleanup(self.set_logging, "-")
+        result = self.run_in_wine("bin/spm.exe", "measure", "--module", "simulator/spm_i1pro3.dll")
+        self.assertEqual((result.returncode, result.stderr), (0, ""))
+        self.assertIn("SIMULATED", result.stdout)
+        lines = (self.release / "simulator/spm_i1pro3.log").read_bytes().split(b"\r\n")
+        self.assertRegex(lines[0], rb"^\d{4}(-\d\d){2} \d\d(:\d\d){2} \(UTC[+-]\d\d:\d\d\) \[[0-9A-F]+:[0-9A-F]+\] "
+                                   rb"M0 D: ----- Started Logging -----$")
+        self.assertRegex(lines[-2], rb"M0 D: ----- Stopped Logging -----$")
+        self.assertEqual(lines[-1], b"")
+
+
+if __name__ == "__main__":
+    unittest.main(verbosity=2)
