@@ -179,7 +179,7 @@ public:
 TEST_F(Base, TakesTheConfiguredDeviceOfSeveral) {
     const TwoConnections two;
     EXPECT_STREQ(two.getDevice(-1), "USB");
-    settings.set("Kestrova\\SPM\\two connections", "Device", REG_SZ, std::string("USB2", 5));
+    settings.set("Kestrova\\SPM\\two connections", "Device", REG_SZ, std::string("USB2\0", 5));
     EXPECT_STREQ(two.getDevice(-1), "USB2");
     EXPECT_STREQ(two.getDevice(2), "USB");
 }
