@@ -4,8 +4,10 @@
 #include "cap/FormatText.h"
 #include "cap/ModuleFileName.h"
 
+#include <chrono>
 #include <cstdlib>
 #include <ctime>
+#include <thread>
 
 namespace {
 
@@ -34,20 +36,36 @@ std::string withLogExtension(const std::string& path) {
 }
 
 /// Keeps other writers off the file, of this process or another, for the object's life. The byte that is locked lies
-/// far beyond the end, so that nobody is kept from reading. Where a file can't be locked, lines may mix.
+/// far beyond the end, so that nobody is kept from reading.
 class WriteLock {
 public:
-    explicit WriteLock(std::FILE* stream) : file(reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stream)))) {
+    /// Waits for the lock, but not for long: whoever may read the file may lock it, and never let go.
+    WriteLock(std::FILE* stream, std::chrono::milliseconds patience)
+        : file(reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stream)))) {
         place.OffsetHigh = 0x7FFFFFFF;
-        LockFileEx(file, LOCKFILE_EXCLUSIVE_LOCK, 0, 1, 0, &place);
+        const auto end = std::chrono::steady_clock::now() + patience;
+        while (!tryLock() && std::chrono::steady_clock::now() < end) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
     }
     WriteLock(const WriteLock&) = delete;
     WriteLock& operator=(const WriteLock&) = delete;
-    ~WriteLock() { UnlockFileEx(file, 0, 1, 0, &place); }
+    ~WriteLock() {
+        if (isHeld) UnlockFileEx(file, 0, 1, 0, &place);
+    }
+
+    bool held() const { return isHeld; }
 
 private:
+    bool tryLock() {
+        constexpr DWORD flags = LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY;
+        isHeld = LockFileEx(file, flags, 0, 1, 0, &place) != FALSE;
+        return isHeld;
+    }
+
     HANDLE file;
     OVERLAPPED place{};
+    bool isHeld = false;
 };
 
 } // namespace
@@ -116,7 +134,8 @@ void CAPLoggingFile::writeLine(const std::string& origin, const ICAPLoggingMessa
                        local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec, zoneText.c_str(), origin.c_str());
     const std::string text = message.ToString();
     line.append(text, 0, text.find('\0')).append("\n");
-    const WriteLock lock(stream.get());
+    const WriteLock lock(stream.get(), std::chrono::milliseconds(isLockStuck ? 0 : 1000));
+    isLockStuck = !lock.held();
     const std::size_t written = std::fwrite(line.data(), 1, line.size(), stream.get());
     if (written > 0) isLineTorn = written < line.size();
 }

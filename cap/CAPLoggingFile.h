@@ -13,8 +13,9 @@
 /// A line is "2026-03-01 14:05:09 (UTC+01:00) [process:thread:source] " followed by the message's ToString. A file that
 /// can't be opened or written loses its lines and disturbs nobody: no operation reports a failure.
 ///
-/// Each line leaves in a single write to the end of the file, under a lock of the file: the Windows runtime looks for
-/// the end before it writes there. So lines of several threads, objects and processes never mix.
+/// Each line is handed over whole, under a lock of the file: the Windows runtime looks for the end before it writes
+/// there, and may write in parts. So lines of several threads, objects and processes do not mix. Where the lock can't
+/// be had within a second, the line is written all the same, and the next ones do not wait.
 class CAPLoggingFile : public ICAPLoggingListener {
 public:
     CAPLoggingFile();
@@ -58,4 +59,5 @@ private:
     std::string zoneText;
     std::int32_t detailLevel = 2;
     bool isLineTorn = false;
+    bool isLockStuck = false;
 };

@@ -16,7 +16,7 @@ file(GLOB sources CONFIGURE_DEPENDS ${c_sources} ${cpp_sources})
 file(GLOB headers CONFIGURE_DEPENDS ${all_headers})
 set(rules ${PROJECT_SOURCE_DIR}/.clang-tidy ${PROJECT_SOURCE_DIR}/tests/.clang-tidy)
 
-set(only_windows "Windows\\.cpp$|/windows/")
+set(only_windows "Windows\\.cpp$|/tests/windows/[^/]*$")
 set(analysed ${sources})
 set(target_arguments)
 if(WIN32)

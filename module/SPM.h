@@ -32,8 +32,8 @@
  *   during the call only, and keeps no pointer.
  *
  * Threads
- *   The module has no threads and no locks. Calls on one object must not overlap. Objects are independent, but share
- *   the vendor's library and with it the instrument.
+ *   The module has no threads, and takes no lock but that of the log file, for each line. Calls on one object must not
+ *   overlap. Objects are independent, but share the vendor's library and with it the instrument.
  *
  * Texts
  *   NUL-terminated single-byte texts in the code page of the process.

@@ -46,7 +46,7 @@ BOOL setLock(HANDLE file, short type, const OVERLAPPED& place, off_t length) {
     lock.l_start = joined(place.Offset, place.OffsetHigh);
     lock.l_len = length;
     const auto descriptor = static_cast<int>(reinterpret_cast<std::intptr_t>(file));
-    return fcntl(descriptor, F_OFD_SETLKW, &lock) == 0 ? TRUE : FALSE;
+    return fcntl(descriptor, F_OFD_SETLK, &lock) == 0 ? TRUE : FALSE;
 }
 
 } // namespace
@@ -77,7 +77,7 @@ std::intptr_t _get_osfhandle(int descriptor) {
 }
 
 BOOL LockFileEx(HANDLE file, DWORD flags, DWORD /*reserved*/, DWORD bytes, DWORD bytesHigh, OVERLAPPED* place) {
-    if (flags != LOCKFILE_EXCLUSIVE_LOCK) return FALSE;
+    if (flags != (LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY)) return FALSE;
     return setLock(file, F_WRLCK, *place, joined(bytes, bytesHigh));
 }
 

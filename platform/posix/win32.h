@@ -73,6 +73,7 @@ DWORD GetCurrentThreadId();
 
 // Files.
 
+inline constexpr DWORD LOCKFILE_FAIL_IMMEDIATELY = 1;
 inline constexpr DWORD LOCKFILE_EXCLUSIVE_LOCK = 2;
 
 struct OVERLAPPED {
@@ -83,7 +84,7 @@ struct OVERLAPPED {
 int _fileno(std::FILE* stream);
 /// The file's descriptor, which is its handle here.
 std::intptr_t _get_osfhandle(int descriptor);
-/// Waits until no other open file holds a lock of a byte in the range, then locks it. Only exclusive locks.
+/// Locks a range of bytes unless another open file holds a lock of one of them. Only exclusive locks, without waiting.
 BOOL LockFileEx(HANDLE file, DWORD flags, DWORD reserved, DWORD bytes, DWORD bytesHigh, OVERLAPPED* place);
 BOOL UnlockFileEx(HANDLE file, DWORD reserved, DWORD bytes, DWORD bytesHigh, OVERLAPPED* place);
 

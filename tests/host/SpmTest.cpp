@@ -25,7 +25,7 @@ protected:
     std::string errors() const { return readText(folder / "err"); }
 
     TempFolder folder;
-    Settings settings;
+    Settings settings; // of this process; on Windows, spm itself reads the user's
 };
 
 } // namespace

@@ -34,12 +34,14 @@ private:
 
 /// Sets what everyone may do with the key SOFTWARE.
 void allow(DWORD rights) {
-    std::string everyone = "EVERYONE";
+    std::array<BYTE, SECURITY_MAX_SID_SIZE> everyone{};
+    DWORD size = everyone.size();
+    CreateWellKnownSid(WinWorldSid, nullptr, everyone.data(), &size);
     EXPLICIT_ACCESSA entry{};
     entry.grfAccessPermissions = rights;
     entry.grfAccessMode = SET_ACCESS;
-    entry.Trustee.TrusteeForm = TRUSTEE_IS_NAME;
-    entry.Trustee.ptstrName = everyone.data();
+    entry.Trustee.TrusteeForm = TRUSTEE_IS_SID;
+    entry.Trustee.ptstrName = reinterpret_cast<char*>(everyone.data());
     PACL list = nullptr;
     SetEntriesInAclA(1, &entry, nullptr, &list);
     SECURITY_DESCRIPTOR descriptor{};

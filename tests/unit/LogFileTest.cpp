@@ -5,6 +5,7 @@
 #include "tests/support/Support.h"
 #include "tests/support/System.h"
 
+#include <chrono>
 #include <ctime>
 #include <gtest/gtest.h>
 #include <regex>
@@ -74,6 +75,22 @@ TEST_F(LogFile, WritesUpToItsDetailLevel) {
                            origin() + "] M0 D: " + std::string(1024, 'x'),
                            origin() + "] M0 D: ----- Stopped Logging -----",
                        }));
+}
+
+TEST_F(LogFile, WritesThoughTheLockIsHeldForGood) {
+    file.OpenFile(path.c_str(), "a");
+    std::FILE* const other = std::fopen(path.c_str(), "a");
+    OVERLAPPED whole{};
+    const auto handle = reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(other)));
+    whole.OffsetHigh = 0x7FFFFFFF;
+    ASSERT_NE(LockFileEx(handle, LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY, 0, 1, 0, &whole), FALSE);
+    const auto begin = std::chrono::steady_clock::now();
+    for (int i = 0; i < 5; ++i) {
+        file.LogText(0, 7, "written");
+    }
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(4)) << "only the first line waits";
+    std::fclose(other);
+    EXPECT_EQ(lines().size(), 5U);
 }
 
 TEST_F(LogFile, NamesTheWritingThread) {

@@ -32,6 +32,8 @@ protected:
                    {folder / "out", folder / "err"});
     }
 
+    std::string errors() const { return readText(folder / "err"); }
+
     const fs::path earlier = fs::current_path();
     TempFolder folder;
     const fs::path module = folder / "module" / host::moduleFileName;
@@ -42,9 +44,16 @@ protected:
 
 TEST_F(SafeLoading, TakesTheSdkFromBesideTheModuleOnly) {
     EXPECT_EQ(measure(), 1) << "from the working folder or the path";
-    EXPECT_NE(readText(folder / "err").find("can't load the module " + module.string()), std::string::npos);
+    EXPECT_TRUE(errors().starts_with("spm: can't load the module " + module.string() + ": ")) << errors();
+    EXPECT_NE(errors().find(" (error 126); "), std::string::npos) << errors();
     plant("program");
     EXPECT_EQ(measure(), 1) << "from beside the program";
     plant("module");
-    EXPECT_EQ(measure(), 0) << readText(folder / "err");
+    EXPECT_EQ(measure(), 0) << errors();
+}
+
+TEST_F(SafeLoading, SaysThatAFileIsNoLibrary) {
+    writeFile(module, "text");
+    EXPECT_EQ(measure(), 1);
+    EXPECT_NE(errors().find(" (error 193); "), std::string::npos) << errors();
 }

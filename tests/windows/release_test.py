@@ -42,6 +42,11 @@ def faults(path):
     imports = {entry.dll.decode() for entry in library.DIRECTORY_ENTRY_IMPORT}
     found = export_faults(library)
     found += [f"{name} is imported" for name in sorted(imports - IMPORTS)]
+    found += [f"{name} is not imported" for name in sorted(IMPORTS - imports)]
+    if hasattr(library, "DIRECTORY_ENTRY_DELAY_IMPORT"):
+        found.append("some imports are delayed")
+    if library.FILE_HEADER.Machine != pefile.MACHINE_TYPE["IMAGE_FILE_MACHINE_AMD64"]:
+        found.append("it is for another machine")
     found += [f"{name} is off" for name in MITIGATIONS if not getattr(library.OPTIONAL_HEADER, name)]
     if not hasattr(library, "DIRECTORY_ENTRY_BASERELOC"):
         found.append("it can't be moved")
@@ -59,7 +64,9 @@ class Library(unittest.TestCase):
         self.assertEqual(faults(BUILD / "bin/bad.dll"),
                          ["ordinal 40 has no name", "SPM_open is forwarded", "_Z9decoratedv is exported"]
                          + [f"{name} is missing" for name in EXPORTS if name not in allowed]
-                         + ["libgcc_s_seh-1.dll is imported", "libstdc++-6.dll is imported"]
+                         + ["libgcc_s_seh-1.dll is imported", "libstdc++-6.dll is imported",
+                            "ADVAPI32.dll is not imported", "VERSION.dll is not imported",
+                            "i1Pro364.dll is not imported"]
                          + [f"{name} is off" for name in MITIGATIONS]
                          + ["it can't be moved", "it has a time stamp"])
 
