@@ -117,8 +117,10 @@ TEST_F(VersionInfo, ChoosesTheTableByLanguage) {
     const std::vector<Case> cases{
         {{0x0409, 0x0C07, 0x0407}, 2}, // the same
         {{0x0409, 0x0C07, 0x0807}, 1}, // the same primary language, the first such
+        {{0x0000, 0x0807}, 1},         // also before a neutral one
+        {{0x0409, 0x0107}, 1},         // of which the low 8 bits count
         {{0x0409, 0x0400, 0x0000}, 2}, // neutral
-        {{0x0409, 0x0400}, 1},         // any with a neutral primary language
+        {{0x0009, 0x0400}, 1},         // any with a neutral primary language
         {{0x040C, 0x0809, 0x0009}, 2}, // English
         {{0x040C, 0x0809, 0x0409}, 1}, // any English, the first such
         {{0x040C, 0x0410}, 0},         // whichever comes first
