@@ -5,6 +5,8 @@ install(TARGETS spm RUNTIME DESTINATION bin)
 install(TARGETS i1Pro364 RUNTIME DESTINATION simulator)
 install(FILES module/SPM.h DESTINATION include)
 install(FILES docs/windows.md DESTINATION . RENAME README.md)
+install(FILES docs/simulator.md DESTINATION docs)
+install(DIRECTORY examples/simulator DESTINATION examples)
 
 # The licences of what is linked in, as Debian tells them.
 set(documents /usr/share/doc)
@@ -12,6 +14,7 @@ install(FILES ${documents}/libcli11-dev/copyright DESTINATION licenses RENAME CL
 install(FILES ${documents}/libfmt-dev/copyright DESTINATION licenses RENAME fmt.txt)
 install(FILES ${documents}/gcc-mingw-w64-x86-64-posix-runtime/copyright DESTINATION licenses RENAME gcc.txt)
 install(FILES ${documents}/mingw-w64-x86-64-dev/copyright DESTINATION licenses RENAME mingw-w64.txt)
+install(FILES ${documents}/nlohmann-json3-dev/copyright DESTINATION licenses RENAME nlohmann-json.txt)
 install(FILES /usr/share/common-licenses/GPL-3 DESTINATION licenses RENAME GPL-3.txt)
 
 set(CPACK_GENERATOR ZIP)

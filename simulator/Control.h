@@ -54,12 +54,10 @@ public:
     virtual void answer(const Answer& answer) = 0;
     virtual void clearAnswers() = 0;
 
-    /// The number of instruments attached. Initially 1.
-    virtual void setDevices(std::uint32_t count) = 0;
-    /// How often the button is found not pressed before it is found pressed. Initially 3.
-    virtual void setButtonPolls(std::uint32_t polls) = 0;
-    /// The number of samples that a scan finds; none for as many as the scan asks for, which is how it starts.
-    virtual void setSamples(std::optional<std::int32_t> count) = 0;
+    /// Applies a script, a JSON text as docs/simulator.md tells of: what it names is set, its faults are added to the
+    /// answers, and all else stays as it is. When it names instruments, device handles become invalid.
+    /// @throws ScriptError
+    virtual void use(const std::string& script) = 0;
 };
 
 } // namespace simulator

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <random>
 
 namespace simulator {
 
@@ -31,6 +32,27 @@ std::optional<std::int32_t> parseCount(const std::string& text) {
 bool accepts(const std::vector<std::string>& values, const std::string& value) {
     if (values.empty()) return parseCount(value).has_value();
     return std::find(values.begin(), values.end(), value) != values.end();
+}
+
+/// The factors of a white ceramic tile.
+const Reflectance& whiteReference() {
+    static const Reflectance tile = [] {
+        Reflectance factors;
+        factors.fill(0.94);
+        return factors;
+    }();
+    return tile;
+}
+
+/// A number of mean 0 and standard deviation 1, nearly normal: the sum of twelve even ones (Irwin-Hall). The standard
+/// library's normal distribution differs from one library to the next.
+double deviate(std::mt19937_64& engine) {
+    constexpr double unit = 1.0 / (1ULL << 53U);
+    double sum = -6;
+    for (int i = 0; i < 12; ++i) {
+        sum += static_cast<double>(engine() >> 11U) * unit;
+    }
+    return sum;
 }
 
 std::string quoted(const std::string& text) {
@@ -78,17 +100,23 @@ std::string Instrument::option(const std::string& key) const {
 
 bool Instrument::isButtonPressed() {
     expectOpen();
-    if (polls < setup.buttonPolls) {
+    if (script.button.never || isPressSpent) return false;
+    const auto now = std::chrono::steady_clock::now();
+    if (polls == 0) firstPoll = now;
+    if (polls < script.button.polls || now - firstPoll < script.button.time) {
         ++polls;
         return false;
     }
     polls = 0;
+    isPressSpent = script.button.oncePerMeasurement;
     return true;
 }
 
 void Instrument::calibrate() {
     expectOpen();
     isCalibrated = true;
+    calibratedLamp = lamp;
+    isPressSpent = false;
 }
 
 void Instrument::trigger() {
@@ -97,32 +125,46 @@ void Instrument::trigger() {
     const std::int32_t found = option("MeasurementMode") == "ReflectanceScan" ? samplesToScan() : 1;
     moveOn();
     samples = found;
+    ++measurements;
+    lamp *= 1 + script.light.drift;
+    isPressSpent = false;
 }
 
 /// Leaves the patches of the last measurement behind, if it was read.
 void Instrument::moveOn() {
-    if (wasRead) position = (position + static_cast<std::size_t>(samples)) % setup.chart.size();
+    if (wasRead) position = (position + static_cast<std::size_t>(samples)) % script.chart.size();
     wasRead = false;
     samples = 0;
 }
 
 std::int32_t Instrument::samplesToScan() const {
-    if (setup.samples) return *setup.samples;
-    return parseCount(option("PatchesPerLine")).value_or(0);
+    if (script.samples.count) return *script.samples.count;
+    return parseCount(option("PatchesPerLine")).value_or(0) + script.samples.more;
 }
 
 std::int32_t Instrument::numberOfSamples() const {
     return isOpen ? samples : -1;
 }
 
-const Patch& Instrument::readSample(std::int32_t sample) {
+const Reflectance& Instrument::surface(std::int32_t sample) const {
+    if (script.isOnWhiteReference) return whiteReference();
+    return script.chart[(position + static_cast<std::size_t>(sample)) % script.chart.size()].reflectance;
+}
+
+Reflectance Instrument::readSample(std::int32_t sample) {
     expectOpen();
     if (sample < 0 || sample >= samples) {
         throw SdkError(ErrorCode::noSample,
                        "There is no sample " + std::to_string(sample) + " of " + std::to_string(samples));
     }
     wasRead = true;
-    return setup.chart[(position + static_cast<std::size_t>(sample)) % setup.chart.size()];
+    std::seed_seq seed{static_cast<std::uint32_t>(script.light.seed), measurements, static_cast<std::uint32_t>(sample)};
+    std::mt19937_64 engine(seed);
+    Reflectance measured = surface(sample);
+    for (double& factor : measured) {
+        factor = factor * lamp / calibratedLamp + script.light.noise * deviate(engine);
+    }
+    return measured;
 }
 
 } // namespace simulator

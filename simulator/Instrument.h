@@ -1,10 +1,9 @@
 #pragma once
 
-#include "simulator/Data.h"
+#include "simulator/Script.h"
 
-#include <cstdint>
+#include <chrono>
 #include <map>
-#include <optional>
 #include <stdexcept>
 #include <string>
 
@@ -19,6 +18,8 @@ enum class ErrorCode : std::int32_t {
     bufferTooSmall = 5,
     invalidArgument = 6,
     noSample = 7,
+    unplugged = 8,
+    invalidScript = 9,
     notCalibrated = 13,
 };
 
@@ -30,19 +31,12 @@ public:
     const ErrorCode code;
 };
 
-/// What all instruments share.
-struct Setup {
-    std::vector<Patch> chart = parseChart(colorCheckerCsv);
-    Weights weights = parseWeights(d65TenDegreeCsv);
-    std::uint32_t buttonPolls = 3;
-    std::optional<std::int32_t> samples;
-};
-
 /// One simulated instrument. It is moved over the chart in reading order: each measurement that was read takes it on by
-/// as many patches as it had, and after the last patch it starts anew.
+/// as many patches as it had, and after the last patch it starts anew. What it measures is the patch's reflectance
+/// times what the lamp has drifted by since the calibration, and some noise, the same whenever the same run is made.
 class Instrument {
 public:
-    Instrument(std::string number, const Setup& common) : serial(std::move(number)), setup(common) {}
+    Instrument(std::string number, const Script& common) : serial(std::move(number)), script(common) {}
 
     const std::string& serialNumber() const { return serial; }
 
@@ -55,19 +49,25 @@ public:
     void trigger();
     /// Of the last measurement; negative when the instrument is not open.
     std::int32_t numberOfSamples() const;
-    const Patch& readSample(std::int32_t sample);
+    Reflectance readSample(std::int32_t sample);
 
 private:
     void expectOpen() const;
     void moveOn();
     std::int32_t samplesToScan() const;
+    const Reflectance& surface(std::int32_t sample) const;
 
     std::string serial;
-    const Setup& setup;
+    const Script& script;
     bool isOpen = false;
     bool isCalibrated = false;
     std::map<std::string, std::string> options;
     std::uint32_t polls = 0;
+    std::chrono::steady_clock::time_point firstPoll;
+    bool isPressSpent = false;
+    double lamp = 1;
+    double calibratedLamp = 1;
+    std::uint32_t measurements = 0;
     std::size_t position = 0;
     std::int32_t samples = 0;
     bool wasRead = false;

@@ -149,7 +149,7 @@ int32_t I1PRO3_GetNumberOfAvailableSamples(I1PRO3_DeviceHandle device) {
 int32_t I1PRO3_GetTriStimulus(I1PRO3_DeviceHandle device, float* tristimulus, int32_t sample) {
     return onDevice("I1PRO3_GetTriStimulus", device, {std::to_string(sample)}, [&](Instrument& instrument) {
         if (tristimulus == nullptr) throw SdkError(ErrorCode::invalidArgument, "No place for the values");
-        const simulator::Lab lab = cieLab(instrument.readSample(sample).reflectance, sdk().commonSetup().weights);
+        const simulator::Lab lab = cieLab(instrument.readSample(sample), sdk().weights());
         tristimulus[0] = static_cast<float>(lab.L);
         tristimulus[1] = static_cast<float>(lab.a);
         tristimulus[2] = static_cast<float>(lab.b);
@@ -160,7 +160,7 @@ int32_t I1PRO3_GetTriStimulus(I1PRO3_DeviceHandle device, float* tristimulus, in
 int32_t I1PRO3_GetSpectrum(I1PRO3_DeviceHandle device, float* spectrum, int32_t sample) {
     return onDevice("I1PRO3_GetSpectrum", device, {std::to_string(sample)}, [&](Instrument& instrument) {
         if (spectrum == nullptr) throw SdkError(ErrorCode::invalidArgument, "No place for the values");
-        const simulator::Reflectance& reflectance = instrument.readSample(sample).reflectance;
+        const simulator::Reflectance reflectance = instrument.readSample(sample);
         std::transform(reflectance.begin(), reflectance.end(), spectrum,
                        [](double factor) { return static_cast<float>(factor); });
         return 0;

@@ -1,6 +1,8 @@
 #include "simulator/Simulator.h"
 
 #include <algorithm>
+#include <cstdlib>
+#include <thread>
 
 namespace simulator {
 
@@ -22,18 +24,52 @@ Simulator& Simulator::instance() {
 }
 
 void Simulator::reset() {
-    {
-        const Lock lock(mutex);
-        setup.buttonPolls = Setup().buttonPolls;
-        setup.samples.reset();
-        instruments.clear();
-        handles.clear();
-        recorded.clear();
-        answers.clear();
-        lastErrorText.clear();
-        lastErrorNumber.clear();
+    const Lock lock(mutex);
+    recorded.clear();
+    answers.clear();
+    lastErrorText.clear();
+    lastErrorNumber.clear();
+    start();
+}
+
+/// Begins with the script that the environment names. When that one is wrong, there is nothing but its failure.
+void Simulator::start() {
+    script = {};
+    script.instruments.clear();
+    instruments.clear();
+    handles.clear();
+    scriptFailure.clear();
+    const char* const file = std::getenv("I1PRO3_SIMULATOR");
+    try {
+        change(file != nullptr ? readScript(file) : Script());
+    } catch (const ScriptError& error) {
+        scriptFailure = error.what();
     }
-    setDevices(1);
+}
+
+void Simulator::use(const std::string& text) {
+    const Lock lock(mutex);
+    Script next = script;
+    next.faults.clear();
+    applyScript("script", text, next);
+    change(std::move(next));
+}
+
+void Simulator::change(Script next) {
+    for (Answer& fault : next.faults) {
+        answers.push_back({std::move(fault)});
+    }
+    next.faults.clear();
+    if (next.unplug) callsToUnplug = next.unplug->call;
+    const bool isSameSet = next.instruments == script.instruments;
+    script = std::move(next);
+    if (isSameSet) return;
+    instruments.clear();
+    handles.clear();
+    for (const std::string& serial : script.instruments) {
+        instruments.push_back(std::make_unique<Instrument>(serial, script));
+        handles.push_back(instruments.back().get());
+    }
 }
 
 std::vector<Call> Simulator::calls() const {
@@ -56,30 +92,13 @@ void Simulator::clearAnswers() {
     answers.clear();
 }
 
-void Simulator::setDevices(std::uint32_t count) {
-    const Lock lock(mutex);
-    while (instruments.size() < count) {
-        instruments.push_back(std::make_unique<Instrument>("SIM" + std::to_string(instruments.size() + 1), setup));
-        handles.push_back(instruments.back().get());
-    }
-    instruments.resize(count);
-    handles.resize(count);
-}
-
-void Simulator::setButtonPolls(std::uint32_t polls) {
-    const Lock lock(mutex);
-    setup.buttonPolls = polls;
-}
-
-void Simulator::setSamples(std::optional<std::int32_t> count) {
-    const Lock lock(mutex);
-    setup.samples = count;
-}
-
 std::int32_t Simulator::run(const Call& call, const std::function<std::int32_t()>& work,
                             const std::function<void(const Answer&)>& writeOutput) {
+    const auto latency = latencyOf(call);
+    if (latency.count() > 0) std::this_thread::sleep_for(latency);
     const Lock lock(mutex);
     recorded.push_back(call);
+    countToUnplug(call);
     if (const Answer* const answer = findAnswer(call)) {
         if (answer->throws) throw std::runtime_error("simulated exception of " + call.function);
         if (writeOutput) writeOutput(*answer);
@@ -115,10 +134,34 @@ const Answer* Simulator::findAnswer(const Call& call) {
     return nullptr;
 }
 
+std::chrono::milliseconds Simulator::latencyOf(const Call& call) const {
+    const Lock lock(mutex);
+    const auto found = script.latency.find(call.function);
+    return found != script.latency.end() ? found->second : std::chrono::milliseconds(0);
+}
+
+void Simulator::countToUnplug(const Call& call) {
+    if (script.unplug && script.unplug->function == call.function && callsToUnplug > 0) --callsToUnplug;
+}
+
+bool Simulator::isUnplugged() const {
+    return script.unplug && callsToUnplug == 0;
+}
+
+std::vector<I1PRO3_DeviceHandle>& Simulator::deviceList() {
+    static std::vector<I1PRO3_DeviceHandle> none;
+    if (!scriptFailure.empty()) throw SdkError(ErrorCode::invalidScript, scriptFailure);
+    return isUnplugged() ? none : handles;
+}
+
 Instrument& Simulator::instrument(I1PRO3_DeviceHandle handle) {
     const auto found = std::find(handles.begin(), handles.end(), handle);
     if (found == handles.end()) throw SdkError(ErrorCode::invalidDevice, "There is no such device");
-    return *instruments[static_cast<std::size_t>(found - handles.begin())];
+    Instrument& instrument = *instruments[static_cast<std::size_t>(found - handles.begin())];
+    if (isUnplugged()) {
+        throw SdkError(ErrorCode::unplugged, "The device " + instrument.serialNumber() + " was unplugged");
+    }
+    return instrument;
 }
 
 std::string Simulator::globalOption(const std::string& key) const {

@@ -20,9 +20,7 @@ public:
     void clearCalls() override;
     void answer(const Answer& answer) override;
     void clearAnswers() override;
-    void setDevices(std::uint32_t count) override;
-    void setButtonPolls(std::uint32_t polls) override;
-    void setSamples(std::optional<std::int32_t> count) override;
+    void use(const std::string& text) override;
 
     /// Runs a call: records it, gives the answer that is set for it, or does the work.
     /// @param work         what the function does; gives its result
@@ -35,11 +33,12 @@ public:
 
     // What work may use.
 
-    std::vector<I1PRO3_DeviceHandle>& deviceList() { return handles; }
+    /// @throws SdkError  when the script that the environment names is wrong
+    std::vector<I1PRO3_DeviceHandle>& deviceList();
     Instrument& instrument(I1PRO3_DeviceHandle handle);
     std::string globalOption(const std::string& key) const;
     void resetAll(const std::string& key, const std::string& value);
-    const Setup& commonSetup() const { return setup; }
+    const Weights& weights() const { return d65TenDegree; }
 
 private:
     struct PendingAnswer {
@@ -47,12 +46,21 @@ private:
         std::uint32_t seen = 0;
     };
 
-    Simulator() { Simulator::setDevices(1); }
+    Simulator() { start(); }
+    void start();
+    void change(Script next);
+    std::chrono::milliseconds latencyOf(const Call& call) const;
+    void countToUnplug(const Call& call);
+    bool isUnplugged() const;
     const Answer* findAnswer(const Call& call);
     std::int32_t fail(const Call& call, std::int32_t result, const std::string& text, const std::string& number);
 
     mutable std::mutex mutex;
-    Setup setup;
+    const Weights d65TenDegree = parseWeights(d65TenDegreeCsv);
+    Script script;
+    /// What is wrong with the script that the environment names; empty when nothing is.
+    std::string scriptFailure;
+    std::uint32_t callsToUnplug = 0;
     std::vector<std::unique_ptr<Instrument>> instruments;
     std::vector<I1PRO3_DeviceHandle> handles;
     std::vector<Call> recorded;

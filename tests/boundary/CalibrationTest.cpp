@@ -41,7 +41,7 @@ TEST_F(Calibration, DoesNothingWhileClosed) {
 
 TEST_F(Calibration, WaitsForTheButtonAndCalibrates) {
     open();
-    sdk.setButtonPolls(2);
+    sdk.use(R"({"button": {"polls": 2}})");
     struct Case {
         uint32_t request;
         Answer answer;
@@ -64,7 +64,7 @@ TEST_F(Calibration, WaitsForTheButtonAndCalibrates) {
 
 TEST_F(Calibration, NeedsANewBeginAfterAFailure) {
     open();
-    sdk.setButtonPolls(0);
+    sdk.use(R"({"button": {"polls": 0}})");
     EXPECT_EQ(step(0), again);
     sdk.answer({.function = "I1PRO3_Calibrate", .result = 9});
     EXPECT_EQ(step(1), nothing);

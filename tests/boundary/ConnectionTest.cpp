@@ -59,13 +59,13 @@ TEST_F(Connection, OpensClosesAndOpensAgain) {
 }
 
 TEST_F(Connection, TakesTheFirstOfTwoInstruments) {
-    sdk.setDevices(2);
+    sdk.use(R"({"instruments": ["SIM1", "SIM2"]})");
     EXPECT_TRUE(module.open(handle, "USB"));
     EXPECT_EQ(takeCalls(), opening);
 }
 
 TEST_F(Connection, FailsWithoutAnInstrument) {
-    sdk.setDevices(0);
+    sdk.use(R"({"instruments": []})");
     EXPECT_FALSE(module.open(handle, "USB"));
     EXPECT_EQ(takeCalls(), Texts{"GetDevices"});
     EXPECT_FALSE(module.isOpened(handle));

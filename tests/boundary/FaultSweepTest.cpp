@@ -94,7 +94,7 @@ const std::vector<Row> rows{
 
 class FaultSweep : public ModuleTest {
 protected:
-    FaultSweep() { sdk.setButtonPolls(0); }
+    FaultSweep() { sdk.use(R"({"button": {"polls": 0}})"); }
 
     /// A whole run but for the destruction; what each operation gave.
     Texts run() {

@@ -84,11 +84,11 @@ TEST_F(Measurement, MeasuresNothingWithoutFailing) {
         EXPECT_EQ(takeCalls(), Texts{"GetConnectionStatus SIM1"});
     }
     spectra[0].numberOfReflections = 36;
-    sdk.setSamples(0);
+    sdk.use(R"({"samples": {"count": 0}})");
     EXPECT_EQ(read(24), (Reading{true, 0, 0})) << "no patch found";
     EXPECT_EQ(readSpectrum(24), (Reading{true, 0, 0})) << "no patch found";
     EXPECT_EQ(takeCalls().size(), 2 * scanCalls(24, "", 0).size());
-    sdk.setButtonPolls(1000);
+    sdk.use(R"({"button": {"polls": 1000}})");
     EXPECT_EQ(read(24), (Reading{true, 0, 0})) << "button not pressed";
     EXPECT_EQ(takeCalls(), [] {
         Texts calls = scanCalls(24, "", 0);
@@ -103,11 +103,11 @@ TEST_F(Measurement, MeasuresNothingWithoutFailing) {
 
 TEST_F(Measurement, TakesTheSamplesThatTheScanFound) {
     prepare();
-    sdk.setSamples(20);
+    sdk.use(R"({"samples": {"count": 20}})");
     EXPECT_EQ(read(24), (Reading{true, 20, 20}));
     EXPECT_EQ(readSpectrum(24), (Reading{true, 20, 20}));
     EXPECT_EQ(values[20].L, untouched);
-    sdk.setSamples(1);
+    sdk.use(R"({"samples": {"count": 1}})");
     takeCalls();
     EXPECT_EQ(read(INT32_MAX).count, 1);
     EXPECT_EQ(takeCalls(), scanCalls(INT32_MAX, "GetTriStimulus", 1));
@@ -137,6 +137,7 @@ TEST_F(Measurement, KeepsWhatWasReadBeforeAFailure) {
 }
 
 TEST_F(Measurement, DeliversLabAsItIsAndSpectraInPercent) {
+    sdk.use(R"({"light": {"noise": 0}})");
     prepare();
     ASSERT_EQ(readSpectrum(24), (Reading{true, 24, 24}));
     EXPECT_EQ(reflections[0][0].wavelength, 380);

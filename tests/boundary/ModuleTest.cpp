@@ -50,7 +50,7 @@ void ModuleTest::open() {
 
 void ModuleTest::prepare() {
     open();
-    sdk.setButtonPolls(0);
+    sdk.use(R"({"button": {"polls": 0}})");
     SPM_CALIBRATION calibration{};
     module.calibrate(handle, &calibration);
     module.calibrate(handle, &calibration);

@@ -1,8 +1,11 @@
 #include "i1pro3/I1PRO3_SDK.h"
 #include "simulator/Colour.h"
 #include "simulator/Control.h"
+#include "tests/support/Support.h"
 
+#include <cmath>
 #include <gtest/gtest.h>
+#include <thread>
 
 namespace {
 
@@ -10,12 +13,17 @@ class SimulatedSdk : public testing::Test {
 protected:
     SimulatedSdk() {
         control.reset();
-        uint32_t count = 0;
-        I1PRO3_DeviceHandle* list = nullptr;
-        I1PRO3_GetDevices(&list, &count);
-        device = list[0];
+        control.use(R"({"light": {"noise": 0}})");
+        device = firstDevice();
     }
     ~SimulatedSdk() override { control.reset(); }
+
+    static I1PRO3_DeviceHandle firstDevice() {
+        uint32_t count = 0;
+        I1PRO3_DeviceHandle* list = nullptr;
+        EXPECT_EQ(I1PRO3_GetDevices(&list, &count), 0);
+        return count > 0 ? list[0] : nullptr;
+    }
 
     void openAndCalibrate() {
         ASSERT_EQ(I1PRO3_OpenDevice(device), 0);
@@ -129,6 +137,125 @@ TEST_F(SimulatedSdk, MovesOnWhenAMeasurementWasRead) {
     openAndCalibrate();
     ASSERT_EQ(I1PRO3_SetOption(device, "MeasurementMode", "ReflectanceSpot"), 0);
     EXPECT_FLOAT_EQ(firstFactor(), 0.113F) << "also across connections";
+}
+
+TEST_F(SimulatedSdk, NoiseIsSlightAndTheSameInEachRun) {
+    const auto measure = [&](int times) {
+        control.reset();
+        device = firstDevice();
+        openAndCalibrate();
+        for (int i = 0; i < times; ++i) {
+            EXPECT_EQ(I1PRO3_TriggerMeasurement(device), 0);
+        }
+        std::vector<float> factors(24UL * 36);
+        for (int sample = 0; sample < 24; ++sample) {
+            EXPECT_EQ(I1PRO3_GetSpectrum(device, &factors[36UL * static_cast<std::size_t>(sample)], sample), 0);
+        }
+        return factors;
+    };
+    const std::vector<float> first = measure(1);
+    EXPECT_EQ(measure(1), first);
+    const std::vector<float> second = measure(2);
+    double sum = 0;
+    double squares = 0;
+    for (std::size_t i = 0; i < first.size(); ++i) {
+        const double difference = static_cast<double>(second[i]) - static_cast<double>(first[i]);
+        sum += difference;
+        squares += difference * difference;
+    }
+    const auto count = static_cast<double>(first.size());
+    EXPECT_NEAR(sum / count, 0, 0.00002);
+    EXPECT_NEAR(std::sqrt(squares / count), 0.0001 * std::sqrt(2), 0.00001) << "of two measurements";
+}
+
+TEST_F(SimulatedSdk, TheLampDriftsUntilItIsCalibrated) {
+    control.use(R"({"place": "white reference", "light": {"drift": 0.01}})");
+    openAndCalibrate();
+    const auto measure = [&] {
+        std::array<float, 36> spectrum{};
+        EXPECT_EQ(I1PRO3_TriggerMeasurement(device), 0);
+        EXPECT_EQ(I1PRO3_GetSpectrum(device, spectrum.data(), 0), 0);
+        return spectrum[17];
+    };
+    EXPECT_FLOAT_EQ(measure(), 0.94F * 1.01F);
+    EXPECT_FLOAT_EQ(measure(), 0.94F * 1.01F * 1.01F);
+    EXPECT_EQ(I1PRO3_Calibrate(device), 0);
+    control.use(R"({"light": {"drift": 0}})");
+    EXPECT_FLOAT_EQ(measure(), 0.94F);
+}
+
+TEST_F(SimulatedSdk, TheButtonIsPressedAsTheScriptSays) {
+    const auto presses = [&](const std::string& script, const std::string& steps) {
+        control.reset();
+        control.use(script);
+        device = firstDevice();
+        openAndCalibrate();
+        std::string seen;
+        for (const char step : steps) {
+            if (step == 'm') I1PRO3_TriggerMeasurement(device);
+            if (step == 'w') std::this_thread::sleep_for(std::chrono::milliseconds(60));
+            if (step == '?') seen += I1PRO3_GetButtonStatusD(device) == 1001 ? '-' : 'P';
+        }
+        return seen;
+    };
+    EXPECT_EQ(presses("{}", "????????"), "---P---P");
+    EXPECT_EQ(presses(R"({"button": {"polls": 0}})", "???"), "PPP");
+    EXPECT_EQ(presses(R"({"button": {"polls": 1, "once per measurement": true}})", "????m????"), "-P---P--");
+    EXPECT_EQ(presses(R"({"button": {"polls": 0, "milliseconds": 50}})", "??w??"), "--P-");
+    EXPECT_EQ(presses(R"({"button": {"never": true}})", "??????"), "------");
+}
+
+TEST_F(SimulatedSdk, AScanFindsWhatTheScriptSays) {
+    const auto samples = [&](const std::string& script) {
+        control.use(script);
+        openAndCalibrate();
+        EXPECT_EQ(I1PRO3_TriggerMeasurement(device), 0);
+        return I1PRO3_GetNumberOfAvailableSamples(device);
+    };
+    EXPECT_EQ(samples("{}"), 24);
+    EXPECT_EQ(samples(R"({"samples": {"more": -4}})"), 20);
+    EXPECT_EQ(samples(R"({"samples": {"more": 4}})"), 28);
+    EXPECT_EQ(samples(R"({"samples": {"count": 0}})"), 0);
+    EXPECT_EQ(samples(R"({"samples": {"count": -1}})"), -1);
+    EXPECT_EQ(samples(R"({"samples": {}})"), 24);
+}
+
+TEST_F(SimulatedSdk, AnUnpluggedInstrumentIsGone) {
+    control.use(R"({"unplug": {"function": "I1PRO3_Calibrate", "call": 2}})");
+    openAndCalibrate();
+    EXPECT_EQ(I1PRO3_Calibrate(device), 8);
+    EXPECT_EQ(global("LastErrorText"), "The device SIM1 was unplugged");
+    EXPECT_EQ(I1PRO3_OpenDevice(device), 8);
+    EXPECT_EQ(firstDevice(), nullptr);
+}
+
+TEST_F(SimulatedSdk, CallsTakeTheirTime) {
+    control.use(R"({"latency": {"I1PRO3_OpenDevice": 80}})");
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_EQ(I1PRO3_OpenDevice(device), 0);
+    EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(80));
+}
+
+TEST_F(SimulatedSdk, AWrongScriptOfTheEnvironmentIsTheOnlyAnswer) {
+    const TempFolder folder;
+    const std::string file = (folder / "script.json").string();
+    const EnvironmentVariable variable("I1PRO3_SIMULATOR", file);
+    I1PRO3_DeviceHandle* list = nullptr;
+    uint32_t count = 7;
+    control.reset();
+    EXPECT_EQ(I1PRO3_GetDevices(&list, &count), 9);
+    EXPECT_EQ(global("LastErrorText"), file + ": the file can't be read");
+    writeFile(file, "{\n\"instruments\": [\"SIM7\",\n\"4711\"]}");
+    control.reset();
+    EXPECT_EQ(I1PRO3_GetDevices(&list, &count), 9);
+    EXPECT_EQ(global("LastErrorText"), file + ", line 3: \"4711\" does not begin with SIM, for simulated");
+    EXPECT_EQ(I1PRO3_OpenDevice(device), 1);
+    EXPECT_EQ(count, 7U);
+    writeFile(file, R"({"instruments": ["SIM7"], "faults": [{"function": "I1PRO3_OpenDevice", "result": -3}]})");
+    control.reset();
+    device = firstDevice();
+    EXPECT_EQ(I1PRO3_OpenDevice(device), -3);
+    EXPECT_EQ(control.calls().back().arguments, std::vector<std::string>{"SIM7"});
 }
 
 TEST_F(SimulatedSdk, GivesScriptedAnswersByPosition) {

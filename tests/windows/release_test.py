@@ -20,9 +20,10 @@ EXPORTS = (PROJECT / "module/exports.txt").read_text().split()
 IMPORTS = {"ADVAPI32.dll", "KERNEL32.dll", "VERSION.dll", "i1Pro364.dll", "msvcrt.dll"}
 MITIGATIONS = ["IMAGE_DLLCHARACTERISTICS_DYNAMIC_BASE", "IMAGE_DLLCHARACTERISTICS_HIGH_ENTROPY_VA",
                "IMAGE_DLLCHARACTERISTICS_NX_COMPAT"]
-ARCHIVE = ["README.md", "bin/spm.exe", "bin/spm_i1pro3.dll", "include/SPM.h", "lib/libspm_i1pro3.dll.a",
-           "licenses/CLI11.txt", "licenses/GPL-3.txt", "licenses/fmt.txt", "licenses/gcc.txt",
-           "licenses/mingw-w64.txt", "simulator/i1Pro364.dll"]
+ARCHIVE = ["README.md", "bin/spm.exe", "bin/spm_i1pro3.dll", "docs/simulator.md", "include/SPM.h",
+           "lib/libspm_i1pro3.dll.a", "licenses/CLI11.txt", "licenses/GPL-3.txt", "licenses/fmt.txt",
+           "licenses/gcc.txt", "licenses/mingw-w64.txt", "licenses/nlohmann-json.txt", "simulator/i1Pro364.dll"]
+EXAMPLES = [str(path.relative_to(PROJECT)) for path in (PROJECT / "examples/simulator").iterdir()]
 LOGGING = ("REGEDIT4\r\n\r\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM]\r\n"
            "\"Logging\"={}\r\n")
 
@@ -94,7 +95,7 @@ class Archive(unittest.TestCase):
         self.assertEqual(self.run_in_wine("regedit", "/S", settings).returncode, 0)
 
     def test_holds_just_the_release(self):
-        self.assertEqual(sorted(self.files), [f"{self.release.name}/{name}" for name in ARCHIVE])
+        self.assertEqual(sorted(self.files), sorted(f"{self.release.name}/{name}" for name in ARCHIVE + EXAMPLES))
 
     def test_needs_the_sdk_library(self):
         result = self.run_in_wine("bin/spm.exe", "measure")
