@@ -81,7 +81,7 @@ TEST_F(LogFile, WritesThoughTheLockIsHeldForGood) {
     file.OpenFile(path.c_str(), "a");
     std::FILE* const other = std::fopen(path.c_str(), "a");
     OVERLAPPED whole{};
-    HANDLE const handle = reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(other)));
+    auto* const handle = reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(other)));
     whole.OffsetHigh = 0x7FFFFFFF;
     ASSERT_NE(LockFileEx(handle, LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY, 0, 1, 0, &whole), FALSE);
     const auto begin = std::chrono::steady_clock::now();
