@@ -29,7 +29,7 @@ public:
     void* findInSdk(const char* name) const;
 
 private:
-    void* library;
+    void* library = nullptr;
 };
 
 /// The file names of the module and of the vendor's library on this system.

@@ -55,7 +55,7 @@ bool isTerminal(std::FILE* stream) {
 
 // The libraries that the module needs are looked for beside it and among the system's own: never in the working folder
 // or on the path, where anybody may have put one of the same name.
-SharedLibrary::SharedLibrary(const std::filesystem::path& path) : library(nullptr) {
+SharedLibrary::SharedLibrary(const std::filesystem::path& path) {
     const NoDialogues quiet;
     library = LoadLibraryExW(exactPath(path).c_str(), nullptr,
                              LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_SYSTEM32);
