@@ -6,7 +6,7 @@ if(NOT CLANG_FORMAT OR NOT CLANG_TIDY)
     return()
 endif()
 
-set(folders cap host i1pro3 module platform platform/posix simulator tests tests/boundary tests/host tests/posix
+set(folders cap host i1pro3 loader module platform platform/posix simulator tests tests/boundary tests/host tests/posix
     tests/support tests/unit tests/windows)
 list(TRANSFORM folders PREPEND ${PROJECT_SOURCE_DIR}/)
 list(TRANSFORM folders APPEND /*.c OUTPUT_VARIABLE c_sources)

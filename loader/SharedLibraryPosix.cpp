@@ -1,0 +1,20 @@
+#include "loader/SharedLibrary.h"
+
+#include <dlfcn.h>
+
+namespace loader {
+
+SharedLibrary::SharedLibrary(const std::filesystem::path& path)
+    : library(dlopen(std::filesystem::absolute(path).c_str(), RTLD_NOW | RTLD_LOCAL)) {
+    if (library == nullptr) throw LoadError(path.string() + ": " + dlerror());
+}
+
+SharedLibrary::~SharedLibrary() {
+    dlclose(library);
+}
+
+void* SharedLibrary::find(const char* name) const {
+    return dlsym(library, name);
+}
+
+} // namespace loader
