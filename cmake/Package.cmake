@@ -1,8 +1,9 @@
-# The release archive for Windows. The simulated SDK library has a folder of its own: beside the module it could be
-# taken for the vendor's.
+# The release archive for Windows. The simulated SDK library and the recorder have folders of their own: beside the
+# module they could be taken for the vendor's.
 install(TARGETS spm_i1pro3 RUNTIME DESTINATION bin ARCHIVE DESTINATION lib)
 install(TARGETS spm RUNTIME DESTINATION bin)
 install(TARGETS i1Pro364 RUNTIME DESTINATION simulator)
+install(TARGETS recorder RUNTIME DESTINATION recorder)
 install(FILES module/SPM.h DESTINATION include)
 install(FILES docs/windows.md DESTINATION . RENAME README.md)
 install(FILES docs/simulator.md DESTINATION docs)

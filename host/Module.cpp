@@ -11,19 +11,32 @@ Function Module::find(const char* name) const {
     return reinterpret_cast<Function>(address);
 }
 
+namespace {
+
+loader::SharedLibrary load(const std::filesystem::path& path) try {
+    return loader::SharedLibrary(path);
+} catch (const loader::LoadError& error) {
+    throw HostError("can't load the module " + std::string(error.what()) +
+                    "; name it with --module, and have the SDK library beside it");
+}
+
+} // namespace
+
 #define FIND(name) name(find<SPM_##name##_t>("SPM_" #name))
 
 Module::Module(const std::filesystem::path& path)
-    : file(path), library(path), FIND(create), FIND(destroy), FIND(open), FIND(close), FIND(isOpened), FIND(calibrate),
-      FIND(isCalibrated), FIND(getStatus), FIND(getNumberOfReflections), FIND(read), FIND(readSpectrum),
-      FIND(setOptions), FIND(getOptionMasks), FIND(getVersion), FIND(getMinorVersion), FIND(getType) {}
+    : file(path), library(load(path)), FIND(create), FIND(destroy), FIND(open), FIND(close), FIND(isOpened),
+      FIND(calibrate), FIND(isCalibrated), FIND(getStatus), FIND(getNumberOfReflections), FIND(read),
+      FIND(readSpectrum), FIND(setOptions), FIND(getOptionMasks), FIND(getVersion), FIND(getMinorVersion),
+      FIND(getType) {}
 
 #undef FIND
 
 std::string Module::simulation() const {
     using Description = const char* (*)();
     const auto description = reinterpret_cast<Description>(findInSdk("I1PRO3_SimulatorDescription"));
-    return description != nullptr ? description() : "";
+    const char* const text = description != nullptr ? description() : nullptr;
+    return text != nullptr ? text : "";
 }
 
 } // namespace host

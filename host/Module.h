@@ -15,7 +15,7 @@ public:
     explicit Module(const std::filesystem::path& path);
 
     /// The address of a function of the vendor's library that the module runs on; null for none.
-    void* findInSdk(const char* name) const { return library.findInSdk(name); }
+    void* findInSdk(const char* name) const { return host::findInSdk(library, name); }
 
     /// What the vendor's library says of itself when it is a simulation; empty when it says nothing.
     std::string simulation() const;
@@ -25,7 +25,7 @@ private:
     Function find(const char* name) const;
 
     std::filesystem::path file;
-    SharedLibrary library;
+    loader::SharedLibrary library;
 
 public:
     const SPM_create_t create;

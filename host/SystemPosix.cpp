@@ -1,7 +1,5 @@
-#include "host/HostError.h"
 #include "host/System.h"
 
-#include <dlfcn.h>
 #include <unistd.h>
 
 namespace host {
@@ -17,23 +15,8 @@ bool isTerminal(std::FILE* stream) {
     return isatty(fileno(stream)) == 1;
 }
 
-SharedLibrary::SharedLibrary(const std::filesystem::path& path)
-    : library(dlopen(std::filesystem::absolute(path).c_str(), RTLD_NOW | RTLD_LOCAL)) {
-    if (library != nullptr) return;
-    throw HostError("can't load the module " + path.string() + ": " + dlerror() +
-                    "; name it with --module, and have the SDK library beside it");
-}
-
-SharedLibrary::~SharedLibrary() {
-    dlclose(library);
-}
-
-void* SharedLibrary::find(const char* name) const {
-    return dlsym(library, name);
-}
-
-void* SharedLibrary::findInSdk(const char* name) const {
-    return dlsym(library, name); // looks into the libraries that this one needs, too
+void* findInSdk(const loader::SharedLibrary& module, const char* name) {
+    return module.find(name);
 }
 
 } // namespace host

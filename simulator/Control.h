@@ -13,7 +13,8 @@ namespace simulator {
 struct Call {
     /// With its prefix I1PRO3_.
     std::string function;
-    /// In the order of the call: a device by its serial number, an address by its size variable's value, or not at all.
+    /// In the order of the call: a device by its serial number, a buffer by its size, "null" for a null address; other
+    /// addresses are left out.
     std::vector<std::string> arguments;
 };
 
@@ -44,9 +45,10 @@ class Control {
 public:
     virtual ~Control() = default;
 
-    /// Puts everything back to how it was when the library was loaded. Device handles become invalid.
+    /// Puts everything back to how it was when the library was loaded. Devices are no longer open.
     virtual void reset() = 0;
 
+    /// The calls since somebody first asked for this control.
     virtual std::vector<Call> calls() const = 0;
     virtual void clearCalls() = 0;
 
@@ -55,7 +57,8 @@ public:
     virtual void clearAnswers() = 0;
 
     /// Applies a script, a JSON text as docs/simulator.md tells of: what it names is set, its faults are added to the
-    /// answers, and all else stays as it is. When it names instruments, device handles become invalid.
+    /// answers, and all else stays as it is. When it names other instruments than before, all are new ones. A serial
+    /// number keeps its handle.
     /// @throws ScriptError
     virtual void use(const std::string& script) = 0;
 };
@@ -67,6 +70,8 @@ extern "C" {
 /// The control of the simulated instruments in this process; lives as long as the library.
 simulator::Control* I1PRO3_SimulatorControl(void);
 
-/// Tells that this library is a simulation, and which. The vendor's library has no such function.
+/// Tells that this library is a simulation, and of what; the text stays until the next call of one of its functions.
+/// The vendor's library has no such function. The recorder has it, and tells what the library behind it tells: null
+/// when that is no simulation.
 const char* I1PRO3_SimulatorDescription(void);
 }

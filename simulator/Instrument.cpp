@@ -93,6 +93,7 @@ void Instrument::setOption(const std::string& key, const std::string& value) {
 std::string Instrument::option(const std::string& key) const {
     expectOpen();
     if (key == "AvailableIlluminationsKey") return "UVIncluded;UVExcluded";
+    if (key == "SerialNumber") return serial;
     const auto found = options.find(key);
     if (found == options.end()) throw SdkError(ErrorCode::unknownOption, "The option " + quoted(key) + " is not set");
     return found->second;
@@ -143,7 +144,8 @@ std::int32_t Instrument::samplesToScan() const {
 }
 
 std::int32_t Instrument::numberOfSamples() const {
-    return isOpen ? samples : -1;
+    expectOpen();
+    return samples;
 }
 
 const Reflectance& Instrument::surface(std::int32_t sample) const {

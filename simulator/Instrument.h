@@ -1,35 +1,13 @@
 #pragma once
 
+#include "simulator/Backend.h"
 #include "simulator/Script.h"
 
 #include <chrono>
 #include <map>
-#include <stdexcept>
 #include <string>
 
 namespace simulator {
-
-/// What the functions answer when they fail.
-enum class ErrorCode : std::int32_t {
-    invalidDevice = 1,
-    deviceNotOpen = 2,
-    unknownOption = 3,
-    invalidValue = 4,
-    bufferTooSmall = 5,
-    invalidArgument = 6,
-    noSample = 7,
-    unplugged = 8,
-    invalidScript = 9,
-    notCalibrated = 13,
-};
-
-/// A failure of a function, with its text for "LastErrorText".
-class SdkError : public std::runtime_error {
-public:
-    SdkError(ErrorCode errorCode, const std::string& text) : std::runtime_error(text), code(errorCode) {}
-
-    const ErrorCode code;
-};
 
 /// One simulated instrument. It is moved over the chart in reading order: each measurement that was read takes it on by
 /// as many patches as it had, and after the last patch it starts anew. What it measures is the patch's reflectance
@@ -47,7 +25,7 @@ public:
     bool isButtonPressed();
     void calibrate();
     void trigger();
-    /// Of the last measurement; negative when the instrument is not open.
+    /// Of the last measurement; a script may make it negative.
     std::int32_t numberOfSamples() const;
     Reflectance readSample(std::int32_t sample);
 

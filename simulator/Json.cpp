@@ -1,6 +1,7 @@
 #include "simulator/Json.h"
 
 #include <algorithm>
+#include <fstream>
 #include <iterator>
 
 namespace simulator {
@@ -33,7 +34,7 @@ private:
     const char** position;
 };
 
-std::string at(const std::string& fileName, std::ptrdiff_t line, const std::string& what) {
+std::string at(const std::string& fileName, std::size_t line, const std::string& what) {
     return fileName + ", line " + std::to_string(line) + ": " + what;
 }
 
@@ -42,7 +43,7 @@ class Lines {
 public:
     explicit Lines(std::string name) : fileName(std::move(name)) {}
 
-    void note(Event event, const Parsed& parsed, std::ptrdiff_t line) {
+    void note(Event event, const Parsed& parsed, std::size_t line) {
         switch (event) {
         case Event::key:
             levels.back().name = parsed.get<std::string>();
@@ -61,7 +62,7 @@ public:
         }
     }
 
-    std::map<std::string, std::ptrdiff_t> take() { return std::move(lines); }
+    std::map<std::string, std::size_t> take() { return std::move(lines); }
 
 private:
     struct Level {
@@ -70,7 +71,7 @@ private:
         std::size_t next = 0;
     };
 
-    void add(std::ptrdiff_t line) {
+    void add(std::size_t line) {
         std::string pointer;
         for (const Level& level : levels) {
             pointer += '/' + level.name;
@@ -82,22 +83,31 @@ private:
 
     std::string fileName;
     std::vector<Level> levels;
-    std::map<std::string, std::ptrdiff_t> lines;
+    std::map<std::string, std::size_t> lines;
 };
 
 } // namespace
 
 struct Value::Document { // NOLINT(bugprone-exception-escape): only memory may run out
     std::string fileName;
+    std::size_t firstLine = 1;
     Parsed whole;
-    std::map<std::string, std::ptrdiff_t> lines;
+    std::map<std::string, std::size_t> lines;
 };
 
-Value Value::parse(const std::string& fileName, const std::string& text) {
+std::string readFile(const std::filesystem::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    if (!file) throw ScriptError(path.string() + ": the file can't be read");
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+Value Value::parse(const std::string& fileName, const std::string& text, std::size_t firstLine) {
     const char* const begin = text.data();
     const char* reached = begin;
     // The last character that was read may belong to what follows: a number ends where something else begins.
-    const auto line = [&] { return 1 + std::count(begin, std::max(begin, reached - 1), '\n'); };
+    const auto line = [&] {
+        return firstLine + static_cast<std::size_t>(std::count(begin, std::max(begin, reached - 1), '\n'));
+    };
     Lines lines(fileName);
     const auto note = [&](int /*depth*/, Event event, Parsed& parsed) {
         lines.note(event, parsed, line());
@@ -105,6 +115,7 @@ Value Value::parse(const std::string& fileName, const std::string& text) {
     };
     auto document = std::make_shared<Document>();
     document->fileName = fileName;
+    document->firstLine = firstLine;
     try {
         document->whole =
             Parsed::parse(Reader(begin, &reached), Reader(begin + text.size(), &reached), note, true, true);
@@ -122,7 +133,7 @@ const std::string& Value::fileName() const {
 
 void Value::fail(const std::string& what) const {
     const auto line = document->lines.find(pointer);
-    throw ScriptError(at(document->fileName, line != document->lines.end() ? line->second : 1, what));
+    throw ScriptError(at(document->fileName, line != document->lines.end() ? line->second : document->firstLine, what));
 }
 
 void Value::failUnknown(const std::string& name, const std::string& known) const {

@@ -4,7 +4,9 @@
 
 #include "simulator/ScriptError.h"
 
+#include <cstddef>
 #include <cstdint>
+#include <filesystem>
 #include <map>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -14,12 +16,16 @@
 
 namespace simulator {
 
+/// @throws ScriptError  when the file can't be read
+std::string readFile(const std::filesystem::path& path);
+
 /// A value in a JSON text. The checks throw a ScriptError.
 class Value {
 public:
     /// The text's outermost value. Comments are passed over.
+    /// @param firstLine  where in the file the text begins
     /// @throws ScriptError  when the text is not JSON, or names a member twice
-    static Value parse(const std::string& fileName, const std::string& text);
+    static Value parse(const std::string& fileName, const std::string& text, std::size_t firstLine = 1);
 
     std::string text() const;
     double number(double least, double most) const;

@@ -3,8 +3,6 @@
 #include "simulator/Json.h"
 
 #include <algorithm>
-#include <fstream>
-#include <iterator>
 #include <limits>
 
 namespace simulator {
@@ -16,18 +14,11 @@ constexpr std::int64_t longestTime = 3'600'000;
 constexpr std::int64_t leastInt32 = std::numeric_limits<std::int32_t>::min();
 constexpr std::int64_t mostInt32 = std::numeric_limits<std::int32_t>::max();
 
-const std::vector<std::string> functions{
-    "I1PRO3_GetDevices",       "I1PRO3_OpenDevice",  "I1PRO3_CloseDevice",        "I1PRO3_GetConnectionStatus",
-    "I1PRO3_SetOption",        "I1PRO3_GetOption",   "I1PRO3_SetGlobalOption",    "I1PRO3_GetGlobalOption",
-    "I1PRO3_GetButtonStatusD", "I1PRO3_Calibrate",   "I1PRO3_TriggerMeasurement", "I1PRO3_GetNumberOfAvailableSamples",
-    "I1PRO3_GetTriStimulus",   "I1PRO3_GetSpectrum",
-};
-
 void expectFunction(const Value& place, const std::string& name) {
-    if (std::find(functions.begin(), functions.end(), name) != functions.end()) return;
     std::string names;
-    for (const std::string& function : functions) {
-        names.append(names.empty() ? "" : ", ").append(function);
+    for (const Signature& signature : signatures()) {
+        if (signature.name == name) return;
+        names.append(names.empty() ? "" : ", ").append(signature.name);
     }
     place.fail('"' + name + "\" is no function of the SDK library; there are " + names);
 }
@@ -49,10 +40,9 @@ std::chrono::milliseconds readTime(const Value& value) {
     return std::chrono::milliseconds(value.integer(0, longestTime));
 }
 
-std::string readFile(const std::filesystem::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    if (!file) throw ScriptError(path.string() + ": the file can't be read");
-    return {std::istreambuf_iterator<char>(file), {}};
+/// A file that a script names, beside the script.
+std::filesystem::path readPath(const Value& value) {
+    return std::filesystem::path(value.fileName()).parent_path() / value.text();
 }
 
 void readInstruments(const Value& value, Script& script) {
@@ -69,7 +59,7 @@ void readInstruments(const Value& value, Script& script) {
 }
 
 void readChart(const Value& value, Script& script) {
-    const std::filesystem::path path = std::filesystem::path(value.fileName()).parent_path() / value.text();
+    const std::filesystem::path path = readPath(value);
     try {
         script.chart = parseChart(readFile(path));
     } catch (const ScriptError& error) {
@@ -78,6 +68,7 @@ void readChart(const Value& value, Script& script) {
         value.fail("the chart " + path.string() + " is wrong: " + error.what());
     }
     if (script.chart.empty()) value.fail("the chart " + path.string() + " has no patches");
+    script.chartName = "chart " + path.filename().string();
 }
 
 void readPlace(const Value& value, Script& script) {
@@ -166,6 +157,14 @@ void readFaults(const Value& value, Script& script) {
     script.faults = std::move(faults);
 }
 
+void readReplay(const Value& value, Script& script) {
+    try {
+        script.replay = readTrace(readPath(value));
+    } catch (const ScriptError& error) {
+        value.fail(error.what());
+    }
+}
+
 const std::vector<Field<Script>> scriptFields{
     {"instruments", readInstruments},
     {"chart", readChart},
@@ -176,7 +175,17 @@ const std::vector<Field<Script>> scriptFields{
     {"latency", readLatency},
     {"unplug", readUnplug},
     {"faults", readFaults},
+    {"trace", [](const Value& value, Script& script) { script.trace = readPath(value); }},
+    {"replay", readReplay},
 };
+
+void expectReplayAlone(const Value& script) {
+    if (!script.json().contains("replay")) return;
+    for (const auto& [name, member] : script.members()) {
+        if (name == "replay" || name == "trace" || name == "latency") continue;
+        member.fail("a replay answers as was recorded: beside it may only stand \"trace\" and \"latency\"");
+    }
+}
 
 template <class Target>
 void addKeys(const std::string& prefix, const std::vector<Field<Target>>& fields, std::vector<std::string>& keys) {
@@ -189,7 +198,9 @@ void addKeys(const std::string& prefix, const std::vector<Field<Target>>& fields
 
 void applyScript(const std::string& fileName, const std::string& text, Script& script) {
     Script changed = script;
-    readMembers(Value::parse(fileName, text), scriptFields, changed);
+    const Value whole = Value::parse(fileName, text);
+    readMembers(whole, scriptFields, changed);
+    expectReplayAlone(whole);
     script = std::move(changed);
 }
 
@@ -197,6 +208,11 @@ Script readScript(const std::filesystem::path& file) {
     Script script;
     applyScript(file.string(), readFile(file), script);
     return script;
+}
+
+std::string descriptionOf(const Script& script) {
+    if (script.replay) return "simulated i1Pro 3 that replays " + script.replay->fileName;
+    return "simulated i1Pro 3 with the " + script.chartName;
 }
 
 std::vector<std::string> scriptKeys() {

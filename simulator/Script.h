@@ -5,9 +5,9 @@
 #include "simulator/Control.h"
 #include "simulator/Data.h"
 #include "simulator/ScriptError.h"
+#include "simulator/Trace.h"
 
 #include <chrono>
-#include <filesystem>
 #include <map>
 
 namespace simulator {
@@ -44,6 +44,7 @@ struct Unplug {
 struct Script {
     std::vector<std::string> instruments{"SIM1"};
     std::vector<Patch> chart = parseChart(colorCheckerCsv);
+    std::string chartName = "ColorChecker Classic chart";
     bool isOnWhiteReference = false;
     Light light;
     Button button;
@@ -51,6 +52,10 @@ struct Script {
     std::map<std::string, std::chrono::milliseconds> latency;
     std::optional<Unplug> unplug;
     std::vector<Answer> faults;
+    /// The trace to write.
+    std::optional<std::filesystem::path> trace;
+    /// The trace that answers in place of all else.
+    std::optional<Recording> replay;
 };
 
 /// Applies a JSON text: what it names is set, all else stays as it is.
@@ -60,6 +65,9 @@ void applyScript(const std::string& fileName, const std::string& text, Script& s
 
 /// @throws ScriptError
 Script readScript(const std::filesystem::path& file);
+
+/// Says that this is a simulation, and of what.
+std::string descriptionOf(const Script& script);
 
 /// All keys, those within others after a dot: "button.polls".
 std::vector<std::string> scriptKeys();

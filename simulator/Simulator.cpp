@@ -1,8 +1,11 @@
 #include "simulator/Simulator.h"
 
+#include "simulator/Replay.h"
+#include "simulator/System.h"
+
 #include <algorithm>
-#include <cstdlib>
 #include <thread>
+#include <utility>
 
 namespace simulator {
 
@@ -10,10 +13,32 @@ namespace {
 
 using Lock = std::lock_guard<std::mutex>;
 
+/// A call as tests see it.
+Call callOf(const Request& request) {
+    Call call{signatureOf(request.function).name, {}};
+    for (const auto& [name, argument] : request.arguments.items()) {
+        const bool isPlain = argument.is_null() || argument.is_number();
+        call.arguments.push_back(isPlain ? argument.dump() : request.text(name.c_str()));
+    }
+    return call;
+}
+
 bool matches(const Answer& answer, const Call& call) {
     if (!answer.function.empty() && answer.function != call.function) return false;
     return answer.argument.empty() ||
            std::find(call.arguments.begin(), call.arguments.end(), answer.argument) != call.arguments.end();
+}
+
+Outputs outputsOf(const Answer& answer, const Request& request) {
+    if (request.function == Function::getDevices && answer.outputSize) {
+        return {.count = answer.outputSize, .devices = std::vector<std::string>()};
+    }
+    Outputs outputs{.size = answer.outputSize};
+    if (answer.output) {
+        outputs.text = answer.output->substr(0, request.arguments.value("size", 0U));
+        outputs.isTerminated = false;
+    }
+    return outputs;
 }
 
 } // namespace
@@ -27,49 +52,49 @@ void Simulator::reset() {
     const Lock lock(mutex);
     recorded.clear();
     answers.clear();
-    lastErrorText.clear();
-    lastErrorNumber.clear();
+    lastError.clear();
     start();
 }
 
-/// Begins with the script that the environment names. When that one is wrong, there is nothing but its failure.
+/// Begins with the script and the trace that the environment names. When something is wrong there, that is all that
+/// there is.
 void Simulator::start() {
+    const auto file = fileOfEnvironment("I1PRO3_SIMULATOR");
+    substitute.reset();
+    trace.reset();
+    unplug.reset();
     script = {};
-    script.instruments.clear();
-    instruments.clear();
-    handles.clear();
-    scriptFailure.clear();
-    const char* const file = std::getenv("I1PRO3_SIMULATOR");
+    model.attach(script);
     try {
-        change(file != nullptr ? readScript(file) : Script());
+        Script first = file ? readScript(*file) : Script();
+        if (!first.trace) first.trace = fileOfEnvironment("I1PRO3_TRACE");
+        change(std::move(first));
     } catch (const ScriptError& error) {
-        scriptFailure = error.what();
+        description = std::string("simulated i1Pro 3, not set up: ") + error.what();
+        substitute = std::make_unique<Failure>(ErrorCode::invalidSetup, error.what(), lastError);
     }
 }
 
 void Simulator::use(const std::string& text) {
     const Lock lock(mutex);
     Script next = script;
-    next.faults.clear();
     applyScript("script", text, next);
     change(std::move(next));
 }
 
+/// Puts a script in force. What happens once, like a fault, is taken out of it.
 void Simulator::change(Script next) {
-    for (Answer& fault : next.faults) {
+    description = descriptionOf(next);
+    if (next.trace) trace = std::make_unique<Trace>(*next.trace, description, true);
+    next.trace.reset();
+    if (next.replay) substitute = std::make_unique<Replay>(*std::exchange(next.replay, std::nullopt), lastError);
+    for (Answer& fault : std::exchange(next.faults, {})) {
         answers.push_back({std::move(fault)});
     }
-    next.faults.clear();
-    if (next.unplug) callsToUnplug = next.unplug->call;
+    if (next.unplug) unplug = std::exchange(next.unplug, std::nullopt);
     const bool isSameSet = next.instruments == script.instruments;
     script = std::move(next);
-    if (isSameSet) return;
-    instruments.clear();
-    handles.clear();
-    for (const std::string& serial : script.instruments) {
-        instruments.push_back(std::make_unique<Instrument>(serial, script));
-        handles.push_back(instruments.back().get());
-    }
+    if (!isSameSet) model.attach(script);
 }
 
 std::vector<Call> Simulator::calls() const {
@@ -92,35 +117,48 @@ void Simulator::clearAnswers() {
     answers.clear();
 }
 
-std::int32_t Simulator::run(const Call& call, const std::function<std::int32_t()>& work,
-                            const std::function<void(const Answer&)>& writeOutput) {
-    const auto latency = latencyOf(call);
-    if (latency.count() > 0) std::this_thread::sleep_for(latency);
+void Simulator::watch() {
     const Lock lock(mutex);
-    recorded.push_back(call);
-    countToUnplug(call);
-    if (const Answer* const answer = findAnswer(call)) {
-        if (answer->throws) throw std::runtime_error("simulated exception of " + call.function);
-        if (writeOutput) writeOutput(*answer);
-        const std::string text = answer->errorText.value_or("Simulated failure of " + call.function);
-        return fail(call, answer->result, text, answer->errorNumber.value_or(std::to_string(answer->result)));
-    }
-    try {
-        return work();
-    } catch (const SdkError& error) {
-        const auto number = static_cast<std::int32_t>(error.code);
-        return fail(call, number, error.what(), std::to_string(number));
-    }
+    isWatched = true;
 }
 
-/// Keeps what is to be told of a failure. Asking for it, too, may fail, and changes nothing then.
-std::int32_t Simulator::fail(const Call& call, std::int32_t result, const std::string& text,
-                             const std::string& number) {
-    if (result != 0 && call.function != "I1PRO3_GetGlobalOption") {
-        lastErrorText = text;
-        lastErrorNumber = number;
+const char* Simulator::describe() {
+    const Lock lock(mutex);
+    return description.c_str();
+}
+
+std::int32_t Simulator::perform(const SdkCall& call) {
+    const Trace::Time begin = Trace::Clock::now();
+    wait(call.function);
+    const Lock lock(mutex);
+    const Request request = requestOf(call, [&](I1PRO3_DeviceHandle device) { return devices.nameOf(device); });
+    const auto work = [&] { return answerTo(request); };
+    const Reply reply = trace ? trace->record(request, begin, work) : work();
+    devices.handOut(reply.outputs, call);
+    return reply.result;
+}
+
+void Simulator::wait(Function function) const {
+    std::chrono::milliseconds latency{0};
+    {
+        const Lock lock(mutex);
+        const auto found = script.latency.find(signatureOf(function).name);
+        if (found != script.latency.end()) latency = found->second;
     }
-    return result;
+    if (latency.count() > 0) std::this_thread::sleep_for(latency);
+}
+
+Reply Simulator::answerTo(const Request& request) {
+    const Call call = callOf(request);
+    if (isWatched) recorded.push_back(call);
+    countToUnplug(call.function);
+    if (const Answer* const answer = findAnswer(call)) return give(*answer, request);
+    return lastError.answerOf(substitute ? *substitute : model, request);
+}
+
+void Simulator::countToUnplug(const std::string& function) {
+    if (!unplug || unplug->function != function) return;
+    if (--unplug->call == 0) model.unplug();
 }
 
 const Answer* Simulator::findAnswer(const Call& call) {
@@ -134,57 +172,27 @@ const Answer* Simulator::findAnswer(const Call& call) {
     return nullptr;
 }
 
-std::chrono::milliseconds Simulator::latencyOf(const Call& call) const {
-    const Lock lock(mutex);
-    const auto found = script.latency.find(call.function);
-    return found != script.latency.end() ? found->second : std::chrono::milliseconds(0);
-}
-
-void Simulator::countToUnplug(const Call& call) {
-    if (script.unplug && script.unplug->function == call.function && callsToUnplug > 0) --callsToUnplug;
-}
-
-bool Simulator::isUnplugged() const {
-    return script.unplug && callsToUnplug == 0;
-}
-
-std::vector<I1PRO3_DeviceHandle>& Simulator::deviceList() {
-    static std::vector<I1PRO3_DeviceHandle> none;
-    if (!scriptFailure.empty()) throw SdkError(ErrorCode::invalidScript, scriptFailure);
-    return isUnplugged() ? none : handles;
-}
-
-Instrument& Simulator::instrument(I1PRO3_DeviceHandle handle) {
-    const auto found = std::find(handles.begin(), handles.end(), handle);
-    if (found == handles.end()) throw SdkError(ErrorCode::invalidDevice, "There is no such device");
-    Instrument& instrument = *instruments[static_cast<std::size_t>(found - handles.begin())];
-    if (isUnplugged()) {
-        throw SdkError(ErrorCode::unplugged, "The device " + instrument.serialNumber() + " was unplugged");
+Reply Simulator::give(const Answer& answer, const Request& request) {
+    const std::string& function = signatureOf(request.function).name;
+    if (answer.throws) throw std::runtime_error("simulated exception of " + function);
+    if (answer.result != 0) {
+        lastError.keep(request, answer.errorText.value_or("Simulated failure of " + function),
+                       answer.errorNumber.value_or(std::to_string(answer.result)));
     }
-    return instrument;
+    return {answer.result, outputsOf(answer, request)};
 }
 
-std::string Simulator::globalOption(const std::string& key) const {
-    if (key == "LastErrorText") return lastErrorText;
-    if (key == "LastErrorNumber") return lastErrorNumber;
-    throw SdkError(ErrorCode::unknownOption, "There is no global option \"" + key + "\"");
-}
-
-void Simulator::resetAll(const std::string& key, const std::string& value) {
-    if (key != "Reset" || value != "All") {
-        throw SdkError(ErrorCode::unknownOption,
-                       "There is no global option \"" + key + "\" = \"" + value + "\" to set");
-    }
-    lastErrorText.clear();
-    lastErrorNumber.clear();
-}
-
-std::string Simulator::nameOf(I1PRO3_DeviceHandle handle) const {
-    const Lock lock(mutex);
-    if (handle == nullptr) return "null";
-    const auto found = std::find(handles.begin(), handles.end(), handle);
-    if (found == handles.end()) return "unknown";
-    return instruments[static_cast<std::size_t>(found - handles.begin())]->serialNumber();
+std::int32_t perform(const SdkCall& call) {
+    return Simulator::instance().perform(call);
 }
 
 } // namespace simulator
+
+simulator::Control* I1PRO3_SimulatorControl() {
+    simulator::Simulator::instance().watch();
+    return &simulator::Simulator::instance();
+}
+
+const char* I1PRO3_SimulatorDescription() {
+    return simulator::Simulator::instance().describe();
+}

@@ -249,7 +249,7 @@ TEST_F(SimulatedSdk, AWrongScriptOfTheEnvironmentIsTheOnlyAnswer) {
     control.reset();
     EXPECT_EQ(I1PRO3_GetDevices(&list, &count), 9);
     EXPECT_EQ(global("LastErrorText"), file + ", line 3: \"4711\" does not begin with SIM, for simulated");
-    EXPECT_EQ(I1PRO3_OpenDevice(device), 1);
+    EXPECT_EQ(I1PRO3_OpenDevice(device), 9);
     EXPECT_EQ(count, 7U);
     writeFile(file, R"({"instruments": ["SIM7"], "faults": [{"function": "I1PRO3_OpenDevice", "result": -3}]})");
     control.reset();

@@ -22,7 +22,8 @@ MITIGATIONS = ["IMAGE_DLLCHARACTERISTICS_DYNAMIC_BASE", "IMAGE_DLLCHARACTERISTIC
                "IMAGE_DLLCHARACTERISTICS_NX_COMPAT"]
 ARCHIVE = ["README.md", "bin/spm.exe", "bin/spm_i1pro3.dll", "docs/simulator.md", "include/SPM.h",
            "lib/libspm_i1pro3.dll.a", "licenses/CLI11.txt", "licenses/GPL-3.txt", "licenses/fmt.txt",
-           "licenses/gcc.txt", "licenses/mingw-w64.txt", "licenses/nlohmann-json.txt", "simulator/i1Pro364.dll"]
+           "licenses/gcc.txt", "licenses/mingw-w64.txt", "licenses/nlohmann-json.txt", "recorder/i1Pro364.dll",
+           "simulator/i1Pro364.dll"]
 EXAMPLES = [str(path.relative_to(PROJECT)) for path in (PROJECT / "examples/simulator").iterdir()]
 LOGGING = ("REGEDIT4\r\n\r\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM]\r\n"
            "\"Logging\"={}\r\n")
@@ -70,6 +71,15 @@ class Library(unittest.TestCase):
                             "i1Pro364.dll is not imported"]
                          + [f"{name} is off" for name in MITIGATIONS]
                          + ["it can't be moved", "it has a time stamp"])
+
+
+class StandIns(unittest.TestCase):
+    def test_say_what_they_are(self):
+        for file, description in [("i1Pro364.dll", b"Simulated i1Pro 3 SDK library"),
+                                  ("recorder/i1Pro364.dll", b"Recorder of the calls to the i1Pro 3 SDK library")]:
+            library = pefile.PE(BUILD / "bin" / file)
+            texts = library.FileInfo[0][0].StringTable[0].entries
+            self.assertEqual((texts[b"FileDescription"], texts[b"OriginalFilename"]), (description, b"i1Pro364.dll"))
 
 
 class Archive(unittest.TestCase):

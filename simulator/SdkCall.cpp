@@ -1,0 +1,115 @@
+#include "simulator/SdkCall.h"
+
+#include <algorithm>
+
+namespace simulator {
+
+namespace {
+
+using enum Parameter;
+
+/// Adds an argument, or null for an address that is null.
+template <class Add>
+void addUnlessNull(Json& arguments, const char* name, const void* address, Add add) {
+    if (address == nullptr) {
+        arguments[name] = nullptr;
+    } else {
+        add();
+    }
+}
+
+void addText(Json& arguments, const char* name, const char* text) {
+    addUnlessNull(arguments, name, text, [&] { arguments[name] = jsonOf(text); });
+}
+
+void addAddress(Json& arguments, const char* name, const void* address) {
+    addUnlessNull(arguments, name, address, [] {});
+}
+
+} // namespace
+
+const std::vector<Signature>& signatures() {
+    static const std::vector<Signature> all{
+        {"I1PRO3_GetDevices", {list}},
+        {"I1PRO3_OpenDevice", {device}},
+        {"I1PRO3_CloseDevice", {device}},
+        {"I1PRO3_GetConnectionStatus", {device}},
+        {"I1PRO3_SetOption", {device, key, value}},
+        {"I1PRO3_GetOption", {device, key, buffer}},
+        {"I1PRO3_SetGlobalOption", {key, value}},
+        {"I1PRO3_GetGlobalOption", {key, buffer}},
+        {"I1PRO3_GetButtonStatusD", {device}},
+        {"I1PRO3_Calibrate", {device}},
+        {"I1PRO3_TriggerMeasurement", {device}},
+        {"I1PRO3_GetNumberOfAvailableSamples", {device}},
+        {"I1PRO3_GetTriStimulus", {device, tristimulus, sample}},
+        {"I1PRO3_GetSpectrum", {device, spectrum, sample}},
+    };
+    return all;
+}
+
+const Signature& signatureOf(Function function) {
+    return signatures()[static_cast<std::size_t>(function)];
+}
+
+std::size_t valuesOf(Function function) {
+    if (function == Function::getTriStimulus) return 3;
+    return function == Function::getSpectrum ? 36 : 0;
+}
+
+std::string Request::text(const char* argument) const {
+    const Json& value = arguments.at(argument);
+    if (value.is_string()) return value.get<std::string>();
+    const auto bytes = value.get<std::vector<std::uint8_t>>();
+    return {bytes.begin(), bytes.end()};
+}
+
+bool Request::isComplete() const {
+    return std::none_of(arguments.begin(), arguments.end(), [](const Json& argument) { return argument.is_null(); });
+}
+
+Request requestOf(const SdkCall& call, const std::function<std::string(I1PRO3_DeviceHandle)>& nameOf) {
+    Request request{call.function, Json::object()};
+    Json& arguments = request.arguments;
+    for (const Parameter parameter : signatureOf(call.function).parameters) {
+        switch (parameter) {
+        case device:
+            addUnlessNull(arguments, "device", call.device, [&] { arguments["device"] = nameOf(call.device); });
+            break;
+        case key:
+            addText(arguments, "key", call.key);
+            break;
+        case value:
+            addText(arguments, "value", call.value);
+            break;
+        case sample:
+            arguments["sample"] = call.sample;
+            break;
+        case list:
+            addAddress(arguments, "list", call.list);
+            addAddress(arguments, "count", call.count);
+            break;
+        case buffer:
+            addAddress(arguments, "buffer", call.buffer);
+            addUnlessNull(arguments, "size", call.size, [&] { arguments["size"] = *call.size; });
+            break;
+        case tristimulus:
+        case spectrum:
+            addAddress(arguments, "values", call.values);
+            break;
+        }
+    }
+    return request;
+}
+
+Json jsonOf(const std::string& text) {
+    try {
+        const Json json(text);
+        static_cast<void>(json.dump()); // only UTF-8 can be written
+        return json;
+    } catch (const Json::type_error&) {
+        return std::vector<std::uint8_t>(text.begin(), text.end());
+    }
+}
+
+} // namespace simulator
