@@ -33,14 +33,20 @@ Reply LastError::read(const Request& request) const {
 
 Reply textReply(const Request& request, const std::string& text) {
     const auto needed = static_cast<std::uint32_t>(text.size() + 1);
-    if (request.arguments.at("size") < needed) {
+    if (request.size() < needed) {
         throw SdkError(ErrorCode::bufferTooSmall, "The buffer is too small", {.size = needed});
     }
     return {.outputs = {.text = text}};
 }
 
+Failure::Failure(ErrorCode errorCode, std::string errorText, LastError& common)
+    : code(errorCode), text(std::move(errorText)), lastError(common) {
+    lastError.set(text, std::to_string(static_cast<std::int32_t>(code)));
+}
+
 Reply Failure::answer(const Request& request) {
-    const bool asksWhy = request.function == Function::getGlobalOption && request.isComplete();
+    const bool asksWhy = request.function == Function::getGlobalOption && request.isComplete() &&
+                         request.text("key").starts_with("LastError");
     if (!asksWhy) throw SdkError(code, text);
     return lastError.read(request);
 }

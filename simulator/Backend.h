@@ -67,15 +67,15 @@ Reply textReply(const Request& request, const std::string& text);
 /// Fails in each call, and tells why when it is asked.
 class Failure : public Backend {
 public:
-    Failure(ErrorCode errorCode, std::string errorText, const LastError& common)
-        : code(errorCode), text(std::move(errorText)), lastError(common) {}
+    /// The failure is told from the first call on.
+    Failure(ErrorCode errorCode, std::string errorText, LastError& common);
 
     Reply answer(const Request& request) override;
 
 private:
     ErrorCode code;
     std::string text;
-    const LastError& lastError;
+    LastError& lastError;
 };
 
 /// The handles of devices that are no real ones. A name has the same handle for as long as the library is loaded.

@@ -14,32 +14,47 @@ std::string_view takeUntil(std::string_view& text, char separator) {
     return taken;
 }
 
-/// The lines of a table below its header, with their numbers for messages.
+/// A table's lines, with their numbers for messages.
 class Table {
 public:
-    explicit Table(std::string_view csv) : rest(csv) { takeUntil(rest, '\n'); }
+    Table(std::string_view csv, std::size_t fieldsInALine) : rest(csv), width(fieldsInALine) {}
 
+    /// Goes to the next line; false at the end.
     bool next() {
+        if (rest.find_first_not_of("\r\n") == std::string_view::npos) return false;
         ++number;
-        line = takeUntil(rest, '\n');
+        std::string_view line = takeUntil(rest, '\n');
         if (line.ends_with('\r')) line.remove_suffix(1);
-        return !line.empty();
+        fields.clear();
+        while (!line.empty()) {
+            fields.push_back(takeUntil(line, ','));
+        }
+        if (fields.size() != width) {
+            fail("there are " + std::to_string(fields.size()) + " fields, separated by commas, where " +
+                 std::to_string(width) + " belong");
+        }
+        return true;
     }
 
-    std::string_view takeField() { return takeUntil(line, ','); }
+    std::string_view text(std::size_t field) const { return fields[field]; }
 
-    double takeNumber() {
-        const std::string_view field = takeField();
+    double numberIn(std::size_t field, int least, int most) const {
+        const std::string_view digits = fields[field];
         double value = 0;
-        const auto [end, error] = std::from_chars(field.data(), field.data() + field.size(), value);
-        if (error != std::errc{} || end != field.data() + field.size()) {
-            fail("\"" + std::string(field) + "\" is not a number");
+        const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
+        const bool isNumber = error == std::errc{} && end == digits.data() + digits.size();
+        if (!isNumber || !(value >= least && value <= most)) {
+            fail('"' + std::string(digits) + "\" is not a number from " + std::to_string(least) + " to " +
+                 std::to_string(most));
         }
         return value;
     }
 
-    void expectEnd() const {
-        if (!line.empty()) fail("more fields than expected");
+    void expectWavelength(std::size_t field, std::size_t index) const {
+        const std::string wavelength = std::to_string(380 + 10 * index);
+        if (fields[field] != wavelength) {
+            fail('"' + std::string(fields[field]) + "\" stands where the wavelength " + wavelength + " belongs");
+        }
     }
 
     [[noreturn]] void fail(const std::string& what) const {
@@ -48,20 +63,26 @@ public:
 
 private:
     std::string_view rest;
-    std::string_view line;
-    int number = 1;
+    std::size_t width;
+    std::vector<std::string_view> fields;
+    int number = 0;
 };
 
 } // namespace
 
 std::vector<Patch> parseChart(std::string_view csv) {
-    std::vector<Patch> patches;
-    for (Table table(csv); table.next();) {
-        Patch patch{std::string(table.takeField()), {}};
-        for (double& factor : patch.reflectance) {
-            factor = table.takeNumber();
+    Table table(csv, 1 + wavelengths);
+    if (table.next()) {
+        for (std::size_t i = 0; i < wavelengths; ++i) {
+            table.expectWavelength(1 + i, i);
         }
-        table.expectEnd();
+    }
+    std::vector<Patch> patches;
+    while (table.next()) {
+        Patch patch{std::string(table.text(0)), {}};
+        for (std::size_t i = 0; i < wavelengths; ++i) {
+            patch.reflectance[i] = table.numberIn(1 + i, 0, 2);
+        }
         patches.push_back(std::move(patch));
     }
     return patches;
@@ -69,15 +90,12 @@ std::vector<Patch> parseChart(std::string_view csv) {
 
 Weights parseWeights(std::string_view csv) {
     Weights weights{};
-    Table table(csv);
+    Table table(csv, 4);
+    table.next();
     for (std::size_t i = 0; i < wavelengths; ++i) {
-        table.next();
-        if (table.takeNumber() != static_cast<double>(380 + 10 * i))
-            table.fail("the wavelengths are not 380 to 730 nm");
-        weights[i].x = table.takeNumber();
-        weights[i].y = table.takeNumber();
-        weights[i].z = table.takeNumber();
-        table.expectEnd();
+        if (!table.next()) table.fail("the wavelengths end before 730 nm");
+        table.expectWavelength(0, i);
+        weights[i] = {table.numberIn(1, 0, 100), table.numberIn(2, 0, 100), table.numberIn(3, 0, 100)};
     }
     return weights;
 }

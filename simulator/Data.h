@@ -28,7 +28,8 @@ struct Weight {
 using Weights = std::array<Weight, wavelengths>;
 
 /// The patches of a chart in reading order.
-/// @param csv  a header line, then a line per patch: its name (without commas) and 36 reflectance factors
+/// @param csv  a header line with the wavelengths, then a line per patch: its name (without commas) and 36 reflectance
+///             factors from 0 to 2
 /// @throws std::runtime_error  with the line's number and what is wrong
 std::vector<Patch> parseChart(std::string_view csv);
 

@@ -2,25 +2,32 @@
 
 #include <algorithm>
 #include <charconv>
+#include <limits>
 #include <random>
 
 namespace simulator {
 
 namespace {
 
-/// The options that can be set, with their values; none for a count.
-const std::map<std::string, std::vector<std::string>>& settableOptions() {
-    static const std::map<std::string, std::vector<std::string>> options{
-        {"Colorimetric.Illumination", {"D65"}},
-        {"Colorimetric.Observer", {"TenDegree"}},
-        {"ColorSpaceDescription.Type", {"CIELab"}},
-        {"MeasurementMode", {"ReflectanceSpot", "ReflectanceScan"}},
-        {"PatchesPerLine", {}},
-        {"PrecisionCalibration", {"0", "1"}},
-        {"RecognitionKey", {"RecognitionPositionDark"}},
-    };
-    return options;
-}
+/// Far from what a lamp does, and near enough for numbers to stay numbers.
+constexpr double dimmestLamp = 0.01;
+constexpr double brightestLamp = 100;
+
+/// An option that can be set, with its values; none for a count.
+struct Settable {
+    std::string_view key;
+    std::array<std::string_view, 2> values;
+};
+
+constexpr std::array<Settable, 7> settableOptions{{
+    {"Colorimetric.Illumination", {"D65"}},
+    {"Colorimetric.Observer", {"TenDegree"}},
+    {"ColorSpaceDescription.Type", {"CIELab"}},
+    {"MeasurementMode", {"ReflectanceSpot", "ReflectanceScan"}},
+    {"PatchesPerLine", {}},
+    {"PrecisionCalibration", {"0", "1"}},
+    {"RecognitionKey", {"RecognitionPositionDark"}},
+}};
 
 std::optional<std::int32_t> parseCount(const std::string& text) {
     std::int32_t count = 0;
@@ -29,9 +36,9 @@ std::optional<std::int32_t> parseCount(const std::string& text) {
     return error == std::errc{} && stop == end && count > 0 ? std::optional(count) : std::nullopt;
 }
 
-bool accepts(const std::vector<std::string>& values, const std::string& value) {
-    if (values.empty()) return parseCount(value).has_value();
-    return std::find(values.begin(), values.end(), value) != values.end();
+bool accepts(const Settable& option, const std::string& value) {
+    if (option.values[0].empty()) return parseCount(value).has_value();
+    return !value.empty() && std::find(option.values.begin(), option.values.end(), value) != option.values.end();
 }
 
 /// The factors of a white ceramic tile.
@@ -80,11 +87,12 @@ void Instrument::close() {
 
 void Instrument::setOption(const std::string& key, const std::string& value) {
     expectOpen();
-    const auto settable = settableOptions().find(key);
-    if (settable == settableOptions().end()) {
+    const auto* const settable = std::find_if(settableOptions.begin(), settableOptions.end(),
+                                              [&](const Settable& option) { return option.key == key; });
+    if (settable == settableOptions.end()) {
         throw SdkError(ErrorCode::unknownOption, "There is no option " + quoted(key) + " to set");
     }
-    if (!accepts(settable->second, value)) {
+    if (!accepts(*settable, value)) {
         throw SdkError(ErrorCode::invalidValue, "The option " + quoted(key) + " can't be " + quoted(value));
     }
     options[key] = value;
@@ -117,7 +125,6 @@ void Instrument::calibrate() {
     expectOpen();
     isCalibrated = true;
     calibratedLamp = lamp;
-    isPressSpent = false;
 }
 
 void Instrument::trigger() {
@@ -127,8 +134,9 @@ void Instrument::trigger() {
     moveOn();
     samples = found;
     ++measurements;
-    lamp *= 1 + script.light.drift;
-    isPressSpent = false;
+    light = script.light;
+    lamp = std::clamp(lamp * (1 + light.drift), dimmestLamp, brightestLamp);
+    gain = lamp / calibratedLamp;
 }
 
 /// Leaves the patches of the last measurement behind, if it was read.
@@ -140,7 +148,9 @@ void Instrument::moveOn() {
 
 std::int32_t Instrument::samplesToScan() const {
     if (script.samples.count) return *script.samples.count;
-    return parseCount(option("PatchesPerLine")).value_or(0) + script.samples.more;
+    const std::int64_t asked = parseCount(option("PatchesPerLine")).value_or(0);
+    constexpr std::int64_t most = std::numeric_limits<std::int32_t>::max();
+    return static_cast<std::int32_t>(std::min(asked + script.samples.more, most));
 }
 
 std::int32_t Instrument::numberOfSamples() const {
@@ -160,11 +170,11 @@ Reflectance Instrument::readSample(std::int32_t sample) {
                        "There is no sample " + std::to_string(sample) + " of " + std::to_string(samples));
     }
     wasRead = true;
-    std::seed_seq seed{static_cast<std::uint32_t>(script.light.seed), measurements, static_cast<std::uint32_t>(sample)};
+    std::seed_seq seed{static_cast<std::uint32_t>(light.seed), index, measurements, static_cast<std::uint32_t>(sample)};
     std::mt19937_64 engine(seed);
     Reflectance measured = surface(sample);
     for (double& factor : measured) {
-        factor = factor * lamp / calibratedLamp + script.light.noise * deviate(engine);
+        factor = factor * gain + light.noise * deviate(engine);
     }
     return measured;
 }

@@ -14,7 +14,9 @@ namespace simulator {
 /// times what the lamp has drifted by since the calibration, and some noise, the same whenever the same run is made.
 class Instrument {
 public:
-    Instrument(std::string number, const Script& common) : serial(std::move(number)), script(common) {}
+    /// @param place  which of the instruments this is: each has a noise of its own
+    Instrument(std::string number, std::uint32_t place, const Script& common)
+        : serial(std::move(number)), index(place), script(common) {}
 
     const std::string& serialNumber() const { return serial; }
 
@@ -23,6 +25,8 @@ public:
     void setOption(const std::string& key, const std::string& value);
     std::string option(const std::string& key) const;
     bool isButtonPressed();
+    /// Once the button was found pressed, it can be pressed again.
+    void releaseButton() { isPressSpent = false; }
     void calibrate();
     void trigger();
     /// Of the last measurement; a script may make it negative.
@@ -36,6 +40,7 @@ private:
     const Reflectance& surface(std::int32_t sample) const;
 
     std::string serial;
+    std::uint32_t index;
     const Script& script;
     bool isOpen = false;
     bool isCalibrated = false;
@@ -45,6 +50,9 @@ private:
     bool isPressSpent = false;
     double lamp = 1;
     double calibratedLamp = 1;
+    /// Of the last measurement.
+    double gain = 1;
+    Light light;
     std::uint32_t measurements = 0;
     std::size_t position = 0;
     std::int32_t samples = 0;

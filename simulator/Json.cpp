@@ -1,8 +1,10 @@
 #include "simulator/Json.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <fstream>
 #include <iterator>
+#include <system_error>
 
 namespace simulator {
 
@@ -34,6 +36,28 @@ private:
     const char** position;
 };
 
+/// Part of where a value stands in a text.
+std::string step(const std::string& name) {
+    return '/' + Parsed(name).dump();
+}
+
+/// A value in a message.
+std::string abridged(const Parsed& value) {
+    constexpr std::size_t most = 60;
+    const std::string text = value.dump(-1, ' ', true);
+    return text.size() > most ? text.substr(0, most) + " ..." : text;
+}
+
+/// What the parser says is wrong, without its own numbers; at its end it quotes what it read last.
+std::string reasonOf(const Parsed::exception& error) {
+    constexpr std::size_t most = 300;
+    std::string reason = error.what();
+    reason.erase(0, reason.find("] ") + 2);
+    const std::size_t column = reason.find(": ");
+    if (reason.starts_with("parse error at") && column != std::string::npos) reason.erase(0, column + 2);
+    return reason.substr(0, most);
+}
+
 std::string at(const std::string& fileName, std::size_t line, const std::string& what) {
     return fileName + ", line " + std::to_string(line) + ": " + what;
 }
@@ -58,7 +82,7 @@ public:
                 levels.back().name = std::to_string(levels.back().next++);
                 add(line);
             }
-            if (event != Event::value) levels.push_back({event == Event::array_start});
+            if (event != Event::value) open(event == Event::array_start, line);
         }
     }
 
@@ -71,13 +95,19 @@ private:
         std::size_t next = 0;
     };
 
+    void open(bool isArray, std::size_t line) {
+        constexpr std::size_t mostLevels = 20;
+        if (levels.size() == mostLevels) throw ScriptError(at(fileName, line, "too much stands within one another"));
+        levels.push_back({isArray});
+    }
+
     void add(std::size_t line) {
         std::string pointer;
         for (const Level& level : levels) {
-            pointer += '/' + level.name;
+            pointer += step(level.name);
         }
         if (!lines.emplace(pointer, line).second) {
-            throw ScriptError(at(fileName, line, '"' + levels.back().name + "\" stands here twice"));
+            throw ScriptError(at(fileName, line, abridged(levels.back().name) + " stands here twice"));
         }
     }
 
@@ -96,9 +126,14 @@ struct Value::Document { // NOLINT(bugprone-exception-escape): only memory may r
 };
 
 std::string readFile(const std::filesystem::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    if (!file) throw ScriptError(path.string() + ": the file can't be read");
-    return {std::istreambuf_iterator<char>(file), {}};
+    try {
+        std::ifstream file;
+        file.exceptions(std::ios::badbit | std::ios::failbit);
+        file.open(path, std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    } catch (const std::ios::failure&) { // a folder can be opened, too, but not be read
+        throw ScriptError(path.string() + ": the file can't be read: " + std::generic_category().message(errno));
+    }
 }
 
 Value Value::parse(const std::string& fileName, const std::string& text, std::size_t firstLine) {
@@ -120,8 +155,7 @@ Value Value::parse(const std::string& fileName, const std::string& text, std::si
         document->whole =
             Parsed::parse(Reader(begin, &reached), Reader(begin + text.size(), &reached), note, true, true);
     } catch (const Parsed::exception& error) {
-        const std::string what = error.what();
-        throw ScriptError(at(fileName, line(), "this is not JSON: " + what.substr(what.find(": ") + 2)));
+        throw ScriptError(at(fileName, line(), "this is not JSON: " + reasonOf(error)));
     }
     document->lines = lines.take();
     return {document, document->whole, ""};
@@ -131,27 +165,35 @@ const std::string& Value::fileName() const {
     return document->fileName;
 }
 
+std::string Value::quoted(const std::string& name) {
+    return abridged(name);
+}
+
+std::string Value::shown() const {
+    return abridged(*value);
+}
+
 void Value::fail(const std::string& what) const {
     const auto line = document->lines.find(pointer);
     throw ScriptError(at(document->fileName, line != document->lines.end() ? line->second : document->firstLine, what));
 }
 
 void Value::failUnknown(const std::string& name, const std::string& known) const {
-    fail("there is no \"" + name + "\" here; there may be " + known);
+    fail("there is no " + abridged(name) + " here; there may be " + known);
 }
 
 Value Value::below(const std::string& name, const Parsed& part) const {
-    return {document, part, pointer + '/' + name};
+    return {document, part, pointer + step(name)};
 }
 
 std::string Value::text() const {
-    if (!value->is_string()) fail(value->dump() + " is not a text");
+    if (!value->is_string()) fail(shown() + " is not a text");
     return value->get<std::string>();
 }
 
 double Value::number(double least, double most) const {
     if (!value->is_number() || value->get<double>() < least || value->get<double>() > most) {
-        fail(value->dump() + " is not a number from " + Parsed(least).dump() + " to " + Parsed(most).dump());
+        fail(shown() + " is not a number from " + Parsed(least).dump() + " to " + Parsed(most).dump());
     }
     return value->get<double>();
 }
@@ -159,18 +201,18 @@ double Value::number(double least, double most) const {
 std::int64_t Value::integer(std::int64_t least, std::int64_t most) const {
     const bool fits = value->is_number_integer() && value->get<double>() < 9e18;
     if (!fits || value->get<std::int64_t>() < least || value->get<std::int64_t>() > most) {
-        fail(value->dump() + " is not a whole number from " + std::to_string(least) + " to " + std::to_string(most));
+        fail(shown() + " is not a whole number from " + std::to_string(least) + " to " + std::to_string(most));
     }
     return value->get<std::int64_t>();
 }
 
 bool Value::truth() const {
-    if (!value->is_boolean()) fail(value->dump() + " is neither true nor false");
+    if (!value->is_boolean()) fail(shown() + " is neither true nor false");
     return value->get<bool>();
 }
 
 std::vector<Value> Value::elements() const {
-    if (!value->is_array()) fail(value->dump() + " is not a list in square brackets");
+    if (!value->is_array()) fail(shown() + " is not a list in square brackets");
     std::vector<Value> elements;
     for (const Parsed& element : *value) {
         elements.push_back(below(std::to_string(elements.size()), element));
@@ -179,7 +221,7 @@ std::vector<Value> Value::elements() const {
 }
 
 std::vector<std::pair<std::string, Value>> Value::members() const {
-    if (!value->is_object()) fail(value->dump() + " is not an object in curly brackets");
+    if (!value->is_object()) fail(shown() + " is not an object in curly brackets");
     std::vector<std::pair<std::string, Value>> members;
     for (const auto& [name, member] : value->items()) {
         members.emplace_back(name, below(name, member));

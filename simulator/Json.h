@@ -4,6 +4,7 @@
 
 #include "simulator/ScriptError.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
@@ -34,6 +35,9 @@ public:
     std::vector<Value> elements() const;
     std::vector<std::pair<std::string, Value>> members() const;
 
+    /// How a value or a name looks in a message: cut when it is long.
+    std::string shown() const;
+    static std::string quoted(const std::string& name);
     const nlohmann::ordered_json& json() const { return *value; }
     const std::string& fileName() const;
     [[noreturn]] void fail(const std::string& what) const;
@@ -62,13 +66,15 @@ struct Field {
 template <class Target>
 void readMembers(const Value& object, const std::vector<Field<Target>>& fields, Target& target) {
     for (const auto& [name, member] : object.members()) {
-        const Field<Target>* found = nullptr;
-        std::string names;
-        for (const Field<Target>& field : fields) {
-            if (field.name == name) found = &field;
-            names.append(names.empty() ? "\"" : ", \"").append(field.name).append("\"");
+        const auto found =
+            std::find_if(fields.begin(), fields.end(), [&](const Field<Target>& field) { return field.name == name; });
+        if (found == fields.end()) {
+            std::string known;
+            for (const Field<Target>& field : fields) {
+                known.append(known.empty() ? "\"" : ", \"").append(field.name).append("\"");
+            }
+            member.failUnknown(name, known);
         }
-        if (found == nullptr) member.failUnknown(name, names);
         found->read(member, target);
     }
 }

@@ -22,7 +22,8 @@ void expectComplete(const Request& request) {
 void Model::attach(const Script& script) {
     instruments.clear();
     for (const std::string& serial : script.instruments) {
-        instruments.push_back(std::make_unique<Instrument>(serial, script));
+        const auto index = static_cast<std::uint32_t>(instruments.size());
+        instruments.push_back(std::make_unique<Instrument>(serial, index, script));
     }
     isUnplugged = false;
 }
@@ -71,13 +72,34 @@ Reply Model::answer(const Request& request) {
     return {};
 }
 
+void Model::notice(const Request& request) {
+    switch (request.function) {
+    case Function::openDevice:
+    case Function::closeDevice:
+    case Function::calibrate:
+    case Function::triggerMeasurement:
+        if (Instrument* const instrument = find(request)) instrument->releaseButton();
+        break;
+    default:
+        break;
+    }
+}
+
+Instrument* Model::find(const Request& request) const {
+    if (!request.isComplete()) return nullptr;
+    const auto found =
+        std::find_if(instruments.begin(), instruments.end(),
+                     [name = request.text("device")](const auto& each) { return each->serialNumber() == name; });
+    return found != instruments.end() ? found->get() : nullptr;
+}
+
 Instrument& Model::instrumentOf(const Request& request) const {
-    const std::string name = request.text("device");
-    const auto found = std::find_if(instruments.begin(), instruments.end(),
-                                    [&](const auto& each) { return each->serialNumber() == name; });
-    if (found == instruments.end()) throw SdkError(ErrorCode::invalidDevice, "There is no such device");
-    if (isUnplugged) throw SdkError(ErrorCode::unplugged, "The device " + name + " was unplugged");
-    return **found;
+    Instrument* const instrument = find(request);
+    if (instrument == nullptr) throw SdkError(ErrorCode::invalidDevice, "There is no such device");
+    if (isUnplugged) {
+        throw SdkError(ErrorCode::unplugged, "The device " + instrument->serialNumber() + " was unplugged");
+    }
+    return *instrument;
 }
 
 Reply Model::listDevices() const {

@@ -18,9 +18,12 @@ public:
     /// Takes all instruments away.
     void unplug() { isUnplugged = true; }
 
+    /// Sees each call, also one that a fault answers: the person at the button presses it again for the next.
+    void notice(const Request& request);
     Reply answer(const Request& request) override;
 
 private:
+    Instrument* find(const Request& request) const;
     Instrument& instrumentOf(const Request& request) const;
     Reply listDevices() const;
     Reply globalOption(const Request& request) const;

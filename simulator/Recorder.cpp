@@ -24,8 +24,8 @@ constexpr const char* traceVariable = "I1PRO3_RECORDER_TRACE";
 class Target {
 public:
     explicit Target(const std::filesystem::path& file) : library(file) {
-        for (const Signature& signature : signatures()) {
-            void* const address = library.find(signature.name.c_str());
+        for (const Signature& signature : signatures) {
+            void* const address = library.find(signature.name);
             if (address == nullptr)
                 throw ScriptError(file.string() + " is no SDK library: it has no " + signature.name);
             addresses.push_back(address);
@@ -83,20 +83,23 @@ private:
     std::vector<void*> addresses;
 };
 
-/// What stood in a call's out-parameters before it was made, to see what it left in them.
+/// What stood in a call's out-parameters before it was made, to see what it left in them. Of a text's buffer no more is
+/// read than must be there: the size may say more than there is.
 class Before {
 public:
     explicit Before(const SdkCall& made)
         : call(made), size(made.size != nullptr ? *made.size : 0), count(made.count != nullptr ? *made.count : 0),
-          text(made.buffer, made.buffer != nullptr ? size : 0),
-          values(made.values, made.values + (made.values != nullptr ? valuesOf(made.function) : 0)) {}
+          hasBuffer(made.buffer != nullptr && size > 0), firstByte(hasBuffer ? *made.buffer : '\0') {
+        if (made.values != nullptr) values.assign(made.values, made.values + valuesOf(made.function));
+    }
 
     /// @param isSuccess  whether the function says that there are outputs; otherwise only what changed is one
+    /// @param nameOf     gives the name of a device that is handed out
     template <class NameOf>
     Outputs outputs(bool isSuccess, NameOf nameOf) const {
         Outputs left;
         if (call.size != nullptr && *call.size != size) left.size = *call.size;
-        if (!text.empty() && (isSuccess || std::memcmp(text.data(), call.buffer, size) != 0)) {
+        if (hasBuffer && (isSuccess || *call.buffer != firstByte)) {
             left.text.emplace(call.buffer, strnlen(call.buffer, size));
             left.isTerminated = left.text->size() < size;
         }
@@ -105,20 +108,25 @@ public:
             left.values.assign(call.values, call.values + values.size());
         }
         if (call.count != nullptr && (isSuccess || *call.count != count)) left.count = *call.count;
-        if (call.list != nullptr && call.count != nullptr && isSuccess) {
-            left.devices.emplace();
-            for (std::uint32_t i = 0; *call.list != nullptr && i < *call.count; ++i) {
-                left.devices->push_back(nameOf((*call.list)[i]));
-            }
-        }
+        if (call.list != nullptr && call.count != nullptr && isSuccess) left.devices = namesOf(nameOf);
         return left;
     }
 
 private:
+    template <class NameOf>
+    std::vector<std::string> namesOf(NameOf nameOf) const {
+        std::vector<std::string> names;
+        for (std::uint32_t i = 0; i < *call.count && *call.list != nullptr; ++i) {
+            names.push_back(nameOf((*call.list)[i]));
+        }
+        return names;
+    }
+
     const SdkCall& call;
     std::uint32_t size;
     std::uint32_t count;
-    std::string text;
+    bool hasBuffer;
+    char firstByte;
     std::vector<float> values;
 };
 
@@ -130,7 +138,7 @@ std::filesystem::path fileNamedBy(const char* variable, const char* whatItNames)
 
 /// A name without a folder is one beside the recorder.
 std::filesystem::path recordedLibrary() {
-    const std::filesystem::path file =
+    std::filesystem::path file =
         ownFile().parent_path() /
         fileNamedBy(libraryVariable, "the vendor's library that the recorder passes calls on to");
     std::error_code none;
@@ -142,10 +150,7 @@ std::filesystem::path recordedLibrary() {
 
 class Recorder {
 public:
-    static Recorder& instance() {
-        static Recorder recorder;
-        return recorder;
-    }
+    static Recorder& instance();
 
     std::int32_t perform(const SdkCall& call) { return failure ? fail(call) : record(call); }
     const char* description() const { return target ? target->description() : nullptr; }
@@ -165,14 +170,13 @@ private:
     }
 
     std::int32_t record(const SdkCall& call) {
-        const auto nameOf = [this](I1PRO3_DeviceHandle device) { return nameOfDevice(device); };
         const Before before(call);
         const auto work = [&] {
             const std::int32_t result = target->perform(call);
-            return Reply{result, before.outputs(result == 0, nameOf)};
+            return Reply{result, before.outputs(result == 0, [this](auto device) { return number(device); })};
         };
-        const Trace::Time begin = Trace::Clock::now();
-        return trace->record(requestOf(call, nameOf), begin, work).result;
+        const Trace::Time begin = std::chrono::steady_clock::now();
+        return trace->record(requestOf(call, [this](auto device) { return nameOf(device); }), begin, work).result;
     }
 
     std::int32_t fail(const SdkCall& call) {
@@ -182,11 +186,17 @@ private:
         return reply.result;
     }
 
-    /// Devices are numbered as they are met.
-    std::string nameOfDevice(I1PRO3_DeviceHandle device) {
+    /// Devices are numbered as they are first listed.
+    std::string number(I1PRO3_DeviceHandle device) {
         const std::lock_guard<std::mutex> lock(mutex);
         const std::size_t next = names.size() + 1;
         return names.try_emplace(device, fmt::format("device {}", next)).first->second;
+    }
+
+    std::string nameOf(I1PRO3_DeviceHandle device) {
+        const std::lock_guard<std::mutex> lock(mutex);
+        const auto found = names.find(device);
+        return found != names.end() ? found->second : "unknown";
     }
 
     std::optional<Target> target;
@@ -196,6 +206,19 @@ private:
     std::mutex mutex;
     std::map<I1PRO3_DeviceHandle, std::string> names;
 };
+
+Recorder* theRecorder = nullptr;
+std::once_flag isCreated;
+
+[[gnu::destructor]] void unload() {
+    delete theRecorder;
+}
+
+/// Not destroyed as static objects are: a host's own may call the library when they are destroyed, later than those.
+Recorder& Recorder::instance() {
+    std::call_once(isCreated, [] { theRecorder = new Recorder; });
+    return *theRecorder;
+}
 
 } // namespace
 

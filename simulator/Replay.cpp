@@ -23,13 +23,11 @@ Reply Replay::answer(const Request& request) {
     return call.reply;
 }
 
-/// A call that asks for the last error, too, is told of its departure: nobody might ask again.
 Reply Replay::depart(const Request& request, const std::string& recorded) {
     const std::string text = "Call " + std::to_string(next + 1) + " departs from the trace " + recording.fileName +
                              ": the host called " + textOf(signatureOf(request.function).name, request.arguments) +
                              ", the trace " + recorded;
     departure.emplace(ErrorCode::departure, text, lastError);
-    lastError.set(text, std::to_string(static_cast<std::int32_t>(ErrorCode::departure)));
     return departure->answer(request);
 }
 

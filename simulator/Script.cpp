@@ -14,13 +14,14 @@ constexpr std::int64_t longestTime = 3'600'000;
 constexpr std::int64_t leastInt32 = std::numeric_limits<std::int32_t>::min();
 constexpr std::int64_t mostInt32 = std::numeric_limits<std::int32_t>::max();
 
+/// @param place  the function's name, or what stands under it
 void expectFunction(const Value& place, const std::string& name) {
     std::string names;
-    for (const Signature& signature : signatures()) {
+    for (const Signature& signature : signatures) {
         if (signature.name == name) return;
         names.append(names.empty() ? "" : ", ").append(signature.name);
     }
-    place.fail('"' + name + "\" is no function of the SDK library; there are " + names);
+    place.fail(Value::quoted(name) + " is no function of the SDK library; there are " + names);
 }
 
 std::string readFunction(const Value& value) {
@@ -49,9 +50,9 @@ void readInstruments(const Value& value, Script& script) {
     std::vector<std::string> serials;
     for (const Value& element : value.elements()) {
         const std::string serial = element.text();
-        if (!serial.starts_with("SIM")) element.fail('"' + serial + "\" does not begin with SIM, for simulated");
+        if (!serial.starts_with("SIM")) element.fail(element.shown() + " does not begin with SIM, for simulated");
         if (std::find(serials.begin(), serials.end(), serial) != serials.end()) {
-            element.fail('"' + serial + "\" is the serial number of another instrument, too");
+            element.fail(element.shown() + " is the serial number of another instrument, too");
         }
         serials.push_back(serial);
     }
@@ -68,13 +69,13 @@ void readChart(const Value& value, Script& script) {
         value.fail("the chart " + path.string() + " is wrong: " + error.what());
     }
     if (script.chart.empty()) value.fail("the chart " + path.string() + " has no patches");
-    script.chartName = "chart " + path.filename().string();
+    script.subject = "with the chart " + path.filename().string();
 }
 
 void readPlace(const Value& value, Script& script) {
     const std::string place = value.text();
     if (place != "chart" && place != "white reference") {
-        value.fail('"' + place + R"(" is no place; there are "chart" and "white reference")");
+        value.fail(value.shown() + R"( is no place; there are "chart" and "white reference")");
     }
     script.isOnWhiteReference = place == "white reference";
 }
@@ -115,7 +116,7 @@ void readTimes(const Value& value, Answer& fault) {
     if (value.json() == "always") {
         fault.times = 0;
     } else if (value.json().is_string()) {
-        value.fail(value.json().dump() + " is neither a number nor \"always\"");
+        value.fail(value.shown() + " is neither a number nor \"always\"");
     } else {
         fault.times = readCount(value, 1);
     }
@@ -147,11 +148,34 @@ void readUnplug(const Value& value, Script& script) {
     script.unplug = unplug;
 }
 
+/// The function that a fault is for, when it names one.
+const Signature* signatureOf(const Answer& fault) {
+    for (const Signature& signature : signatures) {
+        if (signature.name == fault.function) return &signature;
+    }
+    return nullptr;
+}
+
+/// What would have no effect is a mistake.
+void expectEffect(const Value& place, const Answer& fault) {
+    if (place.members().empty()) place.fail("a fault without a key would answer any call");
+    if (fault.result == 0 && (fault.errorText || fault.errorNumber)) {
+        place.fail("a \"text\" or \"number\" tells of a \"result\" other than 0");
+    }
+    const Signature* const signature = signatureOf(fault);
+    if (signature == nullptr || takes(*signature, Parameter::buffer)) return;
+    if (fault.output) place.fail(fault.function + " hands out no text for \"output\" to replace");
+    if (fault.outputSize && !takes(*signature, Parameter::list)) {
+        place.fail(fault.function + " has no size or count for \"size\" to replace");
+    }
+}
+
 void readFaults(const Value& value, Script& script) {
     std::vector<Answer> faults;
     for (const Value& element : value.elements()) {
         Answer fault;
         readMembers(element, faultFields, fault);
+        expectEffect(element, fault);
         faults.push_back(std::move(fault));
     }
     script.faults = std::move(faults);
@@ -160,6 +184,7 @@ void readFaults(const Value& value, Script& script) {
 void readReplay(const Value& value, Script& script) {
     try {
         script.replay = readTrace(readPath(value));
+        script.subject = "that replays " + script.replay->fileName;
     } catch (const ScriptError& error) {
         value.fail(error.what());
     }
@@ -211,8 +236,7 @@ Script readScript(const std::filesystem::path& file) {
 }
 
 std::string descriptionOf(const Script& script) {
-    if (script.replay) return "simulated i1Pro 3 that replays " + script.replay->fileName;
-    return "simulated i1Pro 3 with the " + script.chartName;
+    return "simulated i1Pro 3 " + script.subject;
 }
 
 std::vector<std::string> scriptKeys() {

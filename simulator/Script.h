@@ -44,7 +44,8 @@ struct Unplug {
 struct Script {
     std::vector<std::string> instruments{"SIM1"};
     std::vector<Patch> chart = parseChart(colorCheckerCsv);
-    std::string chartName = "ColorChecker Classic chart";
+    /// What is simulated, to say it.
+    std::string subject = "with the ColorChecker Classic chart";
     bool isOnWhiteReference = false;
     Light light;
     Button button;

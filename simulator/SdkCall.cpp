@@ -28,28 +28,29 @@ void addAddress(Json& arguments, const char* name, const void* address) {
 
 } // namespace
 
-const std::vector<Signature>& signatures() {
-    static const std::vector<Signature> all{
-        {"I1PRO3_GetDevices", {list}},
-        {"I1PRO3_OpenDevice", {device}},
-        {"I1PRO3_CloseDevice", {device}},
-        {"I1PRO3_GetConnectionStatus", {device}},
-        {"I1PRO3_SetOption", {device, key, value}},
-        {"I1PRO3_GetOption", {device, key, buffer}},
-        {"I1PRO3_SetGlobalOption", {key, value}},
-        {"I1PRO3_GetGlobalOption", {key, buffer}},
-        {"I1PRO3_GetButtonStatusD", {device}},
-        {"I1PRO3_Calibrate", {device}},
-        {"I1PRO3_TriggerMeasurement", {device}},
-        {"I1PRO3_GetNumberOfAvailableSamples", {device}},
-        {"I1PRO3_GetTriStimulus", {device, tristimulus, sample}},
-        {"I1PRO3_GetSpectrum", {device, spectrum, sample}},
-    };
-    return all;
-}
+constexpr std::array<Signature, 14> signatures{{
+    {"I1PRO3_GetDevices", {list}},
+    {"I1PRO3_OpenDevice", {device}},
+    {"I1PRO3_CloseDevice", {device}},
+    {"I1PRO3_GetConnectionStatus", {device}},
+    {"I1PRO3_SetOption", {device, key, value}},
+    {"I1PRO3_GetOption", {device, key, buffer}},
+    {"I1PRO3_SetGlobalOption", {key, value}},
+    {"I1PRO3_GetGlobalOption", {key, buffer}},
+    {"I1PRO3_GetButtonStatusD", {device}},
+    {"I1PRO3_Calibrate", {device}},
+    {"I1PRO3_TriggerMeasurement", {device}},
+    {"I1PRO3_GetNumberOfAvailableSamples", {device}},
+    {"I1PRO3_GetTriStimulus", {device, tristimulus, sample}},
+    {"I1PRO3_GetSpectrum", {device, spectrum, sample}},
+}};
 
 const Signature& signatureOf(Function function) {
-    return signatures()[static_cast<std::size_t>(function)];
+    return signatures[static_cast<std::size_t>(function)];
+}
+
+bool takes(const Signature& signature, Parameter parameter) {
+    return std::find(signature.parameters.begin(), signature.parameters.end(), parameter) != signature.parameters.end();
 }
 
 std::size_t valuesOf(Function function) {
@@ -64,6 +65,12 @@ std::string Request::text(const char* argument) const {
     return {bytes.begin(), bytes.end()};
 }
 
+std::uint32_t Request::size() const {
+    const auto size = arguments.find("size");
+    const bool hasBuffer = !arguments.contains("buffer");
+    return hasBuffer && size != arguments.end() && size->is_number() ? size->get<std::uint32_t>() : 0;
+}
+
 bool Request::isComplete() const {
     return std::none_of(arguments.begin(), arguments.end(), [](const Json& argument) { return argument.is_null(); });
 }
@@ -73,6 +80,8 @@ Request requestOf(const SdkCall& call, const std::function<std::string(I1PRO3_De
     Json& arguments = request.arguments;
     for (const Parameter parameter : signatureOf(call.function).parameters) {
         switch (parameter) {
+        case none:
+            break;
         case device:
             addUnlessNull(arguments, "device", call.device, [&] { arguments["device"] = nameOf(call.device); });
             break;
@@ -104,7 +113,7 @@ Request requestOf(const SdkCall& call, const std::function<std::string(I1PRO3_De
 
 Json jsonOf(const std::string& text) {
     try {
-        const Json json(text);
+        Json json(text);
         static_cast<void>(json.dump()); // only UTF-8 can be written
         return json;
     } catch (const Json::type_error&) {

@@ -5,6 +5,7 @@
 
 #include "i1pro3/I1PRO3_SDK.h"
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -36,15 +37,15 @@ enum class Function : std::uint8_t {
 };
 
 /// What a function takes. A list stands for the list of devices and its count, a buffer for a text's buffer and size.
-enum class Parameter : std::uint8_t { device, key, value, sample, list, buffer, tristimulus, spectrum };
+enum class Parameter : std::uint8_t { none, device, key, value, sample, list, buffer, tristimulus, spectrum };
 
 struct Signature {
-    std::string name;
-    std::vector<Parameter> parameters;
+    const char* name;
+    std::array<Parameter, 3> parameters;
 };
 
 /// The functions' signatures, in the order of Function.
-const std::vector<Signature>& signatures();
+extern const std::array<Signature, 14> signatures;
 
 /// A call as it arrives. A function uses the members for its parameters.
 struct SdkCall {
@@ -61,6 +62,7 @@ struct SdkCall {
 };
 
 const Signature& signatureOf(Function function);
+bool takes(const Signature& signature, Parameter parameter);
 
 /// How many values a function hands out.
 std::size_t valuesOf(Function function);
@@ -68,6 +70,8 @@ std::size_t valuesOf(Function function);
 /// A call's arguments as values.
 struct Request {
     std::string text(const char* argument) const;
+    /// Of the buffer; 0 when there is none.
+    std::uint32_t size() const;
     /// Whether all addresses and texts are there.
     bool isComplete() const;
 

@@ -4,6 +4,7 @@
 #include "simulator/System.h"
 
 #include <algorithm>
+#include <mutex>
 #include <thread>
 #include <utility>
 
@@ -23,6 +24,13 @@ Call callOf(const Request& request) {
     return call;
 }
 
+Simulator* theSimulator = nullptr;
+std::once_flag isCreated;
+
+[[gnu::destructor]] void unload() {
+    delete theSimulator;
+}
+
 bool matches(const Answer& answer, const Call& call) {
     if (!answer.function.empty() && answer.function != call.function) return false;
     return answer.argument.empty() ||
@@ -33,9 +41,10 @@ Outputs outputsOf(const Answer& answer, const Request& request) {
     if (request.function == Function::getDevices && answer.outputSize) {
         return {.count = answer.outputSize, .devices = std::vector<std::string>()};
     }
-    Outputs outputs{.size = answer.outputSize};
-    if (answer.output) {
-        outputs.text = answer.output->substr(0, request.arguments.value("size", 0U));
+    Outputs outputs;
+    if (request.arguments.contains("size")) outputs.size = answer.outputSize;
+    if (answer.output && request.size() > 0) {
+        outputs.text = answer.output->substr(0, request.size());
         outputs.isTerminated = false;
     }
     return outputs;
@@ -43,9 +52,10 @@ Outputs outputsOf(const Answer& answer, const Request& request) {
 
 } // namespace
 
+/// Not destroyed as static objects are: a host's own may call the library when they are destroyed, later than those.
 Simulator& Simulator::instance() {
-    static Simulator simulator;
-    return simulator;
+    std::call_once(isCreated, [] { theSimulator = new Simulator; });
+    return *theSimulator;
 }
 
 void Simulator::reset() {
@@ -69,7 +79,7 @@ void Simulator::start() {
         Script first = file ? readScript(*file) : Script();
         if (!first.trace) first.trace = fileOfEnvironment("I1PRO3_TRACE");
         change(std::move(first));
-    } catch (const ScriptError& error) {
+    } catch (const std::exception& error) {
         description = std::string("simulated i1Pro 3, not set up: ") + error.what();
         substitute = std::make_unique<Failure>(ErrorCode::invalidSetup, error.what(), lastError);
     }
@@ -84,8 +94,8 @@ void Simulator::use(const std::string& text) {
 
 /// Puts a script in force. What happens once, like a fault, is taken out of it.
 void Simulator::change(Script next) {
+    if (next.trace) trace = std::make_unique<Trace>(*next.trace, descriptionOf(next), true);
     description = descriptionOf(next);
-    if (next.trace) trace = std::make_unique<Trace>(*next.trace, description, true);
     next.trace.reset();
     if (next.replay) substitute = std::make_unique<Replay>(*std::exchange(next.replay, std::nullopt), lastError);
     for (Answer& fault : std::exchange(next.faults, {})) {
@@ -128,7 +138,7 @@ const char* Simulator::describe() {
 }
 
 std::int32_t Simulator::perform(const SdkCall& call) {
-    const Trace::Time begin = Trace::Clock::now();
+    const auto begin = std::chrono::steady_clock::now();
     wait(call.function);
     const Lock lock(mutex);
     const Request request = requestOf(call, [&](I1PRO3_DeviceHandle device) { return devices.nameOf(device); });
@@ -152,6 +162,7 @@ Reply Simulator::answerTo(const Request& request) {
     const Call call = callOf(request);
     if (isWatched) recorded.push_back(call);
     countToUnplug(call.function);
+    model.notice(request);
     if (const Answer* const answer = findAnswer(call)) return give(*answer, request);
     return lastError.answerOf(substitute ? *substitute : model, request);
 }
@@ -162,18 +173,19 @@ void Simulator::countToUnplug(const std::string& function) {
 }
 
 const Answer* Simulator::findAnswer(const Call& call) {
+    const Answer* found = nullptr;
     for (PendingAnswer& pending : answers) {
-        if (!matches(pending.answer, call)) continue;
-        ++pending.seen;
         const Answer& answer = pending.answer;
-        if (pending.seen < answer.position) continue;
-        if (answer.times == 0 || pending.seen - answer.position < answer.times) return &answer;
+        if (!matches(answer, call)) continue;
+        ++pending.seen;
+        if (found != nullptr || pending.seen < answer.position) continue;
+        if (answer.times == 0 || pending.seen - answer.position < answer.times) found = &answer;
     }
-    return nullptr;
+    return found;
 }
 
 Reply Simulator::give(const Answer& answer, const Request& request) {
-    const std::string& function = signatureOf(request.function).name;
+    const std::string function = signatureOf(request.function).name;
     if (answer.throws) throw std::runtime_error("simulated exception of " + function);
     if (answer.result != 0) {
         lastError.keep(request, answer.errorText.value_or("Simulated failure of " + function),

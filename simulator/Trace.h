@@ -16,28 +16,29 @@ namespace simulator {
 /// A trace being written. After a failed write, of a full disk, the trace has ended; the calls go on.
 class Trace {
 public:
-    using Clock = std::chrono::system_clock;
-    using Time = Clock::time_point;
+    using Time = std::chrono::steady_clock::time_point;
 
     /// Creates the file. When there is one of this name already, it is kept, and the new one's name gets a number.
     /// @param library      what the calls are made to
     /// @param isSimulated  whether a simulation answers
-    /// @throws ScriptError  when the file can't be created
-    Trace(const std::filesystem::path& file, const std::string& library, bool isSimulated);
+    /// @throws ScriptError  when the file can't be created and written to
+    Trace(std::filesystem::path file, const std::string& library, bool isSimulated);
 
     /// Does what answers a call, and writes a line of it. What the work throws is written, too, and passed on.
     Reply record(const Request& request, Time begin, const std::function<Reply()>& work);
 
 private:
     struct Closer {
-        void operator()(std::FILE* open) const { std::fclose(open); }
+        void operator()(std::FILE* file) const { std::fclose(file); }
     };
 
     void writeCall(const Request& request, const Reply& reply, Time begin);
-    void write(const Json& line);
+    bool write(const Json& line);
 
     std::mutex mutex;
-    std::unique_ptr<std::FILE, Closer> file;
+    std::filesystem::path path;
+    std::unique_ptr<std::FILE, Closer> open;
+    std::uintmax_t written = 0;
     std::uint64_t calls = 0;
 };
 
@@ -55,6 +56,6 @@ struct Recording {
 };
 
 /// @throws ScriptError  with the file, the line and what is wrong
-Recording readTrace(const std::filesystem::path& file);
+Recording readTrace(const std::filesystem::path& path);
 
 } // namespace simulator

@@ -144,22 +144,23 @@ TEST_F(Connection, TakesErrorTextsAsTheyAre) {
         std::string message;
         std::string secondSize;
     };
-    const std::string function = "I1PRO3_GetGlobalOption";
+    const auto answer = [](const std::string& key, simulator::Answer given) {
+        given.function = "I1PRO3_GetGlobalOption";
+        given.argument = key;
+        return given;
+    };
     const std::string full(65'000, 'x');
     const std::vector<Case> cases{
-        {{.function = function, .output = "100%s%n\n"}, {.function = function, .output = "%d"}, "100%s%n\n", "65000"},
-        {{.function = function, .output = full + "y"}, {.function = function, .output = "42"}, full, "65000"},
-        {{.function = function, .output = "text", .outputSize = 3},
-         {.function = function, .output = "42"},
-         "text",
-         "3"},
-        {{.function = function, .result = 5}, {.function = function, .result = 5}, "", "65000"},
+        {{.output = "100%s%n\n"}, {.output = "%d"}, "100%s%n\n", "65000"},
+        {{.output = full + "y"}, {.output = "42"}, full, "65000"},
+        {{.output = "text", .outputSize = 3}, {.output = "42"}, "text", "3"},
+        {{.result = 5}, {.result = 5}, "", "65000"},
     };
     for (const Case& each : cases) {
         sdk.clearAnswers();
         sdk.answer({.function = "I1PRO3_GetDevices", .result = 9});
-        sdk.answer(each.text);
-        sdk.answer(each.number);
+        sdk.answer(answer("LastErrorText", each.text));
+        sdk.answer(answer("LastErrorNumber", each.number));
         takeCalls();
         listener.lines.clear();
         EXPECT_FALSE(module.open(handle, "USB"));

@@ -6,6 +6,7 @@
 #include "tests/support/Support.h"
 #include "tests/support/System.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 
 namespace {
@@ -41,10 +42,30 @@ TEST_F(Spm, MeasuresTheChartAndASpectrum) {
     for (const simulator::Patch& patch : simulator::parseChart(simulator::colorCheckerCsv)) {
         EXPECT_NE(text.find("\n" + patch.name + " "), std::string::npos) << patch.name;
     }
-    EXPECT_NE(text.find("white 9.5 (.05 D)           95.46    -0.49     1.03\n"), std::string::npos) << text;
-    EXPECT_NE(text.find("380 nm   4.79"), std::string::npos) << text;
+    EXPECT_NE(text.find("white 9.5 (.05 D)           95.45    -0.49     1.03\n"), std::string::npos) << text;
+    EXPECT_NE(text.find("380 nm   4.80"), std::string::npos) << text;
     EXPECT_EQ(text.find('\x1b'), std::string::npos) << "no colours where there is no terminal";
     EXPECT_EQ(errors(), "");
+}
+
+TEST_F(Spm, MeasuresAgainWhatWasRecorded) {
+    const std::filesystem::path module = folder / host::moduleFileName;
+    const std::filesystem::path script = folder / "script.json";
+    std::filesystem::copy_file(moduleFile, module);
+    std::filesystem::copy_file(host::programFolder() / "recorder" / host::sdkFileName, folder / host::sdkFileName);
+    writeFile(script, R"({"replay": "trace.jsonl"})");
+    const EnvironmentVariable library("I1PRO3_RECORDER_SDK", sdkFile.string());
+    const EnvironmentVariable trace("I1PRO3_RECORDER_TRACE", (folder / "trace.jsonl").string());
+    ASSERT_EQ(run({"measure", "--module", module.string()}), 0) << errors();
+    const Texts recorded = linesOf(output());
+    const EnvironmentVariable simulator("I1PRO3_SIMULATOR", script.string());
+    ASSERT_EQ(run({"measure"}), 0) << errors();
+    const Texts replayed = linesOf(output());
+    ASSERT_GT(recorded.size(), 24U);
+    EXPECT_TRUE(std::equal(recorded.begin() + 2, recorded.end(), replayed.begin() + 2, replayed.end()));
+    EXPECT_TRUE(replayed[1].ends_with(" a simulated i1Pro 3 that replays " + (folder / "trace.jsonl").string() + "."));
+    EXPECT_NE(run({"measure", "--patches", "5"}), 0);
+    EXPECT_NE(errors().find(" departs from the trace "), std::string::npos) << errors();
 }
 
 TEST_F(Spm, SaysWhatFailedAndWithWhat) {

@@ -22,8 +22,11 @@ TEST(Script, TellsWhatIsWrongAndWhatWouldBeRight) {
     const std::string shortChart = (folder / "short.csv").string();
     const std::string emptyChart = (folder / "empty.csv").string();
     const std::string noChart = (folder / "none.csv").string();
-    writeFile(shortChart, "name,380\npatch,0.5\n");
-    writeFile(emptyChart, "name,380\n");
+    const std::string header = linesOf(std::string(simulator::colorCheckerCsv)).front() + "\n";
+    writeFile(shortChart, header + "patch,0.5\n");
+    writeFile(emptyChart, header);
+    const std::string recording = "recording.jsonl";
+    std::filesystem::copy_file(sources / "examples/simulator" / recording, folder / recording);
     const std::string places = R"("function", "key", "call", "times", "result", "text", "number", "output", "size")";
     const std::vector<Case> cases{
         {"", "line 1: this is not JSON: "},
@@ -36,8 +39,9 @@ TEST(Script, TellsWhatIsWrongAndWhatWouldBeRight) {
         {"{\"instruments\": [1]}", "line 1: 1 is not a text"},
         {"{\"instruments\": [\"SIM1\",\n\"SIM1\"]}",
          "line 2: \"SIM1\" is the serial number of another instrument, too"},
-        {"{\"chart\": \"none.csv\"}", "line 1: " + noChart + ": the file can't be read"},
-        {"{\"chart\": \"short.csv\"}", "line 1: the chart " + shortChart + " is wrong: line 2: \"\" is not a number"},
+        {"{\"chart\": \"none.csv\"}", "line 1: " + noChart + ": the file can't be read: No such file "},
+        {"{\n\"chart\": \".\"}", "line 2: " + (folder / ".").string() + ": the file can't be read: "},
+        {"{\"chart\": \"short.csv\"}", "line 1: the chart " + shortChart + " is wrong: line 2: there are 2 fields, "},
         {"{\"chart\": \"empty.csv\"}", "line 1: the chart " + emptyChart + " has no patches"},
         {"{\"light\":\n{\"noise\":\n0.2}}", "line 2: 0.2 is not a number from 0.0 to 0.1"},
         {"{\"light\": {\"drift\": \"much\"}}", "line 1: \"much\" is not a number from -0.1 to 0.1"},
@@ -50,8 +54,21 @@ TEST(Script, TellsWhatIsWrongAndWhatWouldBeRight) {
         {"{\"latency\": {\"Calibrate\": 1}}",
          "line 1: \"Calibrate\" is no function of the SDK library; there are I1PRO3_"},
         {"{\"unplug\": {\"call\": 1}}", "line 1: \"function\" is missing: at which function's call to unplug"},
-        {"{\"faults\": [{},\n{\"reslt\": 1}]}", "line 2: there is no \"reslt\" here; there may be " + places},
+        {"{\"faults\": [{\"result\": 1},\n{\"reslt\": 1}]}",
+         "line 2: there is no \"reslt\" here; there may be " + places},
         {"{\"faults\": [{\"times\": \"often\"}]}", "line 1: \"often\" is neither a number nor \"always\""},
+        {"{\"faults\": [{}]}", "line 1: a fault without a key would answer any call"},
+        {"{\"faults\": [{\"text\": \"lamp\"}]}", "line 1: a \"text\" or \"number\" tells of a \"result\" other than 0"},
+        {"{\"faults\": [{\"function\": \"I1PRO3_GetDevices\", \"output\": \"\"}]}",
+         "line 1: I1PRO3_GetDevices hands out no text for \"output\" to replace"},
+        {"{\"faults\": [{\"function\": \"I1PRO3_Calibrate\", \"size\": 1}]}",
+         "line 1: I1PRO3_Calibrate has no size or count for \"size\" to replace"},
+        {"{\"replay\": \"" + recording + "\",\n\"faults\": []}",
+         "line 2: a replay answers as was recorded: beside it may only stand "},
+        {"{\"place\": \"" + std::string(500, 'x') + "\"}", "line 1: \"" + std::string(59, 'x') + " ... is no place"},
+        {"{\"light\":\n" + std::string(500, '[') + "}", "line 2: too much stands within one another"},
+        {"{\"light/noise\": 1, \"light\": {\"noise\": 0.1}}", "line 1: there is no \"light/noise\" here; "},
+        {"{\"light\": {\"noise\": 1e400}}", "line 1: this is not JSON: number overflow parsing '1e400'"},
         {"{\"faults\": [{\"result\": 2147483648}]}", "line 1: 2147483648 is not a whole number from -2147483648 to "},
     };
     for (const Case& each : cases) {

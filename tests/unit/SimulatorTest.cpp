@@ -3,6 +3,7 @@
 #include "simulator/Control.h"
 #include "tests/support/Support.h"
 
+#include <algorithm>
 #include <cmath>
 #include <gtest/gtest.h>
 #include <thread>
@@ -118,8 +119,9 @@ TEST_F(SimulatedSdk, MovesOnWhenAMeasurementWasRead) {
 }
 
 TEST_F(SimulatedSdk, NoiseIsSlightAndTheSameInEachRun) {
-    const auto measure = [&](int times) {
+    const auto measure = [&](int times, const std::string& script = "{}") {
         control.reset();
+        control.use(script);
         device = firstDevice();
         openAndCalibrate();
         for (int i = 0; i < times; ++i) {
@@ -144,6 +146,7 @@ TEST_F(SimulatedSdk, NoiseIsSlightAndTheSameInEachRun) {
     const auto count = static_cast<double>(first.size());
     EXPECT_NEAR(sum / count, 0, 0.00002);
     EXPECT_NEAR(std::sqrt(squares / count), 0.0001 * std::sqrt(2), 0.00001) << "of two measurements";
+    EXPECT_NE(measure(2, R"({"light": {"seed": 2}})"), second);
 }
 
 TEST_F(SimulatedSdk, TheLampDriftsUntilItIsCalibrated) {
@@ -170,7 +173,10 @@ TEST_F(SimulatedSdk, TheButtonIsPressedAsTheScriptSays) {
         openAndCalibrate();
         std::string seen;
         for (const char step : steps) {
-            if (step == 'm') I1PRO3_TriggerMeasurement(device);
+            if (step == 'f') control.answer({.function = "I1PRO3_TriggerMeasurement", .result = 1});
+            if (step == 'm' || step == 'f') I1PRO3_TriggerMeasurement(device);
+            if (step == 'c') I1PRO3_Calibrate(device);
+            if (step == 'o') I1PRO3_OpenDevice(device);
             if (step == 'w') std::this_thread::sleep_for(std::chrono::milliseconds(60));
             if (step == '?') seen += I1PRO3_GetButtonStatusD(device) == 1001 ? '-' : 'P';
         }
@@ -178,7 +184,12 @@ TEST_F(SimulatedSdk, TheButtonIsPressedAsTheScriptSays) {
     };
     EXPECT_EQ(presses("{}", "????????"), "---P---P");
     EXPECT_EQ(presses(R"({"button": {"polls": 0}})", "???"), "PPP");
-    EXPECT_EQ(presses(R"({"button": {"polls": 1, "once per measurement": true}})", "????m????"), "-P---P--");
+    const std::string once = R"({"button": {"polls": 1, "once per measurement": true}})";
+    EXPECT_EQ(presses(once, "????m????"), "-P---P--");
+    EXPECT_EQ(presses(once, "???c??"), "-P--P") << "calibrating is a measurement, too";
+    EXPECT_EQ(presses(once, "???o????"), "-P--P--") << "the button is another one for who opens again";
+    EXPECT_EQ(presses(once, "???f????"), "-P--P--") << "a measurement that failed, too";
+    EXPECT_EQ(presses(R"({"button": {"polls": 2}})", "??o????"), "----P-") << "looking begins anew";
     EXPECT_EQ(presses(R"({"button": {"polls": 0, "milliseconds": 50}})", "??w??"), "--P-");
     EXPECT_EQ(presses(R"({"button": {"never": true}})", "??????"), "------");
 }
@@ -193,6 +204,7 @@ TEST_F(SimulatedSdk, AScanFindsWhatTheScriptSays) {
     EXPECT_EQ(samples("{}"), 24);
     EXPECT_EQ(samples(R"({"samples": {"more": -4}})"), 20);
     EXPECT_EQ(samples(R"({"samples": {"more": 4}})"), 28);
+    EXPECT_EQ(samples(R"({"samples": {"more": 2147483647}})"), 2147483647);
     EXPECT_EQ(samples(R"({"samples": {"count": 0}})"), 0);
     EXPECT_EQ(samples(R"({"samples": {"count": -1}})"), -1);
     EXPECT_EQ(samples(R"({"samples": {}})"), 24);
@@ -222,7 +234,7 @@ TEST_F(SimulatedSdk, AWrongScriptOfTheEnvironmentIsTheOnlyAnswer) {
     uint32_t count = 7;
     control.reset();
     EXPECT_EQ(I1PRO3_GetDevices(&list, &count), 9);
-    EXPECT_EQ(global("LastErrorText"), file + ": the file can't be read");
+    EXPECT_EQ(global("LastErrorText"), file + ": the file can't be read: No such file or directory");
     writeFile(file, "{\n\"instruments\": [\"SIM7\",\n\"4711\"]}");
     control.reset();
     EXPECT_EQ(I1PRO3_GetDevices(&list, &count), 9);
@@ -244,4 +256,42 @@ TEST_F(SimulatedSdk, GivesScriptedAnswersByPosition) {
     EXPECT_EQ(global("LastErrorText"), "%s");
     EXPECT_EQ(global("LastErrorNumber"), "-5");
     EXPECT_EQ(I1PRO3_OpenDevice(device), 0);
+}
+
+TEST_F(SimulatedSdk, CountsACallForEachAnswer) {
+    control.use(R"({"faults": [{"function": "I1PRO3_OpenDevice", "call": 1, "result": -1},
+                               {"function": "I1PRO3_OpenDevice", "call": 2, "result": -2},
+                               {"function": "I1PRO3_OpenDevice", "call": 2, "result": -3, "times": "always"}]})");
+    std::vector<int> results(4);
+    std::generate(results.begin(), results.end(), [&] { return I1PRO3_OpenDevice(device); });
+    EXPECT_EQ(results, (std::vector<int>{-1, -2, -3, -3}));
+}
+
+TEST_F(SimulatedSdk, MeasuresAtTheTrigger) {
+    control.use(R"({"place": "white reference", "light": {"drift": 0.1}})");
+    openAndCalibrate();
+    std::array<float, 36> before{};
+    std::array<float, 36> after{};
+    EXPECT_EQ(I1PRO3_TriggerMeasurement(device), 0);
+    EXPECT_EQ(I1PRO3_GetSpectrum(device, before.data(), 0), 0);
+    EXPECT_EQ(I1PRO3_Calibrate(device), 0);
+    control.use(R"({"light": {"noise": 0.1}})");
+    EXPECT_EQ(I1PRO3_GetSpectrum(device, after.data(), 0), 0);
+    EXPECT_EQ(before, after);
+}
+
+TEST_F(SimulatedSdk, EachInstrumentHasItsOwnNoise) {
+    control.use(R"({"place": "white reference", "light": {"noise": 0.0001}, "instruments": ["SIM2", "SIM3"]})");
+    I1PRO3_DeviceHandle* list = nullptr;
+    uint32_t count = 0;
+    ASSERT_EQ(I1PRO3_GetDevices(&list, &count), 0);
+    ASSERT_EQ(count, 2U);
+    std::array<std::array<float, 36>, 2> spectra{};
+    for (std::size_t i = 0; i < 2; ++i) {
+        device = list[i];
+        openAndCalibrate();
+        EXPECT_EQ(I1PRO3_TriggerMeasurement(device), 0);
+        EXPECT_EQ(I1PRO3_GetSpectrum(device, spectra.at(i).data(), 0), 0);
+    }
+    EXPECT_NE(spectra[0], spectra[1]);
 }

@@ -13,6 +13,7 @@
 #include <functional>
 #include <gtest/gtest.h>
 #include <limits>
+#include <memory>
 #include <regex>
 
 namespace fs = std::filesystem;
@@ -70,6 +71,7 @@ void makeCalls(const Sdk& sdk) {
     I1PRO3_DeviceHandle const device = firstDevice(sdk);
     CALL(sdk, I1PRO3_GetDevices, nullptr, &size);
     CALL(sdk, I1PRO3_OpenDevice, nullptr);
+    CALL(sdk, I1PRO3_OpenDevice, &size);
     CALL(sdk, I1PRO3_OpenDevice, device);
     CALL(sdk, I1PRO3_GetOption, device, "SerialNumber", text.data(), &size);
     CALL(sdk, I1PRO3_GetOption, device, "SerialNumber", text.data(), &size);
@@ -88,17 +90,18 @@ const Lines tracedCalls{
     R"({"call":1,T,"function":"I1PRO3_GetDevices","arguments":{},"result":0,"outputs":{"count":1,"devices":["SIM1"]}})",
     R"({"call":2,T,"function":"I1PRO3_GetDevices","arguments":{"list":null},"result":6})",
     R"({"call":3,T,"function":"I1PRO3_OpenDevice","arguments":{"device":null},"result":1})",
-    R"({"call":4,T,"function":"I1PRO3_OpenDevice","arguments":{"device":"SIM1"},"result":0})",
-    R"({"call":5,T,"function":"I1PRO3_GetOption","arguments":{"device":"SIM1","key":"SerialNumber","size":4},"result":5,"outputs":{"size":5}})",
-    R"({"call":6,T,"function":"I1PRO3_GetOption","arguments":{"device":"SIM1","key":"SerialNumber","size":5},"result":0,"outputs":{"text":"SIM1"}})",
-    R"({"call":7,T,"function":"I1PRO3_GetOption","arguments":{"device":"SIM1","key":"AvailableIlluminationsKey","size":5},"result":-3,"outputs":{"size":9,"text":[85,86,228,255,48],"terminated":false}})",
-    R"({"call":8,T,"function":"I1PRO3_SetOption","arguments":{"device":"SIM1","key":[228],"value":null},"result":6})",
-    R"({"call":9,T,"function":"I1PRO3_SetOption","arguments":{"device":"SIM1","key":"MeasurementMode","value":"ReflectanceSpot"},"result":0})",
-    R"({"call":10,T,"function":"I1PRO3_Calibrate","arguments":{"device":"SIM1"},"result":0})",
-    R"({"call":11,T,"function":"I1PRO3_TriggerMeasurement","arguments":{"device":"SIM1"},"result":0})",
-    R"({"call":12,T,"function":"I1PRO3_GetTriStimulus","arguments":{"device":"SIM1","sample":0},"result":0,"outputs":{"values":[36.804367,13.894014,14.68289]}})",
-    R"({"call":13,T,"function":"I1PRO3_GetSpectrum","arguments":{"device":"SIM1","sample":1},"result":7})",
-    R"({"call":14,T,"function":"I1PRO3_CloseDevice","arguments":{"device":"SIM1"},"exception":"simulated exception of I1PRO3_CloseDevice"})",
+    R"({"call":4,T,"function":"I1PRO3_OpenDevice","arguments":{"device":"unknown"},"result":1})",
+    R"({"call":5,T,"function":"I1PRO3_OpenDevice","arguments":{"device":"SIM1"},"result":0})",
+    R"({"call":6,T,"function":"I1PRO3_GetOption","arguments":{"device":"SIM1","key":"SerialNumber","size":4},"result":5,"outputs":{"size":5}})",
+    R"({"call":7,T,"function":"I1PRO3_GetOption","arguments":{"device":"SIM1","key":"SerialNumber","size":5},"result":0,"outputs":{"text":"SIM1"}})",
+    R"({"call":8,T,"function":"I1PRO3_GetOption","arguments":{"device":"SIM1","key":"AvailableIlluminationsKey","size":5},"result":-3,"outputs":{"size":9,"text":[85,86,228,255,48],"terminated":false}})",
+    R"({"call":9,T,"function":"I1PRO3_SetOption","arguments":{"device":"SIM1","key":[228],"value":null},"result":6})",
+    R"({"call":10,T,"function":"I1PRO3_SetOption","arguments":{"device":"SIM1","key":"MeasurementMode","value":"ReflectanceSpot"},"result":0})",
+    R"({"call":11,T,"function":"I1PRO3_Calibrate","arguments":{"device":"SIM1"},"result":0})",
+    R"({"call":12,T,"function":"I1PRO3_TriggerMeasurement","arguments":{"device":"SIM1"},"result":0})",
+    R"({"call":13,T,"function":"I1PRO3_GetTriStimulus","arguments":{"device":"SIM1","sample":0},"result":0,"outputs":{"values":[36.804367,13.894014,14.68289]}})",
+    R"({"call":14,T,"function":"I1PRO3_GetSpectrum","arguments":{"device":"SIM1","sample":1},"result":7})",
+    R"({"call":15,T,"function":"I1PRO3_CloseDevice","arguments":{"device":"SIM1"},"exception":"simulated exception of I1PRO3_CloseDevice"})",
 };
 
 /// The lines of a trace, with T for the time and the microseconds.
@@ -159,9 +162,9 @@ protected:
 
 TEST_F(Traces, TellOfEachCallAsItIsMade) {
     trace(file);
-    const std::string heading =
+    const std::string first =
         R"({"trace":1,"simulated":true,"library":"simulated i1Pro 3 with the ColorChecker Classic chart",T})";
-    EXPECT_EQ(linesOfTrace(file), Lines{heading});
+    EXPECT_EQ(linesOfTrace(file), Lines{first});
     firstDevice(sdk);
     EXPECT_EQ(callsOfTrace(file), Lines{tracedCalls.front()});
     trace(folder / "all.jsonl");
@@ -204,8 +207,9 @@ TEST_F(Traces, ReplayWhatWasRecorded) {
 
 TEST_F(Traces, TellOfTheFirstCallThatDeparts) {
     const std::string before = "Call 2 departs from the trace " + file.string() + ": the host called ";
-    writeFile(file, heading + getDevices +
-                        R"({"function":"I1PRO3_SetOption","arguments":{"device":"SIM1","key":"K","value":"1"}})");
+    writeFile(file,
+              heading + getDevices +
+                  R"({"function":"I1PRO3_SetOption","arguments":{"device":"SIM1","key":"K","value":"1"},"result":0})");
     struct Case {
         std::function<std::int32_t(I1PRO3_DeviceHandle)> call;
         std::string made;
@@ -236,19 +240,20 @@ TEST_F(Traces, TellOfTheFirstCallThatDeparts) {
 TEST_F(Traces, KeepValuesThatAreNoNumbers) {
     const std::string call =
         R"({"function":"I1PRO3_GetTriStimulus","arguments":{"device":"SIM1","sample":0},"result":0,)"
-        R"("outputs":{"values":[null,0.1,-1e-45]}})";
+        R"("outputs":{"values":["nan",3.4028235e+38,-1e-45]}})";
     writeFile(file, heading + getDevices + call);
     replay(file);
     trace(folder / "again.jsonl");
     std::array<float, 3> lab{};
     EXPECT_EQ(CALL(sdk, I1PRO3_GetTriStimulus, firstDevice(sdk), lab.data(), 0), 0);
     EXPECT_TRUE(std::isnan(lab[0]));
-    EXPECT_EQ(lab[1], 0.1F);
+    EXPECT_EQ(lab[1], std::numeric_limits<float>::max());
     EXPECT_EQ(lab[2], -std::numeric_limits<float>::denorm_min());
-    EXPECT_NE(readFile(folder / "again.jsonl").find("\"values\":[null,0.1,-1e-45]"), std::string::npos);
+    EXPECT_NE(readFile(folder / "again.jsonl").find("\"values\":[\"nan\",3.4028235e+38,-1e-45]"), std::string::npos);
 }
 
 TEST_F(Traces, ThatAreWrongAreToldOf) {
+    const std::string neither = ", line 2: a call has either a \"result\" or an \"exception\"";
     struct Case {
         std::string text;
         std::string message;
@@ -260,13 +265,25 @@ TEST_F(Traces, ThatAreWrongAreToldOf) {
         {R"({"trace":"1"})", ", line 1: this is no trace: "},
         {heading + "\n", ", line 2: this is not JSON: "},
         {heading + getDevices + "{", ", line 3: this is not JSON: "},
-        {heading + R"({"function":"I1PRO3_Trigger"})",
+        {heading + R"({"function":"I1PRO3_Trigger","arguments":{},"result":0})",
          ", line 2: \"I1PRO3_Trigger\" is no function of the SDK library"},
-        {heading + R"({"function":"I1PRO3_GetSpectrum","outputs":{"values":[1,2,3]}})",
+        {heading + R"({"function":"I1PRO3_GetSpectrum","arguments":{},"result":0,"outputs":{"values":[1,2,3]}})",
          ", line 2: there are 3 values; I1PRO3_GetSpectrum has 36"},
         {heading + R"({"function":"I1PRO3_Calibrate","reslt":1})", ", line 2: there is no \"reslt\" here; "},
         {heading + R"({"function":"I1PRO3_GetOption","outputs":{"text":[256]}})",
          ", line 2: 256 is not a whole number "},
+        {heading + R"({"arguments":{},"result":0})", ", line 2: the \"function\" of the call is missing"},
+        {heading + R"({"function":"I1PRO3_Calibrate","result":0})",
+         ", line 2: the \"arguments\" of the call is missing"},
+        {heading + R"({"function":"I1PRO3_Calibrate","arguments":{}})", neither},
+        {heading + R"({"function":"I1PRO3_Calibrate","arguments":{},"result":0,"exception":"x"})", neither},
+        {heading + R"({"function":"I1PRO3_Calibrate","arguments":{},"result":0,"outputs":{"size":1}})",
+         ", line 2: I1PRO3_Calibrate does not hand out all of these \"outputs\""},
+        {heading +
+             R"({"function":"I1PRO3_GetDevices","arguments":{},"result":0,"outputs":{"count":5,"devices":["A"]}})",
+         ", line 2: \"count\" is not that of the \"devices\""},
+        {heading + R"({"function":"I1PRO3_GetSpectrum","outputs":{"values":["much"]}})",
+         ", line 2: \"much\" is neither a number nor "},
     };
     for (const Case& each : cases) {
         writeFile(file, each.text);
@@ -286,6 +303,29 @@ TEST_F(Traces, ThatAreWrongAreToldOf) {
         << sdk.lastErrorText();
 }
 
+TEST_F(Traces, HandOutWhatTheHostHasRoomFor) {
+    const std::string call =
+        R"({"function":"I1PRO3_GetOption","arguments":{"device":"SIM1","key":"K","size":4},"result":0,)"
+        R"("outputs":{"size":9,"text":"a longer text"}})";
+    writeFile(file, heading + getDevices + call);
+    replay(file);
+    std::array<char, 6> text{"-----"};
+    std::uint32_t size = 4;
+    EXPECT_EQ(CALL(sdk, I1PRO3_GetOption, firstDevice(sdk), "K", text.data(), &size), 0);
+    EXPECT_STREQ(text.data(), "a lo-");
+    EXPECT_EQ(size, 9U);
+}
+
+TEST_F(Traces, OfTheRecorderReadNoMoreThanThereIs) {
+    const EnvironmentVariable library("I1PRO3_RECORDER_SDK", simulatorFile.string());
+    const EnvironmentVariable trace("I1PRO3_RECORDER_TRACE", file.string());
+    const Sdk recorder(recorderFile);
+    const auto text = std::make_unique<std::array<char, 4>>();
+    std::uint32_t size = 1'000'000'000;
+    EXPECT_EQ(CALL(recorder, I1PRO3_GetGlobalOption, "LastErrorText", text->data(), &size), 0);
+    EXPECT_NE(readFile(file).find(R"("result":0,"outputs":{"text":""}})"), std::string::npos);
+}
+
 TEST_F(Traces, LeaveEarlierOnesAlone) {
     const EnvironmentVariable variable("I1PRO3_TRACE", file.string());
     for (int i = 0; i < 3; ++i) {
@@ -296,12 +336,13 @@ TEST_F(Traces, LeaveEarlierOnesAlone) {
     for (const char* const name : {"trace.jsonl", "trace.2.jsonl", "trace.3.jsonl"}) {
         EXPECT_EQ(callsOfTrace(folder / name), Lines{tracedCalls.front()}) << name;
     }
-    const EnvironmentVariable nowhere("I1PRO3_TRACE", (folder / "missing" / "trace.jsonl").string());
-    control.reset();
-    EXPECT_EQ(CALL(sdk, I1PRO3_OpenDevice, nullptr), 9);
-    EXPECT_TRUE(sdk.lastErrorText().starts_with("the trace " + (folder / "missing" / "trace.jsonl").string() +
-                                                " can't be created: "))
-        << sdk.lastErrorText();
+    for (const fs::path& nowhere : {folder / "missing" / "trace.jsonl", folder / "."}) {
+        const EnvironmentVariable other("I1PRO3_TRACE", nowhere.string());
+        control.reset();
+        EXPECT_EQ(CALL(sdk, I1PRO3_OpenDevice, nullptr), 9);
+        EXPECT_TRUE(sdk.lastErrorText().starts_with("the trace " + nowhere.string() + " can't be created: "))
+            << sdk.lastErrorText();
+    }
 }
 
 TEST_F(Traces, OfAMissingLibraryAreToldOf) {
