@@ -2,7 +2,7 @@
 
 // What answers calls, and how failures are told: the result is the error's number, and "LastErrorText" says the rest.
 
-#include "simulator/SdkCall.h"
+#include "simulator/Request.h"
 
 #include <map>
 #include <stdexcept>

@@ -66,8 +66,8 @@ struct Field {
 template <class Target>
 void readMembers(const Value& object, const std::vector<Field<Target>>& fields, Target& target) {
     for (const auto& [name, member] : object.members()) {
-        const auto found =
-            std::find_if(fields.begin(), fields.end(), [&](const Field<Target>& field) { return field.name == name; });
+        const auto found = std::find_if(fields.begin(), fields.end(),
+                                        [&wanted = name](const Field<Target>& field) { return field.name == wanted; });
         if (found == fields.end()) {
             std::string known;
             for (const Field<Target>& field : fields) {

@@ -3,7 +3,7 @@
 // Traces: JSON Lines files of the calls of a run, written as they are made, and read to be replayed. The first line
 // tells what was traced, each other line of one call.
 
-#include "simulator/SdkCall.h"
+#include "simulator/Request.h"
 
 #include <chrono>
 #include <cstdio>

@@ -11,7 +11,7 @@ public:
     Device(const Device&) = delete;
     Device& operator=(const Device&) = delete;
     ~Device() { SPM_destroy(handle); }
-    bool open() { return handle != nullptr && SPM_open(handle, "USB") != 0; }
+    bool open() { return handle != nullptr && SPM_open(handle, "USB"); }
 
 private:
     SPM_HANDLE handle = SPM_create();
