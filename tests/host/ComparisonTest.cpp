@@ -1,7 +1,44 @@
 #include "host/DeltaE.h"
+#include "host/HostError.h"
+#include "host/Reference.h"
+#include "tests/support/Support.h"
 
+#include <cmath>
+#include <fmt/format.h>
+#include <functional>
 #include <gtest/gtest.h>
-#include <vector>
+#include <limits>
+
+namespace {
+
+using Names = std::vector<std::string>;
+
+/// The message of the failure; empty when there is none.
+std::string failureOf(const std::function<void()>& action) {
+    try {
+        action();
+    } catch (const host::HostError& error) {
+        return error.what();
+    }
+    return {};
+}
+
+host::Reading reading(const std::string& name, const SPM_LAB& lab) {
+    return {name, lab, {}};
+}
+
+host::Run runOf(std::vector<host::Reading> readings) {
+    host::Run run;
+    run.readings = std::move(readings);
+    return run;
+}
+
+/// Greys around L* 50, where a difference of 1 in L* is one in CIEDE2000 as well, but for 0.1 %.
+SPM_LAB grey(float lightness) {
+    return {lightness, 0, 0};
+}
+
+} // namespace
 
 // Table 1 of Sharma, Wu and Dalal, Color Research and Application 30 (2005), 21-30.
 TEST(DeltaE, IsThatOfThePublishedPairs) {
@@ -52,4 +89,125 @@ TEST(DeltaE, IsThatOfThePublishedPairs) {
         EXPECT_NEAR(host::deltaE2000(each.reference, each.sample), each.deltaE, 1e-4)
             << "pair " << i + 1 << " reversed";
     }
+}
+
+TEST(Reference, IsReadAsSpreadsheetsWriteIt) {
+    const TempFolder folder;
+    writeFile(folder / "reference.csv", "\xEF\xBB\xBF\"name, place\",L*,a*,b*\r\n"
+                                        "white 9.5 (.05\"),95.45,-0.49,1e0\r\n"
+                                        "\r\n"
+                                        "\"red, \"\"signal\"\"\",\"40\",60.5,-.25\n"
+                                        "\"\",0,0,0");
+    const host::Reference reference = host::readReference(folder / "reference.csv");
+    std::string text;
+    for (const auto& [name, lab] : reference.patches) {
+        text += fmt::format("{}|{}|{}|{}\n", name, lab.L, lab.a, lab.b);
+    }
+    EXPECT_EQ(text, "|0|0|0\nred, \"signal\"|40|60.5|-0.25\nwhite 9.5 (.05\")|95.45|-0.49|1\n");
+}
+
+TEST(Reference, SaysWhatIsWrongAndWhere) {
+    struct Case {
+        std::string content;
+        std::string message;
+    };
+    const std::string header = "name,L*,a*,b*\n";
+    const std::vector<Case> cases{
+        {"", " has no patches; "},
+        {header + "\n", " has no patches; "},
+        {"name;L*;a*;b*\n", ", line 1: the number of fields is 1, but 4 belong there, separated by commas: "},
+        {"A1,1,2,3\n", ", line 1: a patch stands where the header name,L*,a*,b* belongs; "},
+        {header + "A1,1,2,3\n\nA2,1,2\n", ", line 4: the number of fields is 3, "},
+        {header + "A1,1,2,3,\n", ", line 2: the number of fields is 5, "},
+        {header + "A1,1,2,\n", ", line 2: \"\" is not a number from -500 to 500; "},
+        {header + "A1,1,\"2,5\",3\n", ", line 2: \"2,5\" is not a number "},
+        {header + "A1,1,2,500.1\n", ", line 2: \"500.1\" is not a number "},
+        {header + "A1,-501,2,3\n", ", line 2: \"-501\" is not a number "},
+        {header + "A1,nan,2,3\n", ", line 2: \"nan\" is not a number "},
+        {header + "A1,1,2,3\n\"A1\",1,2,3\n", ", line 3: \"A1\" is the name of an earlier patch, too; "},
+        {header + "\"A1,1,2,3\n", ", line 2: a quote is not closed; "},
+        {header + "\"A1\" red,1,2,3\n", ", line 2: text follows a closing quote; "},
+    };
+    const TempFolder folder;
+    const std::filesystem::path file = folder / "reference.csv";
+    const auto read = [&] { host::readReference(file); };
+    EXPECT_TRUE(failureOf(read).starts_with("can't read the reference file " + file.string() + "; "));
+    for (const Case& each : cases) {
+        writeFile(file, each.content);
+        const std::string message = failureOf(read);
+        EXPECT_TRUE(message.starts_with("the reference file " + file.string() + each.message))
+            << message << " where expected was " << each.message;
+    }
+    std::filesystem::remove(file);
+    std::filesystem::create_directory(file);
+    EXPECT_TRUE(failureOf(read).starts_with("can't read the reference file ")) << "a folder is no file";
+}
+
+TEST(Comparison, MatchesByNameAndSumsUp) {
+    // A2's reading has no CIELab values. By hand: SL is 1 + 0.015 * 1 / sqrt(21) = 1.003273 for two greys of L* 50 and
+    // 52, so the difference is 2 / SL = 1.993475; for 50 and 54 it is 4 / (1 + 0.06 / sqrt(24)) = 3.951603.
+    const host::Reference reference{"chart.csv",
+                                    {{"A1", grey(50)}, {"A2", grey(50)}, {"A3", grey(50)}, {"A4", grey(50)}}};
+    const host::Run run = runOf({reading("B1", grey(50)),
+                                 reading("A4", grey(50)),
+                                 reading("A1", grey(52)),
+                                 reading("A3", grey(54)),
+                                 {"A2", std::nullopt, {{380, 5.0F}}}});
+    const host::Comparison comparison = host::compare(run, reference);
+    EXPECT_NEAR(comparison.mean, (1.993475 + 3.951603) / 3, 1e-6);
+    EXPECT_NEAR(comparison.maximum, 3.951603, 1e-6);
+    EXPECT_EQ(comparison.notInReference, Names{"B1"});
+    EXPECT_EQ(comparison.notMeasured, Names{"A2"});
+    EXPECT_EQ(host::formatComparison(comparison),
+              "Compared with chart.csv\n"
+              "                         CIEDE2000      dL*      da*      db*   (D65, 10 degree)\n"
+              "A3                            3.95    +4.00    +0.00    +0.00\n"
+              "A1                            1.99    +2.00    +0.00    +0.00\n"
+              "A4                            0.00    +0.00    +0.00    +0.00\n"
+              "\n"
+              "mean                          1.98\n"
+              "95th percentile               3.95   (nearest rank)\n"
+              "maximum                       3.95\n"
+              "Not compared, because not in the reference: \"B1\"\n"
+              "Not compared, because not measured: \"A2\"\n");
+    const host::Comparison whole = host::compare(runOf({reading("A1", grey(50))}), {"chart.csv", {{"A1", grey(50)}}});
+    EXPECT_TRUE(host::formatComparison(whole).ends_with("   (nearest rank)\nmaximum                       0.00\n"));
+}
+
+TEST(Comparison, TakesThe95thPercentileByNearestRank) {
+    struct Case {
+        int count;
+        std::size_t fromTheWorst;
+    };
+    const host::Reference reference{"chart.csv", {{"A1", grey(50)}}};
+    for (const Case& each : {Case{1, 0}, Case{19, 0}, Case{20, 1}, Case{21, 1}, Case{39, 1}, Case{40, 2}}) {
+        std::vector<host::Reading> readings;
+        for (int i = 0; i < each.count; ++i) {
+            readings.push_back(reading("A1", grey(50 + static_cast<float>(i))));
+        }
+        const host::Comparison comparison = host::compare(runOf(readings), reference);
+        EXPECT_EQ(comparison.percentile95, comparison.patches[each.fromTheWorst].deltaE) << each.count;
+    }
+}
+
+TEST(Comparison, PutsWhatIsNoNumberFirst) {
+    const host::Reference reference{"chart.csv", {{"A1", grey(50)}, {"A2", grey(50)}, {"A3", grey(50)}}};
+    const host::Run run = runOf({reading("A1", grey(52)), reading("A2", grey(-std::numeric_limits<float>::quiet_NaN())),
+                                 reading("A3", grey(54))});
+    const host::Comparison comparison = host::compare(run, reference);
+    EXPECT_EQ(comparison.patches[0].name, "A2");
+    EXPECT_EQ(comparison.patches[1].name, "A3");
+    EXPECT_TRUE(std::isnan(comparison.maximum));
+}
+
+TEST(Comparison, NeedsAPatchOnBothSides) {
+    const host::Reference reference{"chart.csv", {{"A1", grey(50)}}};
+    EXPECT_EQ(failureOf([&] {
+                  host::compare(runOf({{"A1", std::nullopt, {{380, 5.0F}}}}), reference);
+              }),
+              "no CIELab values were measured to compare with the reference file chart.csv; measure the chart's rows");
+    EXPECT_EQ(
+        failureOf([&] { host::compare(runOf({reading("patch 1", grey(50))}), reference); }),
+        "no patch has the name of one in the reference file chart.csv: measured was \"patch 1\", the reference has "
+        "\"A1\"; name the patches as the reference does");
 }

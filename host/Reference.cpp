@@ -1,0 +1,209 @@
+#include "host/Reference.h"
+
+#include "host/DeltaE.h"
+#include "host/HostError.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <compare>
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+#include <fstream>
+#include <iterator>
+#include <numeric>
+#include <optional>
+#include <set>
+#include <string_view>
+
+namespace host {
+
+namespace {
+
+using Fields = std::vector<std::string>;
+
+/// An L*, a* or b*. The limits are far beyond all surfaces, and keep the arithmetic from overflowing.
+std::optional<float> numberIn(std::string_view text) {
+    float value = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    const bool isNumber = error == std::errc{} && end == text.data() + text.size();
+    return isNumber && std::abs(value) <= 500 ? std::optional(value) : std::nullopt;
+}
+
+class Reader {
+public:
+    explicit Reader(const std::filesystem::path& path) : stream(path, std::ios::binary), reference{path, {}} {}
+
+    Reference read() {
+        readHeader();
+        while (next()) {
+            readPatch();
+        }
+        if (!stream.eof()) {
+            throw HostError(fmt::format("can't read {}; name a CSV file with the header name,L*,a*,b*", description()));
+        }
+        if (reference.patches.empty()) {
+            throw HostError(fmt::format(
+                "{} has no patches; give each a line below the header, such as white,95.5,-0.5,1", description()));
+        }
+        return std::move(reference);
+    }
+
+private:
+    std::string description() const { return fmt::format("the reference file {}", reference.file.string()); }
+
+    [[noreturn]] void fail(std::string_view what) const {
+        throw HostError(fmt::format("{}, line {}: {}", description(), number, what));
+    }
+
+    /// Goes to the next line that is not empty; false at the end.
+    bool next() {
+        do {
+            if (!std::getline(stream, line)) return false;
+            ++number;
+            if (line.ends_with('\r')) line.pop_back();
+        } while (line.empty());
+        return true;
+    }
+
+    void readHeader() {
+        constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+        if (!next()) return;
+        if (line.starts_with(byteOrderMark)) line.erase(0, byteOrderMark.size());
+        // Without a header the first patch would be lost.
+        if (numberIn(fields()[1])) fail("a patch stands where the header name,L*,a*,b* belongs; put that above it");
+    }
+
+    void readPatch() {
+        const Fields patch = fields();
+        const SPM_LAB lab{value(patch[1]), value(patch[2]), value(patch[3])};
+        if (!reference.patches.emplace(patch[0], lab).second) {
+            fail(fmt::format("\"{}\" is the name of an earlier patch, too; give each a name of its own", patch[0]));
+        }
+    }
+
+    float value(const std::string& text) const {
+        const std::optional<float> found = numberIn(text);
+        if (!found) fail(fmt::format("\"{}\" is not a number from -500 to 500; write it as in -12.34", text));
+        return *found;
+    }
+
+    Fields fields() const {
+        std::string_view rest = line;
+        Fields taken{takeField(rest)};
+        while (rest.starts_with(',')) {
+            rest.remove_prefix(1);
+            taken.push_back(takeField(rest));
+        }
+        if (!rest.empty()) fail("text follows a closing quote; write a quote in a name as \"\"");
+        if (taken.size() != 4) {
+            fail(
+                fmt::format("the number of fields is {}, but 4 belong there, separated by commas: name,L*,a*,b*; put a "
+                            "name that has commas in double quotes",
+                            taken.size()));
+        }
+        return taken;
+    }
+
+    std::string takeField(std::string_view& rest) const {
+        if (rest.starts_with('"')) return takeQuoted(rest);
+        const std::size_t end = std::min(rest.find(','), rest.size());
+        const std::string_view taken = rest.substr(0, end);
+        rest.remove_prefix(end);
+        return std::string(taken);
+    }
+
+    /// Begins at the opening quote, and at the second of two quotes again.
+    std::string takeQuoted(std::string_view& rest) const {
+        std::string taken;
+        do {
+            rest.remove_prefix(1);
+            const std::size_t end = rest.find('"');
+            if (end == std::string_view::npos) fail("a quote is not closed; end the field with another one");
+            taken += rest.substr(0, end);
+            rest.remove_prefix(end + 1);
+            if (rest.starts_with('"')) taken += '"';
+        } while (rest.starts_with('"'));
+        return taken;
+    }
+
+    std::ifstream stream;
+    Reference reference;
+    std::string line;
+    int number = 0;
+};
+
+/// Completes a comparison that has its patches.
+void summarise(Comparison& comparison) {
+    std::vector<PatchDifference>& patches = comparison.patches;
+    // What an instrument gives may be no number, with either sign; this order has a place for it: first.
+    const auto isWorse = [](double left, double right) {
+        return std::is_gt(std::strong_order(std::abs(left), std::abs(right)));
+    };
+    std::ranges::stable_sort(patches, isWorse, &PatchDifference::deltaE);
+    const std::size_t count = patches.size();
+    const auto add = [](double sum, const PatchDifference& patch) { return sum + patch.deltaE; };
+    comparison.mean = std::accumulate(patches.begin(), patches.end(), 0.0, add) / static_cast<double>(count);
+    const std::size_t rank = (95 * count + 99) / 100; // from 1 for the best
+    comparison.percentile95 = patches[count - rank].deltaE;
+    comparison.maximum = patches.front().deltaE;
+}
+
+void append(std::string& text, std::string_view what, const std::vector<std::string>& names) {
+    if (!names.empty()) text += fmt::format("{}: \"{}\"\n", what, fmt::join(names, "\", \""));
+}
+
+} // namespace
+
+Reference readReference(const std::filesystem::path& file) {
+    return Reader(file).read();
+}
+
+Comparison compare(const Run& run, const Reference& reference) {
+    Comparison comparison{reference.file, {}, 0, 0, 0, {}, {}};
+    std::set<std::string_view> measured;
+    for (const Reading& reading : run.readings) {
+        if (!reading.lab) continue;
+        measured.insert(reading.name);
+        const auto expected = reference.patches.find(reading.name);
+        if (expected == reference.patches.end()) {
+            comparison.notInReference.push_back(reading.name);
+        } else {
+            const double deltaE = deltaE2000(*reading.lab, expected->second);
+            comparison.patches.push_back({reading.name, *reading.lab, expected->second, deltaE});
+        }
+    }
+    for (const auto& [name, lab] : reference.patches) {
+        if (!measured.contains(name)) comparison.notMeasured.push_back(name);
+    }
+    if (measured.empty()) {
+        throw HostError(fmt::format("no CIELab values were measured to compare with the reference file {}; measure the "
+                                    "chart's rows",
+                                    reference.file.string()));
+    }
+    if (comparison.patches.empty()) {
+        throw HostError(fmt::format("no patch has the name of one in the reference file {}: measured was \"{}\", the "
+                                    "reference has \"{}\"; name the patches as the reference does",
+                                    reference.file.string(), comparison.notInReference.front(),
+                                    comparison.notMeasured.front()));
+    }
+    summarise(comparison);
+    return comparison;
+}
+
+std::string formatComparison(const Comparison& comparison) {
+    std::string text = fmt::format("Compared with {}\n{:<24} {:>9} {:>8} {:>8} {:>8}   (D65, 10 degree)\n",
+                                   comparison.file.string(), "", "CIEDE2000", "dL*", "da*", "db*");
+    for (const PatchDifference& patch : comparison.patches) {
+        text += fmt::format("{:<24} {:9.2f} {:+8.2f} {:+8.2f} {:+8.2f}\n", patch.name, patch.deltaE,
+                            patch.measured.L - patch.expected.L, patch.measured.a - patch.expected.a,
+                            patch.measured.b - patch.expected.b);
+    }
+    text += fmt::format("\n{:<24} {:9.2f}\n{:<24} {:9.2f}   (nearest rank)\n{:<24} {:9.2f}\n", "mean", comparison.mean,
+                        "95th percentile", comparison.percentile95, "maximum", comparison.maximum);
+    append(text, "Not compared, because not in the reference", comparison.notInReference);
+    append(text, "Not compared, because not measured", comparison.notMeasured);
+    return text;
+}
+
+} // namespace host
