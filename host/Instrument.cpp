@@ -50,11 +50,16 @@ std::vector<SPM_LAB> Instrument::read(std::int32_t patches, const Wait& wait) {
     return values;
 }
 
-Instrument::Spectrum Instrument::readSpectrum(const Wait& wait) {
-    Spectrum reflections(static_cast<std::size_t>(module.getNumberOfReflections(handle)));
-    SPM_SPECTRUM spectrum{static_cast<std::int32_t>(reflections.size()), reflections.data()};
-    poll([&](std::int32_t* count) { return module.readSpectrum(handle, &spectrum, count); }, 1, wait);
-    return reflections;
+std::vector<Instrument::Spectrum> Instrument::readSpectra(std::int32_t patches, const Wait& wait) {
+    const auto points = static_cast<std::size_t>(module.getNumberOfReflections(handle));
+    std::vector<Spectrum> spectra(static_cast<std::size_t>(patches), Spectrum(points));
+    std::vector<SPM_SPECTRUM> records;
+    for (Spectrum& spectrum : spectra) {
+        records.push_back({static_cast<std::int32_t>(points), spectrum.data()});
+    }
+    const auto read = [&](std::int32_t* count) { return module.readSpectrum(handle, records.data(), count); };
+    spectra.resize(static_cast<std::size_t>(poll(read, patches, wait)));
+    return spectra;
 }
 
 std::int32_t Instrument::poll(const std::function<bool(std::int32_t*)>& read, std::int32_t patches, const Wait& wait) {

@@ -40,8 +40,10 @@ public:
     /// @throws HostError  when measuring fails
     std::vector<SPM_LAB> read(std::int32_t patches, const Wait& wait);
 
+    /// Measures the spectra of a row of patches (two or more) or of a spot (one).
+    /// @return as many as patches were found, like read
     /// @throws HostError  when measuring fails
-    Spectrum readSpectrum(const Wait& wait);
+    std::vector<Spectrum> readSpectra(std::int32_t patches, const Wait& wait);
 
 private:
     /// Calls one of the module's reads until something was measured.

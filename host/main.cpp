@@ -5,26 +5,85 @@
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <cstdlib>
+#include <map>
 
 namespace {
 
+constexpr int failed = EXIT_FAILURE;
+constexpr int wrongUse = 2;
+constexpr int incomplete = 3;
+
+constexpr const char* measureHelp = R"(
+Calibrates the instrument on its white reference, then measures a chart row by row, or spots one after another. What to
+do, and what goes wrong, is told on standard error; standard output has the values alone.
+
+With an output file, each row is in the file as soon as it was read. When a row fails, it can be measured again or
+skipped. Ctrl-C closes the instrument and keeps what was read.)";
+
+constexpr const char* measureFooter = R"(
+Exit status:
+  0  all was measured
+  1  something failed; what was read before is written all the same
+  2  the command line is wrong
+  3  rows were skipped, or the measuring was ended with Ctrl-C
+
+Examples:
+  spm measure --rows 4 --patches 6 --chart chart.csv
+  spm measure --lab --spectra --output chart.cgats --report chart.html
+  spm measure --spots 3 --names paper,black,red --format json
+  spm measure --chart chart.csv --reference expected.csv)";
+
+const std::map<std::string, host::Format> formats{{"table", host::Format::table},
+                                                  {"csv", host::Format::csv},
+                                                  {"json", host::Format::json},
+                                                  {"cgats", host::Format::cgats}};
+
+void addMeasure(CLI::App& app, host::MeasureOptions& options) {
+    CLI::App* const measure = app.add_subcommand("measure", "measure a chart or spots");
+    measure->description(measureHelp);
+    measure->footer(measureFooter);
+    const auto file = [&](const char* name, std::filesystem::path& path, const char* text) {
+        return measure->add_option(name, path, text)->type_name("FILE");
+    };
+    file("--module", options.module, "module to load (default: the one beside this program)");
+    auto* const rows = measure->add_option("--rows", options.rows, "rows of the chart");
+    auto* const patches = measure->add_option("--patches", options.patches, "patches in a row");
+    rows->check(CLI::Range(1, 1000))->capture_default_str();
+    patches->check(CLI::Range(2, 1000))->capture_default_str();
+    measure->add_option("--spots", options.spots, "measure so many spots in place of rows")
+        ->check(CLI::Range(1, 100'000))
+        ->excludes(rows)
+        ->excludes(patches);
+    auto* const chart = file("--chart", options.chart, "CSV file whose lines begin with the patches' names");
+    measure->add_option("--names", options.names, "the patches' names, separated by commas")
+        ->type_name("NAMES")
+        ->delimiter(',')
+        ->excludes(chart);
+    measure->add_flag("--lab", options.lab, "measure CIELab for D65 and 10 degree (the default)");
+    measure->add_flag("--spectra", options.spectra, "measure spectra; with --lab both, in two passes");
+    measure
+        ->add_option_function<std::string>(
+            "--format", [&options](const std::string& name) { options.format = formats.at(name); },
+            "how to write the values (default: as the output file's name ends, otherwise a table)")
+        ->type_name("NAME")
+        ->check(CLI::IsMember(&formats));
+    file("--output", options.output, "file to write the values to, in place of standard output");
+    file("--report", options.report, "HTML page to make of the run");
+    file("--reference", options.reference, "CSV file of expected values (name, L*, a*, b*) to compare with");
+}
+
 int run(int argc, char** argv) {
-    CLI::App app{"spm - measures colour through the spectrophotometer module"};
+    CLI::App app{"spm - measures colour through the spectrophotometer module", "spm"};
     app.require_subcommand(1);
-
     host::MeasureOptions options;
-    CLI::App* const measure = app.add_subcommand("measure", "calibrate, measure a chart row by row and one spectrum");
-    measure->add_option("--module", options.module, "module to load (default: the one beside this program)");
-    measure->add_option("--chart", options.chart, "CSV file whose lines begin with the patches' names");
-    measure->add_option("--rows", options.rows, "rows of the chart")->check(CLI::Range(1, 1000))->capture_default_str();
-    measure->add_option("--patches", options.patches, "patches in a row")
-        ->check(CLI::Range(2, 1000))
-        ->capture_default_str();
-    CLI11_PARSE(app, argc, argv);
-
+    addMeasure(app, options);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        return app.exit(error) == 0 ? EXIT_SUCCESS : wrongUse;
+    }
     if (options.module.empty()) options.module = host::programFolder() / host::moduleFileName;
-    host::measure(options);
-    return EXIT_SUCCESS;
+    return host::measure(options) == host::Outcome::complete ? EXIT_SUCCESS : incomplete;
 }
 
 } // namespace
@@ -35,6 +94,6 @@ int main(int argc, char** argv) {
     } catch (const std::exception& error) {
         std::fflush(stdout);
         std::fprintf(stderr, "spm: %s\n", error.what());
-        return EXIT_FAILURE;
+        return failed;
     }
 }

@@ -31,21 +31,72 @@ protected:
 
 } // namespace
 
-TEST_F(Spm, MeasuresTheChartAndASpectrum) {
+TEST_F(Spm, MeasuresTheChartInTwoPasses) {
     const EnvironmentVariable colours("COLORTERM", "truecolor");
     const std::filesystem::path chart = folder / "chart.csv";
     writeFile(chart, std::string(simulator::colorCheckerCsv));
-    ASSERT_EQ(run({"measure", "--chart", chart.string()}), 0) << errors();
-    const std::string text = output();
-    EXPECT_NE(text.find("SIMULATED"), std::string::npos);
-    EXPECT_NE(text.find(moduleFile.string()), std::string::npos);
-    for (const simulator::Patch& patch : simulator::parseChart(simulator::colorCheckerCsv)) {
-        EXPECT_NE(text.find("\n" + patch.name + " "), std::string::npos) << patch.name;
+    ASSERT_EQ(run({"measure", "--chart", chart.string(), "--lab", "--spectra"}), 0) << errors();
+    const Texts lines = linesOf(output());
+    const auto has = [&](const std::string& line) { return std::count(lines.begin(), lines.end(), line) == 1; };
+    EXPECT_TRUE(has("white 9.5 (.05 D)           95.45    -0.49     1.03")) << output();
+    EXPECT_TRUE(has("Reflectance of \"black 2 (1.5 D)\" in percent, simulated:")) << "the same chart in both passes";
+    EXPECT_EQ(std::count(lines.begin(), lines.end(), lines.front()), 4);
+    EXPECT_TRUE(lines.front().ends_with(" L*       a*       b*   (D65, 10 degree, simulated)"));
+    EXPECT_EQ(lines.size(), 4U + 24 + 24 * 7);
+    EXPECT_EQ(output().find('\x1b'), std::string::npos) << "no colours where there is no terminal";
+    const std::string told = errors();
+    EXPECT_TRUE(told.starts_with("Module " + moduleFile.string() + ", version 3\nSIMULATED: no instrument is used. "));
+    EXPECT_NE(told.find("\nAll is measured twice: first for the CIELab values, then for the spectra.\n"),
+              std::string::npos);
+    EXPECT_NE(
+        told.find("\nRow 4 of 4, spectra: press the button and slide the instrument from \"white 9.5 (.05 D)\" to "
+                  "\"black 2 (1.5 D)\".\n"),
+        std::string::npos);
+}
+
+TEST_F(Spm, WritesWhatWasReadBeforeTheNextRow) {
+    const std::filesystem::path script = folder / "script.json";
+    const EnvironmentVariable simulator("I1PRO3_SIMULATOR", script.string());
+    struct Case {
+        std::string name;
+        Texts options;
+        std::string begin;
+    };
+    const std::vector<Case> cases{
+        {"run.csv", {}, "name,"},
+        {"run.json", {}, "{"},
+        {"run.cgats", {}, "CGATS.17\n"},
+        {"run", {"--format", "table"}, "                               L*"},
+    };
+    writeFile(script,
+              R"({"faults": [{"function": "I1PRO3_TriggerMeasurement", "call": 3, "result": 7, "text": "lamp"}]})");
+    for (const Case& each : cases) {
+        Texts arguments{"measure", "--patches", "2", "--output", (folder / each.name).string()};
+        arguments.insert(arguments.end(), each.options.begin(), each.options.end());
+        EXPECT_EQ(run(arguments), 1) << each.name;
+        EXPECT_TRUE(errors().ends_with("\nspm: measuring failed: lamp\nErrorNumber: 7\n")) << errors();
+        EXPECT_EQ(output(), "");
+        const std::string written = readText(folder / each.name);
+        EXPECT_TRUE(written.starts_with(each.begin)) << written;
+        EXPECT_NE(written.find("patch 2"), std::string::npos) << each.name;
+        EXPECT_EQ(written.find("patch 5"), std::string::npos) << each.name;
+        EXPECT_FALSE(std::filesystem::exists(folder / (each.name + ".part")));
     }
-    EXPECT_NE(text.find("white 9.5 (.05 D)           95.45    -0.49     1.03\n"), std::string::npos) << text;
-    EXPECT_NE(text.find("380 nm   4.80"), std::string::npos) << text;
-    EXPECT_EQ(text.find('\x1b'), std::string::npos) << "no colours where there is no terminal";
-    EXPECT_EQ(errors(), "");
+}
+
+TEST_F(Spm, MeasuresSpotsComparesAndReports) {
+    const std::string reference = (folder / "reference.csv").string();
+    const std::string report = (folder / "report.html").string();
+    writeFile(reference, "name,L,a,b\none,36.8,13.9,14.7\ntwo,0,0,0\n");
+    ASSERT_EQ(run({"measure", "--spots", "2", "--names", "one,two", "--format", "csv", "--reference", reference,
+                   "--report", report}),
+              0)
+        << errors();
+    EXPECT_EQ(linesOf(output()).size(), 3U);
+    EXPECT_NE(errors().find("Spot 2 of 2, CIELab: place the instrument on \"two\" and press the button.\n"),
+              std::string::npos);
+    EXPECT_NE(errors().find("D65, 10 degree"), std::string::npos) << "the comparison stands apart from the data";
+    EXPECT_NE(readFile(report).find("two"), std::string::npos);
 }
 
 TEST_F(Spm, MeasuresAgainWhatWasRecorded) {
@@ -62,8 +113,9 @@ TEST_F(Spm, MeasuresAgainWhatWasRecorded) {
     ASSERT_EQ(run({"measure"}), 0) << errors();
     const Texts replayed = linesOf(output());
     ASSERT_GT(recorded.size(), 24U);
-    EXPECT_TRUE(std::equal(recorded.begin() + 2, recorded.end(), replayed.begin() + 2, replayed.end()));
-    EXPECT_TRUE(replayed[1].ends_with(" a simulated i1Pro 3 that replays " + (folder / "trace.jsonl").string() + "."));
+    EXPECT_EQ(replayed, recorded);
+    EXPECT_NE(errors().find(" a simulated i1Pro 3 that replays " + (folder / "trace.jsonl").string() + ".\n"),
+              std::string::npos);
     EXPECT_NE(run({"measure", "--patches", "5"}), 0);
     EXPECT_NE(errors().find(" departs from the trace "), std::string::npos) << errors();
 }
@@ -83,8 +135,13 @@ TEST_F(Spm, SaysWhatFailedAndWithWhat) {
         {{"measure", "--module", noModule}, "; name it with --module, and have the SDK library beside it\n"},
         {{"measure", "--module", sdkFile.string()}, "is not a spectrophotometer module: it has no SPM_create"},
         {{"measure", "--chart", "/no/such/chart.csv"}, "can't read the chart file /no/such/chart.csv"},
-        {{"measure", "--chart", chart}, "names 1 patches, but 4 rows of 6"},
+        {{"measure", "--chart", chart}, " names 1 patches, but 24 are to be measured; "},
         {{"measure", "--patches", "1"}, "--patches"},
+        {{"measure", "--names", "a,b"}, "--names has 2 patches, but 24 are to be measured; "},
+        {{"measure", "--spots", "2", "--rows", "2"}, "--spots"},
+        {{"measure", "--output", "/tmp/values"}, "the name /tmp/values does not tell the format; "},
+        {{"measure", "--format", "xml"}, "--format"},
+        {{"measure", "--reference", missing}, missing},
         {{}, "subcommand"},
     };
     for (const Case& each : cases) {
@@ -120,7 +177,7 @@ TEST_F(Spm, PassesOnTheModulesErrorText) {
             host::Instrument instrument(module);
             instrument.calibrate(wait);
             instrument.read(2, wait);
-            instrument.readSpectrum(wait);
+            instrument.readSpectra(1, wait);
             ADD_FAILURE() << each.message << " was expected";
         } catch (const host::HostError& error) {
             EXPECT_EQ(error.what(), each.message);

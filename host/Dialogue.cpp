@@ -1,0 +1,57 @@
+#include "host/Dialogue.h"
+
+#include "host/Interrupt.h"
+#include "host/System.h"
+
+#include <chrono>
+#include <fmt/format.h>
+#include <iostream>
+#include <thread>
+
+namespace host {
+
+namespace {
+
+constexpr auto pause = std::chrono::milliseconds(50);
+constexpr const char* clearLine = "\r\x1b[K";
+
+} // namespace
+
+Dialogue::Dialogue() : isShown(isTerminal(stderr)), canAsk(isShown && isTerminal(stdin)) {}
+
+void Dialogue::say(const std::string& text) const {
+    clear();
+    fmt::print(stderr, "{}\n", text);
+}
+
+void Dialogue::clear() const {
+    if (isShown) fmt::print(stderr, "{}", clearLine);
+}
+
+Instrument::Wait Dialogue::wait(const std::string& progress) const {
+    return [this, progress, begin = std::chrono::steady_clock::now()] {
+        InterruptGuard::check();
+        if (isShown) {
+            const auto waited = std::chrono::steady_clock::now() - begin;
+            fmt::print(stderr, "{}{}, waiting for the button for {} s ", clearLine, progress,
+                       std::chrono::duration_cast<std::chrono::seconds>(waited).count());
+            std::fflush(stderr);
+        }
+        std::this_thread::sleep_for(pause);
+    };
+}
+
+Dialogue::Choice Dialogue::askAfterFailure(const std::string& what) const {
+    say(what);
+    while (canAsk) {
+        fmt::print(stderr, "Measure it again (r), skip it (s) or end (e)? ");
+        std::string answer;
+        if (!std::getline(std::cin, answer)) break;
+        if (answer == "r") return Choice::retry;
+        if (answer == "s") return Choice::skip;
+        if (answer == "e") break;
+    }
+    return Choice::end;
+}
+
+} // namespace host

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "host/Instrument.h"
+
+#include <string>
+
+namespace host {
+
+/// What is said to the person who measures. All of it goes to standard error: standard output has data alone.
+class Dialogue {
+public:
+    enum class Choice { retry, skip, end };
+
+    Dialogue();
+
+    void say(const std::string& text) const;
+
+    /// Takes the live line away, before something else is shown on the terminal.
+    void clear() const;
+
+    /// What to do while the button is waited for: a live line on a terminal shows how long already.
+    /// The wait throws Interrupted when the person ends the measuring.
+    Instrument::Wait wait(const std::string& progress) const;
+
+    /// Tells of a failure and asks what to do. Where nobody can be asked, it is the end.
+    Choice askAfterFailure(const std::string& what) const;
+
+private:
+    bool isShown;
+    bool canAsk;
+};
+
+} // namespace host

@@ -1,0 +1,21 @@
+#pragma once
+
+namespace host {
+
+/// The person has ended the measuring.
+class Interrupted {};
+
+/// While an object of this lives, Ctrl-C does not end the program but is noted, so that the instrument is closed and
+/// what was read is kept. A second Ctrl-C ends it all the same.
+class InterruptGuard {
+public:
+    InterruptGuard();
+    InterruptGuard(const InterruptGuard&) = delete;
+    InterruptGuard& operator=(const InterruptGuard&) = delete;
+    ~InterruptGuard();
+
+    /// @throws Interrupted  when Ctrl-C was noted
+    static void check();
+};
+
+} // namespace host

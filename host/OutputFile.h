@@ -1,0 +1,13 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+namespace host {
+
+/// Replaces a file, or makes it: the content is written beside it first, so that at any time the whole of the earlier
+/// or of this content is there.
+/// @throws HostError  with the file and the reason
+void replaceFile(const std::filesystem::path& file, const std::string& content);
+
+} // namespace host

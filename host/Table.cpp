@@ -1,0 +1,48 @@
+#include "host/Table.h"
+
+#include "host/Sparkline.h"
+
+#include <fmt/format.h>
+#include <iterator>
+
+namespace host {
+
+namespace {
+
+constexpr std::size_t valuesPerLine = 6;
+
+const char* markOf(bool isSimulated) {
+    return isSimulated ? ", simulated" : "";
+}
+
+} // namespace
+
+std::string labTable(std::span<const Reading> readings, bool isSimulated, ColourDepth depth) {
+    std::string table;
+    auto out = std::back_inserter(table);
+    fmt::format_to(out, "{:{}}{:<24} {:>8} {:>8} {:>8}   (D65, 10 degree{})\n", "", depth == ColourDepth::none ? 0 : 7,
+                   "", "L*", "a*", "b*", markOf(isSimulated));
+    for (const Reading& reading : readings) {
+        const SPM_LAB lab = reading.lab.value_or(SPM_LAB{});
+        fmt::format_to(out, "{}{:<24} {:8.2f} {:8.2f} {:8.2f}\n", swatch(lab, depth), reading.name, lab.L, lab.a,
+                       lab.b);
+    }
+    return table;
+}
+
+std::string spectraTable(std::span<const Reading> readings, bool isSimulated, ColourDepth depth) {
+    std::string table;
+    auto out = std::back_inserter(table);
+    for (const Reading& reading : readings) {
+        fmt::format_to(out, "Reflectance of \"{}\" in percent{}:", reading.name, markOf(isSimulated));
+        if (depth != ColourDepth::none) fmt::format_to(out, "  {}", spectralCurve(reading.spectrum));
+        for (std::size_t i = 0; i < reading.spectrum.size(); ++i) {
+            fmt::format_to(out, "{}{} nm {:6.2f}", i % valuesPerLine == 0 ? "\n  " : "   ",
+                           reading.spectrum[i].wavelength, reading.spectrum[i].value);
+        }
+        table += '\n';
+    }
+    return table;
+}
+
+} // namespace host

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "host/Run.h"
+#include "host/Swatch.h"
+
+#include <span>
+
+namespace host {
+
+/// CIELab values for people, a line per patch below a header.
+std::string labTable(std::span<const Reading> readings, bool isSimulated, ColourDepth depth);
+
+/// Spectra for people: the curve, where a terminal shows it, and the values.
+std::string spectraTable(std::span<const Reading> readings, bool isSimulated, ColourDepth depth);
+
+} // namespace host
