@@ -2,6 +2,7 @@
 
 #include "host/HostError.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace host {
@@ -53,10 +54,10 @@ std::vector<SPM_LAB> Instrument::read(std::int32_t patches, const Wait& wait) {
 std::vector<Instrument::Spectrum> Instrument::readSpectra(std::int32_t patches, const Wait& wait) {
     const auto points = static_cast<std::size_t>(module.getNumberOfReflections(handle));
     std::vector<Spectrum> spectra(static_cast<std::size_t>(patches), Spectrum(points));
-    std::vector<SPM_SPECTRUM> records;
-    for (Spectrum& spectrum : spectra) {
-        records.push_back({static_cast<std::int32_t>(points), spectrum.data()});
-    }
+    std::vector<SPM_SPECTRUM> records(spectra.size());
+    std::transform(spectra.begin(), spectra.end(), records.begin(), [](Spectrum& spectrum) {
+        return SPM_SPECTRUM{static_cast<std::int32_t>(spectrum.size()), spectrum.data()};
+    });
     const auto read = [&](std::int32_t* count) { return module.readSpectrum(handle, records.data(), count); };
     spectra.resize(static_cast<std::size_t>(poll(read, patches, wait)));
     return spectra;

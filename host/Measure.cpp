@@ -35,6 +35,7 @@ std::vector<Stretch> stretchesOf(const MeasureOptions& options) {
     const std::int32_t stretches = isSpots ? options.spots : options.rows;
     const std::int32_t count = isSpots ? 1 : options.patches;
     std::vector<Stretch> all;
+    all.reserve(static_cast<std::size_t>(stretches));
     for (std::int32_t i = 0; i < stretches; ++i) {
         all.push_back({static_cast<std::size_t>(i) * static_cast<std::size_t>(count), count,
                        fmt::format("{} {} of {}", isSpots ? "Spot" : "Row", i + 1, stretches)});

@@ -67,7 +67,7 @@ std::string escapedCharacter(char character) {
     default:
         // Control characters are no text in HTML, however they are written.
         const auto code = static_cast<unsigned char>(character);
-        return std::string(1, code < ' ' || code == 0x7f ? ' ' : character);
+        return {code < ' ' || code == 0x7f ? ' ' : character};
     }
 }
 

@@ -25,7 +25,7 @@ struct Run {
     std::string started;
     /// The module's file and its version.
     std::string module;
-    std::int32_t version = 0;
+    std::uint32_t version = 0;
     /// What the values come from when they are simulated; empty for an instrument.
     std::string simulation;
     /// How many patches a row has; 0 when spots were measured.
