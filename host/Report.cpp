@@ -12,7 +12,7 @@ namespace host {
 namespace {
 
 /// What is the same on every page, up to the text of its title. Elements are closed as in XML, so that tools for
-/// either can read it. #8886 and #8883 are lines and tints that light and dark grounds both show.
+/// either can read it. Lines and tints are half transparent: they show on a light ground and on a dark one.
 constexpr std::string_view head = R"(<!DOCTYPE html>
 <html lang="en">
 <head>
@@ -36,6 +36,7 @@ table { border-collapse: collapse; font-variant-numeric: tabular-nums; }
 caption { text-align: left; padding-bottom: .5rem; }
 th, td { padding: .2rem .75rem; border-bottom: 1px solid #8886; text-align: right; }
 th:first-child { padding-left: 0; text-align: left; }
+tbody th { font-weight: normal; overflow-wrap: anywhere; }
 tr, svg { break-inside: avoid; }
 svg { display: block; width: 100%; height: auto; font-size: 13px; fill: currentColor; }
 polyline { fill: none; stroke-width: 2; stroke-linejoin: round; }
@@ -187,7 +188,7 @@ std::string Axes::grid() const {
                             "</text>\n",
                             x(wavelength), bottom, height, x(wavelength), bottom + 20, wavelength);
     }
-    return text + fmt::format("<text x=\"{}\" y=\"18\">Reflectance in %</text>\n"
+    return text + fmt::format("<text x=\"{}\" y=\"14\">Reflectance in %</text>\n"
                               "<text class=\"below\" x=\"{}\" y=\"{}\">Wavelength in nm</text>\n",
                               8, left + width / 2, bottom + 46);
 }

@@ -71,7 +71,7 @@ TEST(Report, HasTheSectionsOfWhatWasMeasured) {
         EXPECT_EQ(matches(page, "<h2>(.*)</h2>"), each.headings);
         EXPECT_EQ(fault(page), "") << page;
         EXPECT_EQ(matches(page, R"(\b(nan|inf)\b)"), Texts()) << page;
-        EXPECT_EQ(page.find("imulated:"), std::string::npos);
+        EXPECT_EQ(page.find("Simulated"), std::string::npos);
     }
 }
 
@@ -109,7 +109,7 @@ TEST(Report, DrawsTheCurvesToScale) {
         {{}, {{380, 0}, {390, notANumber}, {730, 50}}, "currentColor", "56.0,352.0 616.0,192.0"},
         // Above 100 percent, the axis goes on to the next 20; but to 200 at most, and not below 0.
         {{}, {{380, 101}, {730, 120}}, "currentColor", "56.0,82.7 616.0,32.0"},
-        {{}, {{380, 1e30F}, {730, -5}}, "currentColor", "56.0,32.0 616.0,352.0"},
+        {{}, {{380, 1e30F}, {555, -5}, {730, 50}}, "currentColor", "56.0,32.0 336.0,352.0 616.0,272.0"},
         // So does that of the wavelengths.
         {{},
          {{330, 0}, {380, 0}, {780, 0}, {890, 0}},
