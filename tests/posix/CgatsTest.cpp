@@ -21,13 +21,22 @@ public:
         const int status = run("localedef", {"--no-archive", "-i", "de_DE", "-f", "ISO-8859-1", folder / name}, output);
         if (status != 0) throw std::runtime_error("localedef: " + readText(output.err));
         const EnvironmentVariable path("LOCPATH", (folder / "").string());
-        earlier = std::locale::global(std::locale(name));
+        if (std::setlocale(LC_ALL, name.c_str()) == nullptr) throw std::runtime_error("no locale " + name);
+        earlier = std::locale::global(std::locale(std::locale::classic(), new DecimalComma));
     }
     GermanLocale(const GermanLocale&) = delete;
     GermanLocale& operator=(const GermanLocale&) = delete;
-    ~GermanLocale() { std::locale::global(earlier); }
+    ~GermanLocale() {
+        std::locale::global(earlier);
+        std::setlocale(LC_ALL, "C");
+    }
 
 private:
+    /// For the C++ library: a named locale of its own would leak in the C library while LOCPATH is set.
+    class DecimalComma : public std::numpunct<char> {
+        char do_decimal_point() const override { return ','; }
+    };
+
     TempFolder folder;
     std::locale earlier;
 };
