@@ -60,6 +60,14 @@ Format formatOf(const MeasureOptions& options) {
                     options.output.string()));
 }
 
+std::optional<Reference> referenceOf(const MeasureOptions& options) {
+    if (options.reference.empty()) return std::nullopt;
+    if (passesOf(options).front() != Kind::lab) {
+        throw HostError("--reference compares CIELab values, which are not measured; add --lab");
+    }
+    return readReference(options.reference);
+}
+
 std::string timeNow() {
     return fmt::format("{:%Y-%m-%dT%H:%M:%SZ}",
                        fmt::gmtime(std::chrono::system_clock::to_time_t(std::chrono::system_clock::now())));
@@ -165,11 +173,9 @@ void readStretch(Instrument& instrument, const Dialogue& dialogue, Kind kind, co
     if (kind == Kind::lab) {
         const std::vector<SPM_LAB> values = instrument.read(stretch.count, wait);
         expectAll(stretch, values.size());
-        std::transform(values.begin(), values.end(), patches.begin(), patches.begin(),
-                       [](const SPM_LAB& lab, Reading& reading) {
-                           reading.lab = lab;
-                           return reading;
-                       });
+        for (std::size_t i = 0; i < patches.size(); ++i) {
+            patches[i].lab = values[i];
+        }
     } else {
         std::vector<Instrument::Spectrum> spectra = instrument.readSpectra(stretch.count, wait);
         expectAll(stretch, spectra.size());
@@ -247,8 +253,7 @@ void introduce(const Dialogue& dialogue, const Run& run, const MeasureOptions& o
 } // namespace
 
 Outcome measure(const MeasureOptions& options) {
-    std::optional<Reference> reference;
-    if (!options.reference.empty()) reference = readReference(options.reference);
+    const std::optional<Reference> reference = referenceOf(options);
     const std::vector<std::string> names = patchNames(options);
     const Dialogue dialogue;
     const Module module(options.module);
@@ -259,7 +264,7 @@ Outcome measure(const MeasureOptions& options) {
         record.finish(dialogue, reference);
         return outcome;
     } catch (const HostError&) {
-        record.finish(dialogue, reference);
+        record.finish(dialogue, std::nullopt);
         throw;
     }
 }

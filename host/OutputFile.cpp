@@ -20,10 +20,10 @@ void replaceFile(const std::filesystem::path& file, const std::string& content) 
         stream.close();
         std::filesystem::rename(part, file);
     } catch (const std::filesystem::filesystem_error& error) {
-        throw HostError(fmt::format("can't write {}: {}; choose another file with --output", file.string(),
+        throw HostError(fmt::format("can't write {}: {}; choose another file or free its folder", file.string(),
                                     error.code().message()));
     } catch (const std::ios::failure&) {
-        throw HostError(fmt::format("can't write {}: {}; choose another file with --output", part.string(),
+        throw HostError(fmt::format("can't write {}: {}; choose another file or free its folder", part.string(),
                                     std::generic_category().message(errno)));
     }
 }

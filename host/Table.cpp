@@ -23,7 +23,8 @@ std::string labTable(std::span<const Reading> readings, bool isSimulated, Colour
     fmt::format_to(out, "{:{}}{:<24} {:>8} {:>8} {:>8}   (D65, 10 degree{})\n", "", depth == ColourDepth::none ? 0 : 7,
                    "", "L*", "a*", "b*", markOf(isSimulated));
     for (const Reading& reading : readings) {
-        const SPM_LAB lab = reading.lab.value_or(SPM_LAB{});
+        if (!reading.lab) continue;
+        const SPM_LAB& lab = *reading.lab;
         fmt::format_to(out, "{}{:<24} {:8.2f} {:8.2f} {:8.2f}\n", swatch(lab, depth), reading.name, lab.L, lab.a,
                        lab.b);
     }
@@ -34,6 +35,7 @@ std::string spectraTable(std::span<const Reading> readings, bool isSimulated, Co
     std::string table;
     auto out = std::back_inserter(table);
     for (const Reading& reading : readings) {
+        if (reading.spectrum.empty()) continue;
         fmt::format_to(out, "Reflectance of \"{}\" in percent{}:", reading.name, markOf(isSimulated));
         if (depth != ColourDepth::none) fmt::format_to(out, "  {}", spectralCurve(reading.spectrum));
         for (std::size_t i = 0; i < reading.spectrum.size(); ++i) {

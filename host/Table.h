@@ -7,6 +7,8 @@
 
 namespace host {
 
+// What was not measured is left out.
+
 /// CIELab values for people, a line per patch below a header.
 std::string labTable(std::span<const Reading> readings, bool isSimulated, ColourDepth depth);
 

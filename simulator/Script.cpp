@@ -16,9 +16,9 @@ constexpr std::int64_t mostInt32 = std::numeric_limits<std::int32_t>::max();
 
 /// @param place  the function's name, or what stands under it
 void expectFunction(const Value& place, const std::string& name) {
+    if (findSignature(name) != nullptr) return;
     std::string names;
     for (const Signature& signature : signatures) {
-        if (signature.name == name) return;
         names.append(names.empty() ? "" : ", ").append(signature.name);
     }
     place.fail(Value::quoted(name) + " is no function of the SDK library; there are " + names);
@@ -148,21 +148,13 @@ void readUnplug(const Value& value, Script& script) {
     script.unplug = unplug;
 }
 
-/// The function that a fault is for, when it names one.
-const Signature* signatureOf(const Answer& fault) {
-    for (const Signature& signature : signatures) {
-        if (signature.name == fault.function) return &signature;
-    }
-    return nullptr;
-}
-
 /// What would have no effect is a mistake.
 void expectEffect(const Value& place, const Answer& fault) {
     if (place.members().empty()) place.fail("a fault without a key would answer any call");
     if (fault.result == 0 && (fault.errorText || fault.errorNumber)) {
         place.fail("a \"text\" or \"number\" tells of a \"result\" other than 0");
     }
-    const Signature* const signature = signatureOf(fault);
+    const Signature* const signature = findSignature(fault.function);
     if (signature == nullptr || takes(*signature, Parameter::buffer)) return;
     if (fault.output) place.fail(fault.function + " hands out no text for \"output\" to replace");
     if (fault.outputSize && !takes(*signature, Parameter::list)) {

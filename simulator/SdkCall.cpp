@@ -27,6 +27,12 @@ const Signature& signatureOf(Function function) {
     return signatures[static_cast<std::size_t>(function)];
 }
 
+const Signature* findSignature(std::string_view name) {
+    const auto* const found =
+        std::find_if(signatures.begin(), signatures.end(), [&](const Signature& each) { return each.name == name; });
+    return found != signatures.end() ? found : nullptr;
+}
+
 bool takes(const Signature& signature, Parameter parameter) {
     return std::find(signature.parameters.begin(), signature.parameters.end(), parameter) != signature.parameters.end();
 }

@@ -7,6 +7,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 
 namespace simulator {
 
@@ -53,6 +54,8 @@ struct SdkCall {
 };
 
 const Signature& signatureOf(Function function);
+/// Null when there is no such function.
+const Signature* findSignature(std::string_view name);
 bool takes(const Signature& signature, Parameter parameter);
 
 /// How many values a function hands out.

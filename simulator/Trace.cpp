@@ -3,7 +3,6 @@
 #include "simulator/Json.h"
 #include "simulator/System.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <charconv>
 #include <cmath>
@@ -20,6 +19,7 @@ using std::chrono::duration_cast;
 using std::chrono::microseconds;
 
 constexpr int version = 1;
+
 /// Creates a file, with a number in its name when there is one already; the path becomes the file's.
 std::FILE* createNumbered(std::filesystem::path& path) {
     const std::filesystem::path wanted = path;
@@ -136,10 +136,9 @@ void expectHeading(const Value& line) {
 }
 
 Function functionOf(const Value& line, const std::string& name) {
-    const auto* const found =
-        std::find_if(signatures.begin(), signatures.end(), [&](const auto& each) { return each.name == name; });
-    if (found == signatures.end()) line.fail(Value::quoted(name) + " is no function of the SDK library");
-    return static_cast<Function>(found - signatures.begin());
+    const Signature* const found = findSignature(name);
+    if (found == nullptr) line.fail(Value::quoted(name) + " is no function of the SDK library");
+    return static_cast<Function>(found - signatures.data());
 }
 
 /// Outputs that the function hands out, and as many as it says.

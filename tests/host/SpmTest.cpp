@@ -1,6 +1,7 @@
 #include "host/HostError.h"
 #include "host/Instrument.h"
 #include "host/Swatch.h"
+#include "host/Table.h"
 #include "simulator/Data.h"
 #include "tests/support/SimulatorOf.h"
 #include "tests/support/Support.h"
@@ -142,6 +143,7 @@ TEST_F(Spm, SaysWhatFailedAndWithWhat) {
         {{"measure", "--output", "/tmp/values"}, "the name /tmp/values does not tell the format; "},
         {{"measure", "--format", "xml"}, "--format"},
         {{"measure", "--reference", missing}, missing},
+        {{"measure", "--reference", missing, "--spectra"}, "which are not measured; add --lab"},
         {{}, "subcommand"},
     };
     for (const Case& each : cases) {
@@ -189,6 +191,15 @@ TEST_F(Spm, PassesOnTheModulesErrorText) {
         const bool wasFound = each.answer.function != "I1PRO3_GetDevices";
         EXPECT_TRUE(calls.ends_with(wasFound ? closedAndDestroyed : "GetDevices SetGlobalOption ")) << calls;
     }
+}
+
+TEST(Table, LeavesOutWhatWasNotMeasured) {
+    const std::vector<host::Reading> readings{{"skipped", {}, {{380, 5}}}, {"read", SPM_LAB{50, 0, 0}, {}}};
+    const std::string lab = host::labTable(readings, false, host::ColourDepth::none);
+    EXPECT_EQ(linesOf(lab).size(), 2U) << lab;
+    EXPECT_EQ(lab.find("skipped"), std::string::npos) << "nobody measured 0 for it";
+    EXPECT_EQ(host::spectraTable(readings, false, host::ColourDepth::none),
+              "Reflectance of \"skipped\" in percent:\n  380 nm   5.00\n");
 }
 
 TEST(Swatch, ShowsTheColourAsFarAsTheTerminalCan) {
