@@ -1,7 +1,11 @@
-# Gives a library exactly the exports that a list names, one name a line.
-function(spm_export_only target list)
-    file(STRINGS ${list} names)
-    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${list})
+# Gives a library exactly the exports that lists name, one name a line.
+function(spm_export_only target)
+    set(names)
+    foreach(list IN LISTS ARGN)
+        file(STRINGS ${list} more)
+        list(APPEND names ${more})
+        set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${list})
+    endforeach()
     if(WIN32)
         list(JOIN names "\n    " lines)
         set(script ${CMAKE_CURRENT_BINARY_DIR}/${target}.def)

@@ -21,8 +21,9 @@ Instrument::Instrument(const Module& loaded) : module(loaded), handle(loaded.cre
     if (handle == nullptr) throw HostError("the module could not be started: out of memory");
     handle->AddListener(&listener);
     if (module.open(handle, "USB")) return;
-    const std::string reason = listener.take("none was found; connect one by USB and try again");
+    const std::string reason = listener.take("");
     module.destroy(handle);
+    if (reason.empty()) throw HostError("no instrument was found", "connect one by USB and try again");
     throw HostError("the instrument could not be opened: " + reason);
 }
 

@@ -32,6 +32,12 @@ public:
     Instrument& operator=(const Instrument&) = delete;
     ~Instrument();
 
+    /// Whether it still answers: its options in force can be read.
+    bool isAnswering() const { return module.getStatus(handle).aperture != 0; }
+
+    /// Whether it is calibrated, which the instrument can tell only by a trial measurement.
+    bool isCalibrated() const { return module.isCalibrated(handle); }
+
     /// @throws HostError  when calibrating fails
     void calibrate(const Wait& wait);
 

@@ -16,8 +16,8 @@ namespace {
 loader::SharedLibrary load(const std::filesystem::path& path) try {
     return loader::SharedLibrary(path);
 } catch (const loader::LoadError& error) {
-    throw HostError("can't load the module " + std::string(error.what()) +
-                    "; name it with --module, and have the SDK library beside it");
+    throw HostError("can't load the module " + std::string(error.what()),
+                    "name another one with --module, or see what \"spm doctor\" finds");
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include <filesystem>
+#include <string>
 
 // What the host asks of the system; one source per system implements it.
 
@@ -14,6 +15,9 @@ std::filesystem::path programFolder();
 
 /// Whether a stream is shown to a person.
 bool isTerminal(std::FILE* stream);
+
+/// Where the module's settings are kept, for people.
+std::string settingsPlace();
 
 /// The address of a name that the vendor's library exports, which a module was loaded with; null for none.
 void* findInSdk(const loader::SharedLibrary& module, const char* name);

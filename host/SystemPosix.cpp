@@ -1,4 +1,5 @@
 #include "host/System.h"
+#include "platform/posix/RegistryFile.h"
 
 #include <unistd.h>
 
@@ -13,6 +14,10 @@ std::filesystem::path programFolder() {
 
 bool isTerminal(std::FILE* stream) {
     return isatty(fileno(stream)) == 1;
+}
+
+std::string settingsPlace() {
+    return registry::storePath();
 }
 
 void* findInSdk(const loader::SharedLibrary& module, const char* name) {

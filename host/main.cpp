@@ -1,3 +1,4 @@
+#include "host/Doctor.h"
 #include "host/HostError.h"
 #include "host/Measure.h"
 #include "host/System.h"
@@ -5,6 +6,7 @@
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <cstdlib>
+#include <fmt/format.h>
 #include <map>
 
 namespace {
@@ -38,14 +40,42 @@ const std::map<std::string, host::Format> formats{{"table", host::Format::table}
                                                   {"json", host::Format::json},
                                                   {"cgats", host::Format::cgats}};
 
+constexpr const char* doctorHelp = R"(
+Looks at everything that measuring needs: the module and the SDK library, the settings and the log file, the instrument
+and its calibration. Tells what is right and what is wrong, and what to do.)";
+
+constexpr const char* doctorFooter = R"(
+Exit status:
+  0  ready to measure
+  1  something is wrong
+  2  the command line is wrong
+
+Examples:
+  spm doctor
+  spm doctor --module /opt/colour/spm_i1pro3.so)";
+
+CLI::Option* addFile(CLI::App& command, const char* name, std::filesystem::path& path, const char* text) {
+    return command.add_option(name, path, text)->type_name("FILE");
+}
+
+void addModule(CLI::App& command, std::filesystem::path& path) {
+    path = host::programFolder() / host::moduleFileName;
+    addFile(command, "--module", path, "module to load (default: the one beside this program)");
+}
+
+CLI::App* addDoctor(CLI::App& app, std::filesystem::path& module) {
+    CLI::App* const doctor = app.add_subcommand("doctor", "tell what is right and what is wrong with the installation");
+    doctor->description(doctorHelp);
+    doctor->footer(doctorFooter);
+    addModule(*doctor, module);
+    return doctor;
+}
+
 void addMeasure(CLI::App& app, host::MeasureOptions& options) {
     CLI::App* const measure = app.add_subcommand("measure", "measure a chart or spots");
     measure->description(measureHelp);
     measure->footer(measureFooter);
-    const auto file = [&](const char* name, std::filesystem::path& path, const char* text) {
-        return measure->add_option(name, path, text)->type_name("FILE");
-    };
-    file("--module", options.module, "module to load (default: the one beside this program)");
+    addModule(*measure, options.module);
     auto* const rows = measure->add_option("--rows", options.rows, "rows of the chart");
     auto* const patches = measure->add_option("--patches", options.patches, "patches in a row");
     rows->check(CLI::Range(1, 1000))->capture_default_str();
@@ -54,7 +84,8 @@ void addMeasure(CLI::App& app, host::MeasureOptions& options) {
         ->check(CLI::Range(1, 100'000))
         ->excludes(rows)
         ->excludes(patches);
-    auto* const chart = file("--chart", options.chart, "CSV file whose lines begin with the patches' names");
+    auto* const chart =
+        addFile(*measure, "--chart", options.chart, "CSV file whose lines begin with the patches' names");
     measure->add_option("--names", options.names, "the patches' names, separated by commas")
         ->type_name("NAMES")
         ->delimiter(',')
@@ -67,14 +98,23 @@ void addMeasure(CLI::App& app, host::MeasureOptions& options) {
             "how to write the values (default: as the output file's name ends, otherwise a table)")
         ->type_name("NAME")
         ->check(CLI::IsMember(&formats));
-    file("--output", options.output, "file to write the values to, in place of standard output");
-    file("--report", options.report, "HTML page to make of the run");
-    file("--reference", options.reference, "CSV file of expected values (name, L*, a*, b*) to compare with");
+    addFile(*measure, "--output", options.output, "file to write the values to, in place of standard output");
+    addFile(*measure, "--report", options.report, "HTML page to make of the run");
+    addFile(*measure, "--reference", options.reference,
+            "CSV file of expected values (name, L*, a*, b*) to compare with");
+}
+
+int diagnose(const std::filesystem::path& module) {
+    const std::vector<host::Finding> findings = host::examine(module);
+    fmt::print("{}", host::formatFindings(findings, host::colourDepth(host::isTerminal(stdout))));
+    return host::isSound(findings) ? EXIT_SUCCESS : failed;
 }
 
 int run(int argc, char** argv) {
     CLI::App app{"spm - measures colour through the spectrophotometer module", "spm"};
     app.require_subcommand(1);
+    std::filesystem::path module;
+    const CLI::App* const doctor = addDoctor(app, module);
     host::MeasureOptions options;
     addMeasure(app, options);
     try {
@@ -82,7 +122,7 @@ int run(int argc, char** argv) {
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? EXIT_SUCCESS : wrongUse;
     }
-    if (options.module.empty()) options.module = host::programFolder() / host::moduleFileName;
+    if (doctor->parsed()) return diagnose(module);
     return host::measure(options) == host::Outcome::complete ? EXIT_SUCCESS : incomplete;
 }
 

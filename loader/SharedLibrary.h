@@ -27,4 +27,7 @@ private:
     void* library = nullptr;
 };
 
+/// The file of the loaded library or program that an address is in; empty when it is in none.
+std::filesystem::path fileOf(const void* address);
+
 } // namespace loader

@@ -17,4 +17,9 @@ void* SharedLibrary::find(const char* name) const {
     return dlsym(library, name);
 }
 
+std::filesystem::path fileOf(const void* address) {
+    Dl_info info{};
+    return dladdr(address, &info) != 0 ? info.dli_fname : "";
+}
+
 } // namespace loader

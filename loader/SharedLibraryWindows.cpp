@@ -8,6 +8,8 @@ namespace loader {
 
 namespace {
 
+constexpr std::size_t longestPath = 32'767;
+
 HMODULE handle(void* library) {
     return static_cast<HMODULE>(library);
 }
@@ -50,6 +52,17 @@ SharedLibrary::~SharedLibrary() {
 
 void* SharedLibrary::find(const char* name) const {
     return reinterpret_cast<void*>(GetProcAddress(handle(library), name));
+}
+
+std::filesystem::path fileOf(const void* address) {
+    HMODULE module = nullptr;
+    if (GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+                           static_cast<LPCWSTR>(address), &module) == 0) {
+        return {};
+    }
+    std::wstring file(longestPath, L'\0');
+    file.resize(GetModuleFileNameW(module, file.data(), static_cast<DWORD>(file.size())));
+    return file;
 }
 
 } // namespace loader

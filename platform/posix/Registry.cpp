@@ -1,6 +1,7 @@
 // The registry functions over a settings file. The file is the whole state: every call opens it, locks it against
 // other processes and threads, and reads it anew, so that any number of them may use it and edit it by hand.
 
+#include "platform/posix/RegistryFile.h"
 #include "platform/posix/RegistryText.h"
 #include "platform/posix/win32.h"
 
@@ -26,17 +27,12 @@ namespace {
 
 constexpr std::string_view softwarePath = "HKEY_LOCAL_MACHINE\\SOFTWARE";
 
-const char* storePath() {
-    const char* path = std::getenv("SPM_REGISTRY");
-    return path != nullptr && *path != '\0' ? path : "/etc/kestrova/registry.reg";
-}
-
 /// The settings file, locked while this object lives.
 class StoreFile {
 public:
     /// @param flags  for open(2)
     /// @param lock   LOCK_SH or LOCK_EX
-    StoreFile(int flags, int lock) : descriptor(open(storePath(), flags | O_CLOEXEC, 0644)) {
+    StoreFile(int flags, int lock) : descriptor(open(registry::storePath(), flags | O_CLOEXEC, 0644)) {
         if (descriptor < 0) return;
         while (flock(descriptor, lock) != 0 && errno == EINTR) {
         }
@@ -109,6 +105,11 @@ LSTATUS hold(std::string path, HKEY* key) {
 }
 
 } // namespace
+
+const char* registry::storePath() {
+    const char* path = std::getenv("SPM_REGISTRY");
+    return path != nullptr && *path != '\0' ? path : "/etc/kestrova/registry.reg";
+}
 
 LSTATUS RegOpenKeyExA(HKEY parent, const char* path, DWORD /*options*/, REGSAM /*access*/, HKEY* key) {
     const std::string_view parentPath = pathOf(parent);

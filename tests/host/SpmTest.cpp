@@ -133,7 +133,7 @@ TEST_F(Spm, SaysWhatFailedAndWithWhat) {
     writeFile(chart, "name\none\n");
     const std::vector<Case> cases{
         {{"measure", "--module", missing}, "can't load the module " + missing + ": "},
-        {{"measure", "--module", noModule}, "; name it with --module, and have the SDK library beside it\n"},
+        {{"measure", "--module", noModule}, "; name another one with --module, or see what \"spm doctor\" finds\n"},
         {{"measure", "--module", sdkFile.string()}, "is not a spectrophotometer module: it has no SPM_create"},
         {{"measure", "--chart", "/no/such/chart.csv"}, "can't read the chart file /no/such/chart.csv"},
         {{"measure", "--chart", chart}, " names 1 patches, but 24 are to be measured; "},
@@ -163,8 +163,7 @@ TEST_F(Spm, PassesOnTheModulesErrorText) {
     const std::vector<Case> cases{
         {{.function = "I1PRO3_OpenDevice", .result = 9, .errorText = "lamp"},
          "the instrument could not be opened: " + lamp},
-        {{.function = "I1PRO3_GetDevices"},
-         "the instrument could not be opened: none was found; connect one by USB and try again"},
+        {{.function = "I1PRO3_GetDevices"}, "no instrument was found; connect one by USB and try again"},
         {{.function = "I1PRO3_Calibrate", .result = 9, .errorText = "lamp"}, "calibrating failed: " + lamp},
         {{.function = "I1PRO3_GetTriStimulus", .result = 9, .errorText = "lamp"}, "measuring failed: " + lamp},
         {{.function = "I1PRO3_GetSpectrum", .result = 9, .errorText = "lamp"}, "measuring failed: " + lamp},

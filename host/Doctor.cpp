@@ -1,0 +1,240 @@
+// The examination of an installation. Each part is looked at by itself where that is possible, so that one fault does
+// not hide another: settings and log file also when the module can't be loaded, the vendor's library then alone.
+
+#include "host/Doctor.h"
+
+#include "host/HostError.h"
+#include "host/Instrument.h"
+#include "host/SdkFunctions.h"
+#include "host/Settings.h"
+
+#include <algorithm>
+#include <fmt/color.h>
+#include <fstream>
+#include <memory>
+#include <system_error>
+
+namespace host {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+using Findings = std::vector<Finding>;
+
+// The vendor's library
+
+std::string withoutSdk(const fs::path& folder) {
+    return fmt::format("put the vendor's {} into {}, or the simulated one to try things out", sdkFileName,
+                       folder.string());
+}
+
+/// Looks at the vendor's library alone, for why the module could not be loaded with it.
+Finding examineSdkFile(const fs::path& file) {
+    const auto wrong = [&](const std::string& text) {
+        return Finding{Verdict::wrong, "SDK library", text, withoutSdk(file.parent_path())};
+    };
+    if (!fs::exists(file)) return wrong(fmt::format("{} is missing", file.string()));
+    try {
+        const loader::SharedLibrary library(file);
+        const auto missing = std::find_if(sdkFunctions.begin(), sdkFunctions.end(),
+                                          [&](const char* name) { return library.find(name) == nullptr; });
+        if (missing != sdkFunctions.end()) return wrong(fmt::format("{} has no {}", file.string(), *missing));
+        return {Verdict::good, "SDK library", file.string(), ""};
+    } catch (const loader::LoadError& error) {
+        return wrong(fmt::format("can't be loaded: {}", error.what()));
+    }
+}
+
+Finding examineSdk(const Module& module) {
+    const std::string file = loader::fileOf(module.findInSdk(sdkFunctions.front())).string();
+    const std::string simulation = module.simulation();
+    if (simulation.empty()) return {Verdict::good, "SDK library", file, ""};
+    return {Verdict::note, "SDK library", fmt::format("{}\nSIMULATED: {}", file, simulation),
+            "to measure with an instrument, put the vendor's library in its place"};
+}
+
+// The module
+
+Finding describeModule(const Module& module) {
+    const std::uint32_t version = module.getVersion(nullptr);
+    const std::string file = loader::fileOf(reinterpret_cast<const void*>(module.create)).string();
+    if (version == 0) {
+        return {Verdict::note, "Module", fmt::format("{}\nits version can't be read", file),
+                "install the module's file anew"};
+    }
+    return {Verdict::good, "Module",
+            fmt::format("{}\nversion {}, minor version {}", file, version, module.getMinorVersion()), ""};
+}
+
+/// Loads the module. @return null when that is not possible
+std::unique_ptr<Module> examineModule(const fs::path& file, Findings& findings) {
+    if (!fs::exists(file)) {
+        findings.push_back({Verdict::wrong, "Module", fmt::format("{} is missing", file.string()),
+                            "put it there, or name another one with --module"});
+        return nullptr;
+    }
+    try {
+        auto module = std::make_unique<Module>(file);
+        findings.push_back(describeModule(*module));
+        findings.push_back(examineSdk(*module));
+        return module;
+    } catch (const HostError& error) {
+        const Finding sdk = examineSdkFile(fs::absolute(file).parent_path() / sdkFileName);
+        findings.push_back(
+            {Verdict::wrong, "Module", error.failure(),
+             sdk.verdict == Verdict::good ? "install the module's file anew" : "mend the SDK library first"});
+        findings.push_back(sdk);
+        return nullptr;
+    }
+}
+
+// Settings and log file
+
+template <class Value>
+Finding describeSetting(const Setting<Value>& setting, std::string_view byDefault, std::string_view type) {
+    if (setting.value) {
+        return {Verdict::good, setting.name, fmt::format("{}, from {}", *setting.value, setting.key), ""};
+    }
+    if (!setting.isStored) {
+        return {Verdict::good, setting.name, fmt::format("{} by default, not set in {}", byDefault, setting.key), ""};
+    }
+    return {Verdict::wrong, setting.name,
+            fmt::format("{} by default, because what is set in {} is no {}", byDefault, setting.key, type),
+            fmt::format("set it as a {}, or remove it", type)};
+}
+
+Finding describeSettings(Settings::Access access) {
+    const std::string place = settingsPlace();
+    switch (access) {
+    case Settings::Access::granted:
+        return {Verdict::good, "Settings", place, ""};
+    case Settings::Access::forbidden:
+        return {Verdict::note, "Settings",
+                fmt::format("the defaults hold, because this user has no right to read and write {}", place),
+                "to have settings, give the user these rights"};
+    default:
+        return {Verdict::wrong, "Settings",
+                fmt::format("the defaults hold, because {} is damaged or can't be read", place),
+                "mend or remove it; a settings file begins with the line REGEDIT4"};
+    }
+}
+
+void examineSettings(const Settings& settings, Findings& findings) {
+    findings.push_back(describeSettings(settings.access));
+    findings.push_back(describeSetting(settings.logging, "0", "REG_DWORD"));
+    findings.push_back(describeSetting(settings.details, "0", "REG_DWORD"));
+    findings.push_back(describeSetting(settings.device, "the first", "REG_SZ"));
+}
+
+/// Whether a line could be appended to a file. It is left as it was.
+bool isWritable(const fs::path& file) {
+    std::error_code ignored;
+    const bool isThere = fs::exists(file, ignored);
+    const bool isOpen = std::ofstream(file, std::ios::app).is_open();
+    if (isOpen && !isThere) fs::remove(file, ignored);
+    return isOpen;
+}
+
+Finding examineLogFile(fs::path module, const Settings& settings) {
+    const std::string file = module.replace_extension(".log").string();
+    const bool isWanted = settings.logging.value.value_or(0) != 0;
+    if (!isWritable(file)) {
+        return {isWanted ? Verdict::wrong : Verdict::note, "Log file", fmt::format("{} can't be written", file),
+                "give this user the right to write to it and to its folder"};
+    }
+    return {Verdict::good, "Log file", fmt::format("{}, {}", file, isWanted ? "written" : "not asked for"), ""};
+}
+
+// The instrument
+
+std::string afterFailure(const Module& module) {
+    return module.simulation().empty()
+               ? "connect one by USB, end other programs that use it, and try again"
+               : "it is simulated: look at the script that the environment variable I1PRO3_SIMULATOR names";
+}
+
+void examineInstrument(const Module& module, Findings& findings) {
+    try {
+        Instrument instrument(module);
+        findings.push_back({Verdict::good, "Instrument", "found and opened", ""});
+        const bool isCalibrated = instrument.isCalibrated();
+        if (!instrument.isAnswering()) throw HostError("the connection to the instrument was lost");
+        findings.push_back({isCalibrated ? Verdict::good : Verdict::note, "Calibration",
+                            isCalibrated ? "done" : "not done",
+                            isCalibrated ? "" : "have the white reference at hand: \"spm measure\" begins with it"});
+    } catch (const HostError& error) {
+        findings.push_back({Verdict::wrong, "Instrument", error.failure(), afterFailure(module)});
+    }
+}
+
+// Presentation
+
+/// A text of several lines, the later ones indented like the first.
+std::string indented(std::string text, std::size_t columns) {
+    while (text.ends_with('\n')) {
+        text.pop_back();
+    }
+    const std::string indent = '\n' + std::string(columns, ' ');
+    for (std::size_t at = text.find('\n'); at != std::string::npos; at = text.find('\n', at + indent.size())) {
+        text.replace(at, 1, indent);
+    }
+    return text;
+}
+
+struct Mark {
+    const char* text;
+    fmt::terminal_color colour;
+};
+
+Mark markOf(Verdict verdict) {
+    switch (verdict) {
+    case Verdict::good:
+        return {"ok", fmt::terminal_color::green};
+    case Verdict::note:
+        return {"note", fmt::terminal_color::yellow};
+    default:
+        return {"WRONG", fmt::terminal_color::red};
+    }
+}
+
+std::string formatFinding(const Finding& finding, ColourDepth depth) {
+    constexpr std::size_t column = 20;
+    const Mark mark = markOf(finding.verdict);
+    const auto style = depth == ColourDepth::none ? fmt::text_style() : fmt::fg(mark.colour);
+    std::string text = fmt::format(style, "{:<6}", mark.text);
+    text += fmt::format(" {:<12} {}\n", finding.subject, indented(finding.text, column));
+    if (!finding.advice.empty()) text += fmt::format("{:{}}> {}\n", "", column, finding.advice);
+    return text;
+}
+
+} // namespace
+
+std::vector<Finding> examine(const fs::path& module) {
+    Findings findings;
+    const Settings settings = readSettings();
+    const std::unique_ptr<Module> loaded = examineModule(module, findings);
+    examineSettings(settings, findings);
+    findings.push_back(examineLogFile(module, settings));
+    if (loaded != nullptr) {
+        examineInstrument(*loaded, findings);
+    } else {
+        findings.push_back({Verdict::note, "Instrument", "not looked for, because the module is not loaded", ""});
+    }
+    return findings;
+}
+
+bool isSound(std::span<const Finding> findings) {
+    return std::none_of(findings.begin(), findings.end(),
+                        [](const Finding& finding) { return finding.verdict == Verdict::wrong; });
+}
+
+std::string formatFindings(std::span<const Finding> findings, ColourDepth depth) {
+    std::string text;
+    for (const Finding& finding : findings) {
+        text += formatFinding(finding, depth);
+    }
+    return text + (isSound(findings) ? "\nReady to measure.\n" : "\nNot ready: mend what is marked WRONG.\n");
+}
+
+} // namespace host
