@@ -1,5 +1,4 @@
 #include "host/Formats.h"
-#include "host/HostError.h"
 #include "host/Values.h"
 
 #include <algorithm>
@@ -10,27 +9,33 @@ namespace host {
 
 namespace {
 
-/// The columns of values that all readings have.
+/// The columns of values that a reading has, and so its table.
 struct Columns {
     bool lab = false;
     std::vector<std::int32_t> wavelengths{};
-    bool areAll = false;
+
+    bool operator==(const Columns&) const = default;
+    std::size_t size() const { return (lab ? 3 : 0) + wavelengths.size(); }
 };
 
-Columns commonColumns(const Run& run) {
-    const auto all = [&](const auto& has) { return std::all_of(run.readings.begin(), run.readings.end(), has); };
-    Columns columns;
-    columns.lab = all([](const Reading& reading) { return reading.lab.has_value(); });
-    const std::set<std::int32_t> measured = wavelengths(run);
-    std::copy_if(measured.begin(), measured.end(), std::back_inserter(columns.wavelengths), [&](std::int32_t each) {
-        return all([&](const Reading& reading) { return reflectance(reading, each).has_value(); });
-    });
-    columns.areAll = columns.lab == hasLab(run) && columns.wavelengths.size() == measured.size();
-    if (!columns.lab && columns.wavelengths.empty()) {
-        throw HostError("the patches have no measured value in common, and CGATS can't leave one out; choose CSV or "
-                        "JSON");
-    }
+Columns columnsOf(const Reading& reading) {
+    Columns columns{reading.lab.has_value()};
+    std::transform(reading.spectrum.begin(), reading.spectrum.end(), std::back_inserter(columns.wavelengths),
+                   [](const SPM_REFLECTION& point) { return point.wavelength; });
+    std::sort(columns.wavelengths.begin(), columns.wavelengths.end());
     return columns;
+}
+
+/// The columns of each table: the widest first, since there are programs that read the first alone.
+std::vector<Columns> tablesOf(const Run& run) {
+    std::vector<Columns> tables;
+    for (const Reading& reading : run.readings) {
+        Columns columns = columnsOf(reading);
+        if (std::find(tables.begin(), tables.end(), columns) == tables.end()) tables.push_back(std::move(columns));
+    }
+    std::stable_sort(tables.begin(), tables.end(),
+                     [](const Columns& one, const Columns& other) { return one.size() > other.size(); });
+    return tables;
 }
 
 std::string quoted(std::string text) {
@@ -52,10 +57,12 @@ std::string ownLine(const std::string& keyword, std::string_view text) {
     return line("KEYWORD", keyword) + line(keyword, std::string(text));
 }
 
-std::string descriptor(const Run& run, const Columns& columns) {
+std::string descriptor(const Run& run, std::size_t patches) {
     const std::string arrangement = run.patchesInRow > 0 ? fmt::format(" in rows of {}", run.patchesInRow) : "";
-    const char* const remark = columns.areAll ? "" : "; values that not all of them have are left out";
-    return fmt::format("patches: {}{}{}", run.readings.size(), arrangement, remark);
+    const std::size_t all = run.readings.size();
+    if (patches == all) return fmt::format("patches: {}{}", all, arrangement);
+    return fmt::format("patches: {} of {}{}; those with other values stand in tables of their own", patches, all,
+                       arrangement);
 }
 
 std::string instrumentation(const Run& run) {
@@ -63,11 +70,11 @@ std::string instrumentation(const Run& run) {
     return fmt::format("{}module {}, version {}", source, run.module, run.version);
 }
 
-std::string header(const Run& run, const Columns& columns) {
+std::string header(const Run& run, const Columns& columns, std::size_t patches) {
     std::string text = "CGATS.17\n";
     text += line("ORIGINATOR", "spm");
     text += line("FILE_DESCRIPTOR", "Measured colours");
-    text += line("DESCRIPTOR", descriptor(run, columns));
+    text += line("DESCRIPTOR", descriptor(run, patches));
     text += line("CREATED", run.started);
     text += line("INSTRUMENTATION", instrumentation(run));
     if (columns.lab) {
@@ -91,27 +98,35 @@ std::string format(const Columns& columns) {
 
 std::string dataLine(std::size_t id, const Reading& reading, const Columns& columns) {
     std::string text = fmt::format("{}\t{}", id, quoted(reading.name));
-    if (columns.lab) text += fmt::format("\t{:.4f}\t{:.4f}\t{:.4f}", reading.lab->L, reading.lab->a, reading.lab->b);
+    if (reading.lab) text += fmt::format("\t{:.4f}\t{:.4f}\t{:.4f}", reading.lab->L, reading.lab->a, reading.lab->b);
     for (const std::int32_t wavelength : columns.wavelengths) {
         text += fmt::format("\t{:.6f}", static_cast<double>(reflectance(reading, wavelength).value()) / 100);
     }
     return text + '\n';
 }
 
+std::string table(const Run& run, const Columns& columns) {
+    std::string lines;
+    std::size_t patches = 0;
+    for (std::size_t i = 0; i < run.readings.size(); ++i) {
+        if (columnsOf(run.readings[i]) != columns) continue;
+        lines += dataLine(i + 1, run.readings[i], columns);
+        ++patches;
+    }
+    return header(run, columns, patches) + fmt::format("NUMBER_OF_FIELDS\t{}\n", 2 + columns.size()) +
+           fmt::format("BEGIN_DATA_FORMAT\n{}END_DATA_FORMAT\n", format(columns)) +
+           fmt::format("NUMBER_OF_SETS\t{}\nBEGIN_DATA\n{}END_DATA\n", patches, lines);
+}
+
 } // namespace
 
 std::string formatCgats(const Run& run) {
     requireValues(run);
-    const Columns columns = commonColumns(run);
-    std::string text = header(run, columns);
-    text += fmt::format("NUMBER_OF_FIELDS\t{}\n", 2 + (columns.lab ? 3 : 0) + columns.wavelengths.size());
-    text += fmt::format("BEGIN_DATA_FORMAT\n{}END_DATA_FORMAT\n", format(columns));
-    text += fmt::format("NUMBER_OF_SETS\t{}\nBEGIN_DATA\n", run.readings.size());
-    std::size_t id = 0;
-    for (const Reading& reading : run.readings) {
-        text += dataLine(++id, reading, columns);
+    std::string text;
+    for (const Columns& columns : tablesOf(run)) {
+        text += table(run, columns);
     }
-    return text + "END_DATA\n";
+    return text;
 }
 
 } // namespace host

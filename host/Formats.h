@@ -19,10 +19,10 @@ std::string formatCsv(const Run& run);
 /// What was not measured is not there. Bytes that are not UTF-8 become U+FFFD.
 std::string formatJson(const Run& run);
 
-/// The text form of ANSI CGATS.17, which has no missing values: the columns are those that all readings have.
+/// The text form of ANSI CGATS.17, which has no missing values: readings with other columns stand in further tables,
+/// with the numbers that they have in the run.
 /// In texts, quotes become apostrophes and control characters blanks, since a text can't escape them; an empty one
 /// becomes "-". Bytes that are not ASCII are kept.
-/// @throws HostError  also when the readings have no column in common
 std::string formatCgats(const Run& run);
 
 } // namespace host

@@ -73,6 +73,9 @@ public:
     ~Table() { cmsIT8Free(handle); }
 
     std::string type() const { return cmsIT8GetSheetType(handle); }
+    /// Goes to a table of the text.
+    void show(int number) { cmsIT8SetTable(handle, static_cast<cmsUInt32Number>(number)); }
+    int tables() const { return static_cast<int>(cmsIT8TableCount(handle)); }
     std::string property(const char* name) const { return textOf(cmsIT8GetProperty(handle, name)); }
     std::string property(const char* name, const char* part) const {
         return textOf(cmsIT8GetPropertyMulti(handle, name, part));
@@ -139,6 +142,21 @@ TEST(Cgats, IsReadByAnotherProgram) {
             EXPECT_EQ(table.text(i, 1), names[i]);
         }
     }
+}
+
+TEST(Cgats, OfAnInterruptedRunIsReadByAnotherProgram) {
+    host::Run run = row(true, true);
+    run.readings.resize(3);
+    run.readings[1].spectrum.clear();
+    Table table(host::formatCgats(run));
+    ASSERT_EQ(table.tables(), 2);
+    EXPECT_EQ(table.property("NUMBER_OF_SETS"), "2");
+    EXPECT_NEAR(table.number(2, "SPECTRAL_NM730"), run.readings[2].spectrum.back().value / 100., 0.0000005001);
+    table.show(1);
+    EXPECT_EQ(table.columns().size(), 5U);
+    EXPECT_EQ(table.property("NUMBER_OF_SETS"), "1");
+    EXPECT_EQ(table.property("WEIGHTING_FUNCTION", "ILLUMINANT"), "D65");
+    EXPECT_NEAR(table.number(1, "LAB_L"), run.readings[1].lab->L, 0.00005001);
 }
 
 TEST(Cgats, HasADecimalPointInEveryLocaleAsHaveTheOtherForms) {
