@@ -15,6 +15,13 @@ namespace {
 constexpr auto pause = std::chrono::milliseconds(50);
 constexpr const char* clearLine = "\r\x1b[K";
 
+std::string bar(const Progress& progress) {
+    constexpr std::size_t width = 24;
+    const std::size_t filled = progress.done * width / progress.all;
+    return fmt::format("[{:#<{}}{:.<{}}] {} of {} patches", "", filled, "", width - filled, progress.done,
+                       progress.all);
+}
+
 } // namespace
 
 Dialogue::Dialogue() : isShown(isTerminal(stderr)), canAsk(isShown && isTerminal(stdin)) {}
@@ -28,12 +35,12 @@ void Dialogue::clear() const {
     if (isShown) fmt::print(stderr, "{}", clearLine);
 }
 
-Instrument::Wait Dialogue::wait(const std::string& progress) const {
-    return [this, progress, begin = std::chrono::steady_clock::now()] {
+Instrument::Wait Dialogue::wait(const Progress& progress) const {
+    return [this, line = bar(progress), begin = std::chrono::steady_clock::now()] {
         InterruptGuard::check();
         if (isShown) {
             const auto waited = std::chrono::steady_clock::now() - begin;
-            fmt::print(stderr, "{}{}, waiting for the button for {} s ", clearLine, progress,
+            fmt::print(stderr, "{}{}; waiting for the button, {} s ", clearLine, line,
                        std::chrono::duration_cast<std::chrono::seconds>(waited).count());
             std::fflush(stderr);
         }

@@ -2,9 +2,16 @@
 
 #include "host/Instrument.h"
 
+#include <cstddef>
 #include <string>
 
 namespace host {
+
+/// How much of the measuring is done, in patches.
+struct Progress {
+    std::size_t done;
+    std::size_t all;
+};
 
 /// What is said to the person who measures. All of it goes to standard error: standard output has data alone.
 class Dialogue {
@@ -18,9 +25,9 @@ public:
     /// Takes the live line away, before something else is shown on the terminal.
     void clear() const;
 
-    /// What to do while the button is waited for: a live line on a terminal shows how long already.
-    /// The wait throws Interrupted when the person ends the measuring.
-    Instrument::Wait wait(const std::string& progress) const;
+    /// What to do while the button is waited for: on a terminal a live line shows what is done, and how long the wait
+    /// is. The wait throws Interrupted when the person ends the measuring.
+    Instrument::Wait wait(const Progress& progress) const;
 
     /// Tells of a failure and asks what to do. Where nobody can be asked, it is the end.
     Choice askAfterFailure(const std::string& what) const;

@@ -167,9 +167,9 @@ void expectAll(const Stretch& stretch, std::size_t found) {
 }
 
 void readStretch(Instrument& instrument, const Dialogue& dialogue, Kind kind, const Stretch& stretch,
-                 std::span<Reading> patches) {
+                 const Progress& progress, std::span<Reading> patches) {
     dialogue.say(promptFor(kind, stretch, patches));
-    const Instrument::Wait wait = dialogue.wait(stretch.name);
+    const Instrument::Wait wait = dialogue.wait(progress);
     if (kind == Kind::lab) {
         const std::vector<SPM_LAB> values = instrument.read(stretch.count, wait);
         expectAll(stretch, values.size());
@@ -188,10 +188,10 @@ void readStretch(Instrument& instrument, const Dialogue& dialogue, Kind kind, co
 /// Measures a stretch until it was read or is not wanted any more.
 /// @return false when it was skipped
 bool measureStretch(Instrument& instrument, const Dialogue& dialogue, Kind kind, const Stretch& stretch,
-                    std::span<Reading> patches) {
+                    const Progress& progress, std::span<Reading> patches) {
     for (;;) {
         try {
-            readStretch(instrument, dialogue, kind, stretch, patches);
+            readStretch(instrument, dialogue, kind, stretch, progress, patches);
             dialogue.clear();
             return true;
         } catch (const HostError& error) {
@@ -202,22 +202,26 @@ bool measureStretch(Instrument& instrument, const Dialogue& dialogue, Kind kind,
     }
 }
 
-void calibrate(Instrument& instrument, const Dialogue& dialogue) {
+void calibrate(Instrument& instrument, const Dialogue& dialogue, const Progress& progress) {
     dialogue.say("\nCalibration: place the instrument on its white reference and press the button.");
-    instrument.calibrate(dialogue.wait("Calibration"));
+    instrument.calibrate(dialogue.wait(progress));
     dialogue.say("Calibrated.");
 }
 
 Outcome measureAll(const Module& module, const MeasureOptions& options, const Dialogue& dialogue, Record& record) {
+    const std::vector<Kind> passes = passesOf(options);
+    const std::vector<Stretch> stretches = stretchesOf(options);
+    Progress progress{0, passes.size() * stretches.size() * static_cast<std::size_t>(stretches.front().count)};
     Outcome outcome = Outcome::complete;
     const InterruptGuard interrupts;
     try {
         Instrument instrument(module);
-        calibrate(instrument, dialogue);
-        for (const Kind kind : passesOf(options)) {
-            for (const Stretch& stretch : stretchesOf(options)) {
-                if (measureStretch(instrument, dialogue, kind, stretch, record.patches(stretch))) {
+        calibrate(instrument, dialogue, progress);
+        for (const Kind kind : passes) {
+            for (const Stretch& stretch : stretches) {
+                if (measureStretch(instrument, dialogue, kind, stretch, progress, record.patches(stretch))) {
                     record.save(kind, stretch);
+                    progress.done += static_cast<std::size_t>(stretch.count);
                 } else {
                     outcome = Outcome::incomplete;
                 }
@@ -255,6 +259,9 @@ void introduce(const Dialogue& dialogue, const Run& run, const MeasureOptions& o
 Outcome measure(const MeasureOptions& options) {
     const std::optional<Reference> reference = referenceOf(options);
     const std::vector<std::string> names = patchNames(options);
+    for (const std::filesystem::path& file : {options.output, options.report}) {
+        if (!file.empty()) requireWritable(file);
+    }
     const Dialogue dialogue;
     const Module module(options.module);
     Record record(options, begin(module, options), names);

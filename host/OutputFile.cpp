@@ -9,23 +9,56 @@
 
 namespace host {
 
-void replaceFile(const std::filesystem::path& file, const std::string& content) {
-    std::filesystem::path part = file;
-    part += ".part";
-    try {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* advice = "choose another file or free its folder";
+
+/// A file beside another, removed with the object unless it took the other's place.
+class PartFile {
+public:
+    explicit PartFile(fs::path file) : whole(std::move(file)), part(whole) { part += ".part"; }
+    PartFile(const PartFile&) = delete;
+    PartFile& operator=(const PartFile&) = delete;
+    ~PartFile() {
+        std::error_code ignored;
+        fs::remove(part, ignored);
+    }
+
+    void write(const std::string& content) const try {
         std::ofstream stream;
         stream.exceptions(std::ios::badbit | std::ios::failbit);
         stream.open(part);
         stream << content;
         stream.close();
-        std::filesystem::rename(part, file);
-    } catch (const std::filesystem::filesystem_error& error) {
-        throw HostError(fmt::format("can't write {}: {}; choose another file or free its folder", file.string(),
-                                    error.code().message()));
     } catch (const std::ios::failure&) {
-        throw HostError(fmt::format("can't write {}: {}; choose another file or free its folder", part.string(),
-                                    std::generic_category().message(errno)));
+        throw HostError(fmt::format("can't write {}: {}", part.string(), std::generic_category().message(errno)),
+                        advice);
     }
+
+    void takePlace() const {
+        std::error_code error;
+        fs::rename(part, whole, error);
+        if (error) throw HostError(fmt::format("can't write {}: {}", whole.string(), error.message()), advice);
+    }
+
+private:
+    fs::path whole;
+    fs::path part;
+};
+
+} // namespace
+
+void replaceFile(const fs::path& file, const std::string& content) {
+    const PartFile part(file);
+    part.write(content);
+    part.takePlace();
+}
+
+void requireWritable(const fs::path& file) {
+    if (fs::is_directory(file)) throw HostError(fmt::format("can't write {}: it is a folder", file.string()), advice);
+    PartFile(file).write("");
 }
 
 } // namespace host

@@ -10,4 +10,8 @@ namespace host {
 /// @throws HostError  with the file and the reason
 void replaceFile(const std::filesystem::path& file, const std::string& content);
 
+/// Looks whether a file can be replaced, without doing it.
+/// @throws HostError  like replaceFile
+void requireWritable(const std::filesystem::path& file);
+
 } // namespace host

@@ -1,5 +1,7 @@
 #include "host/Swatch.h"
 
+#include "host/System.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
@@ -38,7 +40,7 @@ int paletteIndex(const std::array<std::uint8_t, 3>& rgb) {
 ColourDepth colourDepth(bool isTerminal) {
     if (!isTerminal || !environment("NO_COLOR").empty()) return ColourDepth::none;
     const std::string_view colours = environment("COLORTERM");
-    if (colours == "truecolor" || colours == "24bit") return ColourDepth::trueColour;
+    if (colours == "truecolor" || colours == "24bit" || isColourConsole()) return ColourDepth::trueColour;
     return environment("TERM").find("256color") != std::string_view::npos ? ColourDepth::palette256 : ColourDepth::none;
 }
 

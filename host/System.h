@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <string>
+#include <vector>
 
 // What the host asks of the system; one source per system implements it.
 
@@ -13,8 +14,17 @@ namespace host {
 /// The folder of the running program.
 std::filesystem::path programFolder();
 
+/// The program's arguments without its name, in UTF-8 where the system knows their characters.
+std::vector<std::string> arguments(int argc, const char* const* argv);
+
 /// Whether a stream is shown to a person.
 bool isTerminal(std::FILE* stream);
+
+/// Makes the consoles of the standard streams show UTF-8 and escape sequences, where they do not by themselves.
+void prepareConsole();
+
+/// Whether the system's own console, without a variable that says so, shows all colours.
+bool isColourConsole();
 
 /// Where the module's settings are kept, for people.
 std::string settingsPlace();

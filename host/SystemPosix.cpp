@@ -12,8 +12,18 @@ std::filesystem::path programFolder() {
     return std::filesystem::read_symlink("/proc/self/exe").parent_path();
 }
 
+std::vector<std::string> arguments(int argc, const char* const* argv) {
+    return {argv + 1, argv + argc};
+}
+
 bool isTerminal(std::FILE* stream) {
     return isatty(fileno(stream)) == 1;
+}
+
+void prepareConsole() {}
+
+bool isColourConsole() {
+    return false;
 }
 
 std::string settingsPlace() {

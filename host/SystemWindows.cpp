@@ -1,7 +1,11 @@
 #include "host/System.h"
 #include "platform/win32.h"
 
+#include <algorithm>
 #include <io.h>
+#include <iterator>
+#include <memory>
+#include <shellapi.h>
 
 namespace host {
 
@@ -12,8 +16,32 @@ std::filesystem::path programFolder() {
     return loader::fileOf(reinterpret_cast<const void*>(&programFolder)).parent_path();
 }
 
+std::vector<std::string> arguments(int /*argc*/, const char* const* /*argv*/) {
+    int count = 0;
+    const std::unique_ptr<LPWSTR, decltype(&LocalFree)> list(CommandLineToArgvW(GetCommandLineW(), &count), LocalFree);
+    std::vector<std::string> texts;
+    std::transform(list.get() + 1, list.get() + count, std::back_inserter(texts),
+                   [](LPCWSTR text) { return std::filesystem::path(text).string(); });
+    return texts;
+}
+
 bool isTerminal(std::FILE* stream) {
     return _isatty(_fileno(stream)) != 0;
+}
+
+void prepareConsole() {
+    SetConsoleOutputCP(CP_UTF8);
+    for (const DWORD stream : {STD_OUTPUT_HANDLE, STD_ERROR_HANDLE}) {
+        DWORD mode = 0;
+        HANDLE const console = GetStdHandle(stream);
+        if (GetConsoleMode(console, &mode) != 0) SetConsoleMode(console, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
+    }
+}
+
+bool isColourConsole() {
+    DWORD mode = 0;
+    return GetConsoleMode(GetStdHandle(STD_OUTPUT_HANDLE), &mode) != 0 &&
+           (mode & ENABLE_VIRTUAL_TERMINAL_PROCESSING) != 0;
 }
 
 std::string settingsPlace() {

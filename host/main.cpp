@@ -3,6 +3,7 @@
 #include "host/Measure.h"
 #include "host/System.h"
 
+#include <algorithm>
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <cstdlib>
@@ -55,7 +56,8 @@ Examples:
   spm doctor --module /opt/colour/spm_i1pro3.so)";
 
 CLI::Option* addFile(CLI::App& command, const char* name, std::filesystem::path& path, const char* text) {
-    return command.add_option(name, path, text)->type_name("FILE");
+    const auto take = [&path](const std::string& given) { path = std::u8string(given.begin(), given.end()); };
+    return command.add_option_function<std::string>(name, take, text)->type_name("FILE");
 }
 
 void addModule(CLI::App& command, std::filesystem::path& path) {
@@ -110,7 +112,7 @@ int diagnose(const std::filesystem::path& module) {
     return host::isSound(findings) ? EXIT_SUCCESS : failed;
 }
 
-int run(int argc, char** argv) {
+int run(std::vector<std::string> arguments) {
     CLI::App app{"spm - measures colour through the spectrophotometer module", "spm"};
     app.require_subcommand(1);
     std::filesystem::path module;
@@ -118,7 +120,8 @@ int run(int argc, char** argv) {
     host::MeasureOptions options;
     addMeasure(app, options);
     try {
-        app.parse(argc, argv);
+        std::reverse(arguments.begin(), arguments.end()); // as the parser wants them
+        app.parse(arguments);
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? EXIT_SUCCESS : wrongUse;
     }
@@ -130,7 +133,8 @@ int run(int argc, char** argv) {
 
 int main(int argc, char** argv) {
     try {
-        return run(argc, argv);
+        host::prepareConsole();
+        return run(host::arguments(argc, argv));
     } catch (const std::exception& error) {
         std::fflush(stdout);
         std::fprintf(stderr, "spm: %s\n", error.what());

@@ -100,6 +100,13 @@ TEST_F(Spm, MeasuresSpotsComparesAndReports) {
     EXPECT_NE(readFile(report).find("two"), std::string::npos);
 }
 
+TEST_F(Spm, KeepsNamesOfAllLanguages) {
+    const std::filesystem::path values = folder / "" / u8"values \u8272.csv";
+    ASSERT_EQ(run({"measure", "--spots", "1", "--names", "gr\xC3\xBCn \xE7\xB7\x91", "--output", values.string()}), 0)
+        << errors();
+    EXPECT_NE(readText(values).find("\ngr\xC3\xBCn \xE7\xB7\x91,"), std::string::npos) << readText(values);
+}
+
 TEST_F(Spm, MeasuresAgainWhatWasRecorded) {
     const std::filesystem::path module = folder / host::moduleFileName;
     const std::filesystem::path script = folder / "script.json";
@@ -129,6 +136,7 @@ TEST_F(Spm, SaysWhatFailedAndWithWhat) {
     const std::string missing = (folder / "missing.module").string();
     const std::string noModule = (folder / "no module").string();
     const std::string chart = (folder / "chart.csv").string();
+    const std::string noFolder = (folder / "missing" / "page").string();
     writeFile(noModule, "text");
     writeFile(chart, "name\none\n");
     const std::vector<Case> cases{
@@ -142,6 +150,11 @@ TEST_F(Spm, SaysWhatFailedAndWithWhat) {
         {{"measure", "--spots", "2", "--rows", "2"}, "--spots"},
         {{"measure", "--output", "/tmp/values"}, "the name /tmp/values does not tell the format; "},
         {{"measure", "--format", "xml"}, "--format"},
+        {{"measure", "--output", noFolder + ".csv"},
+         "can't write " + noFolder + ".csv.part: No such file or directory; "},
+        {{"measure", "--report", noFolder}, "can't write " + noFolder + ".part: No such file or directory; "},
+        {{"measure", "--report", (folder / "").parent_path().string()},
+         ": it is a folder; choose another file or free its folder\n"},
         {{"measure", "--reference", missing}, missing},
         {{"measure", "--reference", missing, "--spectra"}, "which are not measured; add --lab"},
         {{}, "subcommand"},

@@ -81,7 +81,9 @@ int run(const fs::path& program, const std::vector<std::string>& arguments, cons
         command += " " + inQuotes(argument);
     }
     command += " >" + inQuotes(output.out.string()) + " 2>" + inQuotes(output.err.string());
-    return std::system(inQuotes(command).c_str()); // the command interpreter takes away the outer quotes
+    const std::string quoted = inQuotes(command);
+    return _wsystem(fs::path(std::u8string(quoted.begin(), quoted.end()))
+                        .c_str()); // the command interpreter takes away the outer quotes
 }
 
 bool isLoaded(const fs::path& library) {
