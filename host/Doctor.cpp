@@ -12,6 +12,7 @@
 #include <fmt/color.h>
 #include <fstream>
 #include <memory>
+#include <optional>
 #include <system_error>
 
 namespace host {
@@ -24,33 +25,41 @@ using Findings = std::vector<Finding>;
 
 // The vendor's library
 
-std::string withoutSdk(const fs::path& folder) {
-    return fmt::format("put the vendor's {} into {}, or the simulated one to try things out", sdkFileName,
-                       folder.string());
+Finding wrongSdk(const fs::path& file, const std::string& text) {
+    return {Verdict::wrong, "SDK library", text,
+            fmt::format("put the vendor's {} into {}, or the simulated one to try things out", sdkFileName,
+                        file.parent_path().string())};
+}
+
+/// Looks for the functions that the module needs. Not everywhere does a missing one keep the module from being loaded.
+template <class Find>
+std::optional<Finding> findMissingFunction(const fs::path& file, const Find& find) {
+    const auto missing =
+        std::find_if(sdkFunctions.begin(), sdkFunctions.end(), [&](const char* name) { return find(name) == nullptr; });
+    if (missing == sdkFunctions.end()) return std::nullopt;
+    return wrongSdk(file, fmt::format("{} has no {}", file.string(), *missing));
 }
 
 /// Looks at the vendor's library alone, for why the module could not be loaded with it.
 Finding examineSdkFile(const fs::path& file) {
-    const auto wrong = [&](const std::string& text) {
-        return Finding{Verdict::wrong, "SDK library", text, withoutSdk(file.parent_path())};
-    };
-    if (!fs::exists(file)) return wrong(fmt::format("{} is missing", file.string()));
+    if (!fs::exists(file)) return wrongSdk(file, fmt::format("{} is missing", file.string()));
     try {
         const loader::SharedLibrary library(file);
-        const auto missing = std::find_if(sdkFunctions.begin(), sdkFunctions.end(),
-                                          [&](const char* name) { return library.find(name) == nullptr; });
-        if (missing != sdkFunctions.end()) return wrong(fmt::format("{} has no {}", file.string(), *missing));
-        return {Verdict::good, "SDK library", file.string(), ""};
+        const auto missing = findMissingFunction(file, [&](const char* name) { return library.find(name); });
+        return missing.value_or(Finding{Verdict::good, "SDK library", file.string(), ""});
     } catch (const loader::LoadError& error) {
-        return wrong(fmt::format("can't be loaded: {}", error.what()));
+        return wrongSdk(file, fmt::format("can't be loaded: {}", error.what()));
     }
 }
 
 Finding examineSdk(const Module& module) {
-    const std::string file = loader::fileOf(module.findInSdk(sdkFunctions.front())).string();
+    const fs::path file = loader::fileOf(module.findInSdk(sdkFunctions.front()));
+    if (auto missing = findMissingFunction(file, [&](const char* name) { return module.findInSdk(name); })) {
+        return *missing;
+    }
     const std::string simulation = module.simulation();
-    if (simulation.empty()) return {Verdict::good, "SDK library", file, ""};
-    return {Verdict::note, "SDK library", fmt::format("{}\nSIMULATED: {}", file, simulation),
+    if (simulation.empty()) return {Verdict::good, "SDK library", file.string(), ""};
+    return {Verdict::note, "SDK library", fmt::format("{}\nSIMULATED: {}", file.string(), simulation),
             "to measure with an instrument, put the vendor's library in its place"};
 }
 
@@ -67,7 +76,7 @@ Finding describeModule(const Module& module) {
             fmt::format("{}\nversion {}, minor version {}", file, version, module.getMinorVersion()), ""};
 }
 
-/// Loads the module. @return null when that is not possible
+/// Loads the module. @return null when that is not possible, or no use
 std::unique_ptr<Module> examineModule(const fs::path& file, Findings& findings) {
     if (!fs::exists(file)) {
         findings.push_back({Verdict::wrong, "Module", fmt::format("{} is missing", file.string()),
@@ -78,6 +87,7 @@ std::unique_ptr<Module> examineModule(const fs::path& file, Findings& findings) 
         auto module = std::make_unique<Module>(file);
         findings.push_back(describeModule(*module));
         findings.push_back(examineSdk(*module));
+        if (findings.back().verdict == Verdict::wrong) return nullptr;
         return module;
     } catch (const HostError& error) {
         const Finding sdk = examineSdkFile(fs::absolute(file).parent_path() / sdkFileName);
@@ -219,7 +229,8 @@ std::vector<Finding> examine(const fs::path& module) {
     if (loaded != nullptr) {
         examineInstrument(*loaded, findings);
     } else {
-        findings.push_back({Verdict::note, "Instrument", "not looked for, because the module is not loaded", ""});
+        findings.push_back(
+            {Verdict::note, "Instrument", "not looked for", "mend the module and the SDK library first"});
     }
     return findings;
 }
