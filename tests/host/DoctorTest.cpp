@@ -30,11 +30,11 @@ public:
         std::filesystem::remove(folder / name);
         std::filesystem::copy_file(other, folder / name);
     }
-    void useScript(const std::string& text) {
+    void useScript(const std::string& text) const {
         writeFile(folder / "script.json", text);
         setVariable("I1PRO3_SIMULATOR", (folder / "script.json").string());
     }
-    void fail(const std::string& function, int call = 1) {
+    void fail(const std::string& function, int call = 1) const {
         useScript(R"({"faults": [{"function": "I1PRO3_)" + function + R"(", "call": )" + std::to_string(call) +
                   R"(, "result": 7, "text": "lamp"}]})");
     }
