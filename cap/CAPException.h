@@ -14,14 +14,14 @@ public:
     /// @param mainText    the main message
     /// @param detailText  further information, often empty
     CAPException(std::int32_t error, std::int32_t module, std::string mainText, std::string detailText = {});
-    CAPException(const CAPException&) = default;
-    CAPException& operator=(const CAPException&) = default;
+    CAPException(const CAPException&) = default;            ///< a copy
+    CAPException& operator=(const CAPException&) = default; ///< a copy
     virtual ~CAPException();
 
-    std::int32_t GetErrorNumber() const { return errorNumber; }
-    std::int32_t GetModuleNumber() const { return moduleNumber; }
-    std::string GetText() const { return text; }
-    std::string GetDetail() const { return detail; }
+    std::int32_t GetErrorNumber() const { return errorNumber; }   ///< what went wrong
+    std::int32_t GetModuleNumber() const { return moduleNumber; } ///< which part raised it
+    std::string GetText() const { return text; }                  ///< the main message
+    std::string GetDetail() const { return detail; }              ///< further information
 
 private:
     std::int32_t errorNumber;

@@ -5,11 +5,11 @@
 
 /// Severities of log messages; a smaller level is more severe. Any other number counts as further debug detail.
 namespace CAPLevel {
-inline constexpr std::int32_t error = 0;
-inline constexpr std::int32_t warning = 1;
-inline constexpr std::int32_t information = 2;
-inline constexpr std::int32_t debug = 3;
-inline constexpr std::int32_t details = 4;
+inline constexpr std::int32_t error = 0;       ///< something failed
+inline constexpr std::int32_t warning = 1;     ///< something is not as it should be
+inline constexpr std::int32_t information = 2; ///< for the user
+inline constexpr std::int32_t debug = 3;       ///< for who looks for a fault
+inline constexpr std::int32_t details = 4;     ///< the same, written only when asked for
 } // namespace CAPLevel
 
 /// One entry of the log as a listener sees it. Valid only during the call that hands it over: copy what is to be kept.
@@ -22,7 +22,9 @@ public:
     virtual std::int32_t GetModuleNumber() const = 0;
     /// The severity, see CAPLevel.
     virtual std::int32_t GetLevel() const = 0;
+    /// The main message.
     virtual std::string GetText() const = 0;
+    /// Further information, such as the instrument's own error number; often empty.
     virtual std::string GetDetail() const = 0;
     /// The whole message as one text without a line break at its end, such as "M7 E1539: lamp failure".
     virtual std::string ToString() const = 0;

@@ -8,6 +8,9 @@
 
 namespace host {
 
+/// The module beside this program, or else the one that was installed with it.
+std::filesystem::path defaultModule();
+
 /// The spectrophotometer module, loaded at run time, with its sixteen functions.
 class Module {
 public:

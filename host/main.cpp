@@ -1,6 +1,7 @@
 #include "host/Doctor.h"
 #include "host/HostError.h"
 #include "host/Measure.h"
+#include "host/Module.h"
 #include "host/System.h"
 
 #include <algorithm>
@@ -61,8 +62,8 @@ CLI::Option* addFile(CLI::App& command, const char* name, std::filesystem::path&
 }
 
 void addModule(CLI::App& command, std::filesystem::path& path) {
-    path = host::programFolder() / host::moduleFileName;
-    addFile(command, "--module", path, "module to load (default: the one beside this program)");
+    path = host::defaultModule();
+    addFile(command, "--module", path, "module to load (default: the one beside this program, or installed with it)");
 }
 
 CLI::App* addDoctor(CLI::App& app, std::filesystem::path& module) {

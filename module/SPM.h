@@ -17,9 +17,9 @@
  *   usable. Why SPM_open, SPM_calibrate, SPM_read, SPM_readSpectrum or SPM_destroy failed is logged, with the
  *   instrument's own error text. Without a message stay: that no instrument was found, that an earlier connection could
  *   not be closed, and the failures of the other functions.
- *   - A C++ host attaches an ICAPLoggingListener through the interface that the handle points to (module/IScmSPM.h).
+ *   - A C++ host attaches an ICAPLoggingListener through the interface that the handle points to (IScmSPM.h).
  *   - With the setting "Logging" (a REG_DWORD that is not 0 in the registry key
- *     HKEY_LOCAL_MACHINE\SOFTWARE\Kestrova\SPM, read by SPM_create), an object appends to the file with the module's
+ *     `HKEY_LOCAL_MACHINE\SOFTWARE\Kestrova\SPM`, read by SPM_create), an object appends to the file with the module's
  *     name and the extension ".log" beside the module. Messages reach it only while a listener is attached, so that of
  *     an object without one it tells only the begin and the end.
  *
@@ -59,7 +59,7 @@ extern "C" {
 #endif
 
 /**
- * A module object. Opaque to C. In C++ it is the interface in module/IScmSPM.h, for hosts that are built with the
+ * A module object. Opaque to C. In C++ it is the interface in IScmSPM.h, for hosts that are built with the
  * module's compiler.
  */
 typedef struct IScmSPM* SPM_HANDLE;
@@ -67,16 +67,16 @@ typedef struct IScmSPM* SPM_HANDLE;
 /** Options by the values of their list entries. The i1Pro 3 has aperture 1 (4.5 mm), illuminations 1 (UV included) and
  *  2 (UV excluded), and no auxiliary entries (0). 12 bytes. */
 typedef struct SPM_OPTIONS {
-    uint32_t aperture;
-    uint32_t illumination;
-    uint32_t auxiliary;
+    uint32_t aperture;     /**< 1 */
+    uint32_t illumination; /**< 1 or 2 */
+    uint32_t auxiliary;    /**< 0 */
 } SPM_OPTIONS;
 
 /** The options in force on the instrument, as in SPM_OPTIONS; all 0 while no instrument is open. 12 bytes. */
 typedef struct SPM_STATUS {
-    uint32_t aperture;
-    uint32_t illumination;
-    uint32_t auxiliary;
+    uint32_t aperture;     /**< 1 */
+    uint32_t illumination; /**< 1 */
+    uint32_t auxiliary;    /**< 0 */
 } SPM_STATUS;
 
 /** What the host may choose between, as bit masks of entry values. 20 bytes. */
@@ -107,9 +107,9 @@ typedef struct SPM_CALIBRATION {
 
 /** The CIELab values of one patch. 12 bytes. */
 typedef struct SPM_LAB {
-    float L;
-    float a;
-    float b;
+    float L; /**< lightness, 0 to 100 */
+    float a; /**< green to red */
+    float b; /**< blue to yellow */
 } SPM_LAB;
 
 /** One point of a reflectance spectrum. 8 bytes. */
@@ -265,6 +265,7 @@ bool SPM_read(SPM_HANDLE handle, SPM_LAB* values, int32_t* count);
  */
 bool SPM_readSpectrum(SPM_HANDLE handle, SPM_SPECTRUM* spectra, int32_t* count);
 
+/** @{ The type of a pointer to the function of its name, for hosts that load the module at run time. */
 typedef uint32_t (*SPM_getVersion_t)(SPM_VERSION* version);
 typedef uint32_t (*SPM_getMinorVersion_t)(void);
 typedef void (*SPM_getType_t)(SPM_TEXT* type);
@@ -281,6 +282,7 @@ typedef bool (*SPM_isCalibrated_t)(SPM_HANDLE handle);
 typedef int32_t (*SPM_getNumberOfReflections_t)(SPM_HANDLE handle);
 typedef bool (*SPM_read_t)(SPM_HANDLE handle, SPM_LAB* values, int32_t* count);
 typedef bool (*SPM_readSpectrum_t)(SPM_HANDLE handle, SPM_SPECTRUM* spectra, int32_t* count);
+/** @} */
 
 #ifdef __cplusplus
 }

@@ -3,7 +3,6 @@
 Use: release_test.py BUILD_FOLDER, that of the preset "windows"; needs pefile, cpack and Wine.
 """
 
-import shutil
 import subprocess
 import sys
 import tempfile
@@ -20,11 +19,15 @@ EXPORTS = (PROJECT / "module/exports.txt").read_text().split()
 IMPORTS = {"ADVAPI32.dll", "KERNEL32.dll", "VERSION.dll", "i1Pro364.dll", "msvcrt.dll"}
 MITIGATIONS = ["IMAGE_DLLCHARACTERISTICS_DYNAMIC_BASE", "IMAGE_DLLCHARACTERISTICS_HIGH_ENTROPY_VA",
                "IMAGE_DLLCHARACTERISTICS_NX_COMPAT"]
-ARCHIVE = ["README.md", "bin/spm.exe", "bin/spm_i1pro3.dll", "docs/simulator.md", "include/SPM.h",
-           "lib/libspm_i1pro3.dll.a", "licenses/CLI11.txt", "licenses/GPL-3.txt", "licenses/fmt.txt",
+HEADERS = ["IScmSPM.h", "SPM.h", "cap/CAPException.h", "cap/CAPLoggingHandler.h", "cap/ICAPLoggingListener.h",
+           "cap/ICAPLoggingMessage.h", "cap/ICAPLoggingSource.h"]
+PACKAGE = ["spm_i1pro3-config-version.cmake", "spm_i1pro3-config.cmake"]
+ARCHIVE = ["README.md", "bin/spm.exe", "bin/spm_i1pro3.dll", "docs/host-guide.md", "docs/simulator.md", "docs/spm.md",
+           *(f"include/spm_i1pro3/{name}" for name in HEADERS),
+           *(f"lib/cmake/spm_i1pro3/{name}" for name in PACKAGE), "lib/libspm_i1pro3.dll.a", "licenses/CLI11.txt", "licenses/GPL-3.txt", "licenses/fmt.txt",
            "licenses/gcc.txt", "licenses/mingw-w64.txt", "licenses/nlohmann-json.txt", "recorder/i1Pro364.dll",
-           "simulator/i1Pro364.dll"]
-EXAMPLES = [str(path.relative_to(PROJECT)) for path in (PROJECT / "examples/simulator").iterdir()]
+           "simulator/i1Pro364.dll", "simulator/spm_i1pro3.dll"]
+EXAMPLES = [str(path.relative_to(PROJECT)) for path in (PROJECT / "examples").rglob("*") if path.is_file()]
 LOGGING = ("REGEDIT4\r\n\r\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM]\r\n"
            "\"Logging\"={}\r\n")
 
@@ -110,10 +113,9 @@ class Archive(unittest.TestCase):
     def test_needs_the_sdk_library(self):
         result = self.run_in_wine("bin/spm.exe", "measure")
         self.assertEqual((result.returncode, result.stdout), (1, ""))
-        self.assertRegex(result.stderr, "^spm: can't load the module .*have the SDK library beside it\n$")
+        self.assertRegex(result.stderr, "^spm: can't load the module .*see what \"spm doctor\" finds\n$")
 
     def test_measures_and_logs_on_the_simulator(self):
-        shutil.copy(self.release / "bin/spm_i1pro3.dll", self.release / "simulator")
         self.set_logging("dword:00000001")
         self.addCleanup(self.set_logging, "-")
         result = self.run_in_wine("bin/spm.exe", "measure", "--module", "simulator/spm_i1pro3.dll")

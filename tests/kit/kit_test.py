@@ -1,0 +1,242 @@
+"""The kit for host developers, installed into an empty folder and used from there; and the rules of the sources.
+
+Use: kit_test.py BUILD_FOLDER CLASS; needs what ./check installs.
+"""
+
+import os
+import re
+import subprocess
+import sys
+import tempfile
+import unittest
+from pathlib import Path
+
+PROJECT = Path(__file__).parents[2]
+BUILD = Path(sys.argv.pop(1))
+IS_WINDOWS = (BUILD / "bin/spm.exe").exists()
+WINE = [PROJECT / "cmake/run-in-wine"] if IS_WINDOWS else []
+PROGRAM = ".exe" if IS_WINDOWS else ""
+LIBRARY = "spm_i1pro3.dll" if IS_WINDOWS else "spm_i1pro3.so"
+SDK = "i1Pro364.dll" if IS_WINDOWS else "libi1Pro364.so"
+MODULES = "bin" if IS_WINDOWS else "lib/spm_i1pro3"
+SIMULATOR = "simulator" if IS_WINDOWS else "lib/spm_i1pro3/simulator"
+DOCUMENTS = "docs" if IS_WINDOWS else "share/doc/spm_i1pro3"
+EXAMPLES = "examples" if IS_WINDOWS else "share/doc/spm_i1pro3/examples"
+TOOLCHAIN = [f"-DCMAKE_TOOLCHAIN_FILE={PROJECT}/cmake/mingw-w64.cmake", "-DCMAKE_EXE_LINKER_FLAGS=-static"]
+STRICT = "-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror"
+
+LAMP = '{"faults": [{"function": "I1PRO3_TriggerMeasurement", "result": 7, "text": "lamp"}]}'
+ROW = ["L*  36.81  a*  13.89  b*  14.69", "L*  71.70  a* -30.21  b*   3.69"]
+
+GUIDE_PROJECT = """
+cmake_minimum_required(VERSION 3.25)
+project(guide LANGUAGES C CXX)
+find_package(spm_i1pro3 REQUIRED COMPONENTS simulator)
+add_executable(guide guide.c)
+target_link_libraries(guide PRIVATE spm_i1pro3::simulated)
+add_library(pieces OBJECT pieces.cpp)
+target_link_libraries(pieces PRIVATE spm_i1pro3::headers)
+"""
+
+
+def run(*command, **options):
+    return subprocess.run([str(part) for part in command], capture_output=True, text=True, check=False, **options)
+
+
+class Kit(unittest.TestCase):
+    """Installed once, both components."""
+
+    @classmethod
+    def setUpClass(cls):
+        cls.folder = Path(cls.enterClassContext(tempfile.TemporaryDirectory(prefix="spm test ")))
+        cls.prefix = cls.folder / "prefix"
+        for component in ("kit", "simulator"):
+            cls.succeed("cmake", "--install", BUILD, "--prefix", cls.prefix, "--component", component)
+        cls.simulated = cls.prefix / SIMULATOR / LIBRARY
+
+    @classmethod
+    def succeed(cls, *command, **options):
+        result = run(*command, **options)
+        if result.returncode != 0:
+            raise AssertionError(f"{command}: {result.stdout}{result.stderr}")
+        return result.stdout
+
+    def build(self, source, prefix=None):
+        """Configures and builds a project against the kit, and gives its build folder."""
+        build = Path(tempfile.mkdtemp(dir=self.folder))
+        package = (prefix or self.prefix) / "lib/cmake/spm_i1pro3"
+        self.succeed("cmake", "-G", "Ninja", "-S", source, "-B", build, f"-Dspm_i1pro3_DIR={package}",
+                     f"-DCMAKE_C_FLAGS={STRICT}", f"-DCMAKE_CXX_FLAGS={STRICT}", *(TOOLCHAIN if IS_WINDOWS else []))
+        self.succeed("cmake", "--build", build)
+        return build
+
+    def run_with(self, script, *command):
+        path = self.folder / "script.json"
+        path.write_text(script)
+        return run(*command, env=os.environ | {"I1PRO3_SIMULATOR": str(path)})
+
+    def expect_example(self, *program):
+        """An example measures on the simulated instrument, and fails in good order."""
+        result = run(*program, self.simulated)
+        self.assertEqual((result.returncode, result.stderr), (0, ""))
+        lines = result.stdout.splitlines()
+        self.assertEqual([line for line in lines if line.startswith("L*")][::5], ROW)
+        self.assertEqual(len([line for line in lines if " nm " in line]), 36)
+        failed = self.run_with(LAMP, *program, self.simulated)
+        self.assertEqual(failed.returncode, 1)
+        self.assertRegex(failed.stderr, "^[a-z.]+: measuring( the row)? failed\n$")
+        without_sdk = run(*program, self.prefix / MODULES / LIBRARY)
+        self.assertEqual(without_sdk.returncode, 1)
+        self.assertNotEqual(without_sdk.stderr, "")
+
+    def test_c(self):
+        self.expect_example(*WINE, self.build(self.prefix / EXAMPLES / "c") / f"measure{PROGRAM}")
+
+    def test_cpp(self):
+        build = self.build(self.prefix / EXAMPLES / "cpp")
+        self.expect_example(*WINE, build / f"measure{PROGRAM}")
+        listen = [*WINE, build / f"listen{PROGRAM}"]
+        self.assertEqual(run(*listen, self.simulated).returncode, 0)
+        failed = self.run_with(LAMP, *listen, self.simulated)
+        self.assertEqual(failed.returncode, 1)
+        self.assertRegex(failed.stderr, "^M7 .*lamp.*ErrorNumber: 7\nlisten: measuring failed\n$")
+
+    @unittest.skipIf(IS_WINDOWS, "there is no Python for Windows here")
+    def test_python(self):
+        self.expect_example("python3", self.prefix / EXAMPLES / "python/measure.py")
+
+    def test_guide(self):
+        """The C code of the guide is a host, the rest compiles."""
+        text = (self.prefix / DOCUMENTS / "host-guide.md").read_text()
+        source = self.folder / "guide"
+        source.mkdir()
+        for language, file in (("c", "guide.c"), ("cpp", "pieces.cpp")):
+            blocks = re.findall(f"^```{language}\n(.*?)^```$", text, re.DOTALL | re.MULTILINE)
+            self.assertGreater(len(blocks), 0)
+            (source / file).write_text("".join(blocks))
+        (source / "CMakeLists.txt").write_text(GUIDE_PROJECT)
+        build = self.build(source)
+        if IS_WINDOWS:  # beside the module and the simulated SDK library, as a host lies
+            program = self.simulated.parent / "guide.exe"
+            (build / "guide.exe").rename(program)
+        else:
+            program = build / "guide"
+        output = self.succeed(*WINE, program).splitlines()
+        self.assertEqual([line.split()[0] for line in output], ["Place", "L*", "380"])
+
+    @unittest.skipIf(IS_WINDOWS, "there is no pkg-config for Windows here")
+    def test_pkg_config(self):
+        environment = os.environ | {"PKG_CONFIG_PATH": str(self.prefix / "lib/pkgconfig")}
+        module = self.succeed("pkg-config", "--variable=module", "spm_i1pro3", env=environment).strip()
+        self.assertEqual(Path(module.replace("\\", "")).resolve(), (self.prefix / MODULES / LIBRARY).resolve())
+        flags = self.succeed("pkg-config", "--cflags", "spm_i1pro3", env=environment).strip()
+        self.succeed("sh", "-c", f"echo '#include <IScmSPM.h>' | c++ -std=c++17 {flags} -fsyntax-only -x c++ -")
+
+    def test_spm_finds_the_installed_module(self):
+        spm = [*WINE, self.prefix / f"bin/spm{PROGRAM}", "doctor"]
+        result = run(*spm)
+        self.assertEqual(result.returncode, 1)
+        self.assertRegex(result.stdout, f"\nWRONG  SDK library  .*{re.escape(SDK)} is missing\n")
+        result = run(*spm, "--module", self.simulated)
+        self.assertEqual(result.returncode, 0)
+        self.assertIn("SIMULATED", result.stdout)
+        self.assertRegex(result.stdout, "\n\nReady to measure.\n$")
+
+    def test_without_the_simulator(self):
+        prefix = self.folder / "kit alone"
+        self.succeed("cmake", "--install", BUILD, "--prefix", prefix, "--component", "kit")
+        self.assertEqual(list(prefix.rglob(SDK)), [])
+        self.build(prefix / EXAMPLES / "c", prefix)
+        source = self.folder / "wants the simulator"
+        source.mkdir()
+        (source / "CMakeLists.txt").write_text(GUIDE_PROJECT)
+        with self.assertRaisesRegex(AssertionError, "simulator"):
+            self.build(source, prefix)
+
+
+class Reference(unittest.TestCase):
+    def test_documents_every_public_name(self):
+        result = run("doxygen", BUILD / "Doxyfile")
+        self.assertEqual((result.returncode, result.stdout + result.stderr), (0, ""))
+        self.assertTrue((BUILD / "reference/html/index.html").exists())
+
+
+class Binary(unittest.TestCase):
+    """What compiled hosts rely on."""
+
+    reference = PROJECT / "tests/kit/spm_i1pro3.abi"
+
+    def difference(self, reference):
+        return run("abidiff", "--exported-interfaces-only", reference, BUILD / "bin" / LIBRARY)
+
+    def test_is_that_of_the_reference(self):
+        result = self.difference(self.reference)
+        self.assertEqual((result.returncode, result.stdout), (0, ""))
+
+    def test_a_changed_record_is_found(self):
+        text = self.reference.read_text()
+        for record, number in (("SPM_LAB", "32"), ("SPM_SPECTRUM", "32"), ("SPM_CALIBRATION", "64")):
+            begin = text.index(f"<class-decl name='{record}'")
+            end = text.index("</class-decl>", begin)
+            member = text[begin:end].replace(f"layout-offset-in-bits='{number}'", "layout-offset-in-bits='8'")
+            with tempfile.NamedTemporaryFile("w", suffix=".abi") as changed:
+                changed.write(text[:begin] + member + text[end:])
+                changed.flush()
+                result = self.difference(changed.name)
+                self.assertNotEqual(result.returncode, 0)
+                self.assertRegex(result.stdout, f"struct {record}' changed:[^[]* offset changed")
+
+    def test_a_changed_record_is_not_compiled(self):
+        with tempfile.TemporaryDirectory() as folder:
+            (Path(folder) / "module").mkdir()
+            for header in ("SPM.h", "IScmSPM.h"):
+                text = (PROJECT / "module" / header).read_text()
+                changed = text.replace("float a; /**<", "double a; /**<")
+                (Path(folder) / "module" / header).write_text(changed)
+            result = run("g++", "-std=c++20", "-fsyntax-only", "-I", folder, "-I", PROJECT,
+                         "-I", "/usr/src/googletest/googletest/include", PROJECT / "tests/boundary/ExportsTest.cpp")
+            self.assertNotEqual(result.returncode, 0)
+            self.assertIn("static assertion failed", result.stderr)
+            self.assertIn("SPM_LAB", result.stderr)
+
+
+class Layers(unittest.TestCase):
+    """Who may include whom; CONTRIBUTING.md tells it to people."""
+
+    allowed = {
+        "platform": "platform/",
+        "cap": "cap/|platform/",
+        "module": "module/|cap/|platform/|SPM.h|version.h",
+        "i1pro3": "i1pro3/|module/|cap/",
+        "loader": "loader/|platform/win32.h",
+        "simulator": "simulator/|loader/|i1pro3/I1PRO3_SDK.h|platform/win32.h|version.h",
+        "host": "host/|loader/|module/SPM.h|module/IScmSPM.h|platform/",
+    }
+    plain = ("platform", "cap", "module", "i1pro3")
+
+    @staticmethod
+    def includes(folder):
+        for path in (PROJECT / folder).rglob("*"):
+            if path.suffix in (".h", ".cpp", ".in", ".c"):
+                for mark, name in re.findall(r'^\s*#\s*include\s*([<"])([^>"]+)', path.read_text(), re.MULTILINE):
+                    yield path.name, mark, name
+
+    def test_includes_run_one_way(self):
+        for folder, allowed in self.allowed.items():
+            own = [(file, name) for file, mark, name in self.includes(folder) if mark == '"']
+            self.assertGreater(len(own), 0, folder)
+            self.assertEqual([each for each in own if not re.match(allowed, each[1])], [])
+
+    def test_the_module_needs_the_standard_library_alone(self):
+        libraries = re.compile(r"^(fmt|nlohmann|CLI|gtest|boost|spdlog)")
+        for folder in self.plain:
+            self.assertEqual([each for each in self.includes(folder) if libraries.match(each[2])], [])
+
+    def test_the_folders_are_all_known(self):
+        others = {"tests", "examples", "docs", "cmake", "bench", "build"}
+        folders = {path.name for path in PROJECT.iterdir() if path.is_dir() and not path.name.startswith(".")}
+        self.assertEqual(folders - others, set(self.allowed))
+
+
+if __name__ == "__main__":
+    unittest.main(verbosity=2)
