@@ -35,8 +35,8 @@ private:
         return LoadLibraryExW(file.make_preferred().c_str(), nullptr,
                               LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_SYSTEM32);
     }
-    FARPROC addressOf(const char* name) const {
-        return GetProcAddress(library, name);
+    void* addressOf(const char* name) const {
+        return reinterpret_cast<void*>(GetProcAddress(library, name));
     }
 
     HMODULE library;
