@@ -1,5 +1,6 @@
 #include "host/Dialogue.h"
 
+#include "host/HostError.h"
 #include "host/Interrupt.h"
 #include "host/System.h"
 
@@ -24,7 +25,7 @@ std::string bar(const Progress& progress) {
 
 } // namespace
 
-Dialogue::Dialogue() : isShown(isTerminal(stderr)), canAsk(isShown && isTerminal(stdin)) {}
+Dialogue::Dialogue() : isShown(isTerminal(stderr)), isAnswered(isTerminal(stdin)) {}
 
 void Dialogue::say(const std::string& text) const {
     clear();
@@ -48,17 +49,16 @@ Instrument::Wait Dialogue::wait(const Progress& progress) const {
     };
 }
 
-Dialogue::Choice Dialogue::askAfterFailure(const std::string& what) const {
-    say(what);
-    while (canAsk) {
+Dialogue::Choice Dialogue::askWhatNext() const {
+    for (;;) {
         fmt::print(stderr, "Measure it again (r), skip it (s) or end (e)? ");
         std::string answer;
-        if (!std::getline(std::cin, answer)) break;
+        const bool isGiven = !!std::getline(std::cin, answer);
+        InterruptGuard::check();
+        if (!isGiven || answer == "e") throw HostError("ended after a failure");
         if (answer == "r") return Choice::retry;
         if (answer == "s") return Choice::skip;
-        if (answer == "e") break;
     }
-    return Choice::end;
 }
 
 } // namespace host

@@ -16,7 +16,7 @@ struct Progress {
 /// What is said to the person who measures. All of it goes to standard error: standard output has data alone.
 class Dialogue {
 public:
-    enum class Choice { retry, skip, end };
+    enum class Choice { retry, skip };
 
     Dialogue();
 
@@ -29,12 +29,17 @@ public:
     /// is. The wait throws Interrupted when the person ends the measuring.
     Instrument::Wait wait(const Progress& progress) const;
 
-    /// Tells of a failure and asks what to do. Where nobody can be asked, it is the end.
-    Choice askAfterFailure(const std::string& what) const;
+    /// Whether a person sees questions and can answer them.
+    bool canAsk() const { return isShown && isAnswered; }
+
+    /// Asks what to do after a failure.
+    /// @throws HostError    when it is the end
+    /// @throws Interrupted  when the person ends the measuring by Ctrl-C
+    Choice askWhatNext() const;
 
 private:
     bool isShown;
-    bool canAsk;
+    bool isAnswered;
 };
 
 } // namespace host

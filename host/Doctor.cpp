@@ -23,6 +23,11 @@ namespace fs = std::filesystem;
 
 using Findings = std::vector<Finding>;
 
+bool isThere(const fs::path& file) {
+    std::error_code ignored;
+    return fs::exists(file, ignored);
+}
+
 // The vendor's library
 
 Finding wrongSdk(const fs::path& file, const std::string& text) {
@@ -42,7 +47,7 @@ std::optional<Finding> findMissingFunction(const fs::path& file, const Find& fin
 
 /// Looks at the vendor's library alone, for why the module could not be loaded with it.
 Finding examineSdkFile(const fs::path& file) {
-    if (!fs::exists(file)) return wrongSdk(file, fmt::format("{} is missing", file.string()));
+    if (!isThere(file)) return wrongSdk(file, fmt::format("{} is missing", file.string()));
     try {
         const loader::SharedLibrary library(file);
         const auto missing = findMissingFunction(file, [&](const char* name) { return library.find(name); });
@@ -78,7 +83,7 @@ Finding describeModule(const Module& module) {
 
 /// Loads the module. @return null when that is not possible, or no use
 std::unique_ptr<Module> examineModule(const fs::path& file, Findings& findings) {
-    if (!fs::exists(file)) {
+    if (!isThere(file)) {
         findings.push_back({Verdict::wrong, "Module", fmt::format("{} is missing", file.string()),
                             "put it there, or name another one with --module"});
         return nullptr;
@@ -121,8 +126,8 @@ Finding describeSettings(Settings::Access access) {
         return {Verdict::good, "Settings", place, ""};
     case Settings::Access::forbidden:
         return {Verdict::note, "Settings",
-                fmt::format("the defaults hold, because this user has no right to read and write {}", place),
-                "to have settings, give the user these rights"};
+                fmt::format("the defaults hold, because {} can't be opened for reading and writing", place),
+                "to have settings, make its folder, and give this user the right to write"};
     default:
         return {Verdict::wrong, "Settings",
                 fmt::format("the defaults hold, because {} is damaged or can't be read", place),
@@ -137,12 +142,13 @@ void examineSettings(const Settings& settings, Findings& findings) {
     findings.push_back(describeSetting(settings.device, "the first", "REG_SZ"));
 }
 
-/// Whether a line could be appended to a file. It is left as it was.
+/// Whether a line could be appended to an ordinary file, or one be made. It is left as it was.
 bool isWritable(const fs::path& file) {
     std::error_code ignored;
-    const bool isThere = fs::exists(file, ignored);
+    const bool isNew = !isThere(file);
+    if (!isNew && !fs::is_regular_file(file, ignored)) return false;
     const bool isOpen = std::ofstream(file, std::ios::app).is_open();
-    if (isOpen && !isThere) fs::remove(file, ignored);
+    if (isOpen && isNew) fs::remove(file, ignored);
     return isOpen;
 }
 
@@ -164,15 +170,21 @@ std::string afterFailure(const Module& module) {
                : "it is simulated: look at the script that the environment variable I1PRO3_SIMULATOR names";
 }
 
+Finding examineCalibration(const Instrument& instrument, const Module& module) {
+    const bool isCalibrated = instrument.isCalibrated();
+    if (!instrument.isAnswering()) {
+        return {Verdict::wrong, "Calibration", "the connection to the instrument was lost", afterFailure(module)};
+    }
+    if (isCalibrated) return {Verdict::good, "Calibration", "done", ""};
+    return {Verdict::note, "Calibration", "not done",
+            "have the white reference at hand: \"spm measure\" begins with it"};
+}
+
 void examineInstrument(const Module& module, Findings& findings) {
     try {
-        Instrument instrument(module);
+        const Instrument instrument(module);
         findings.push_back({Verdict::good, "Instrument", "found and opened", ""});
-        const bool isCalibrated = instrument.isCalibrated();
-        if (!instrument.isAnswering()) throw HostError("the connection to the instrument was lost");
-        findings.push_back({isCalibrated ? Verdict::good : Verdict::note, "Calibration",
-                            isCalibrated ? "done" : "not done",
-                            isCalibrated ? "" : "have the white reference at hand: \"spm measure\" begins with it"});
+        findings.push_back(examineCalibration(instrument, module));
     } catch (const HostError& error) {
         findings.push_back({Verdict::wrong, "Instrument", error.failure(), afterFailure(module)});
     }

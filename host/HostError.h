@@ -22,4 +22,10 @@ private:
     std::size_t length = std::string::npos;
 };
 
+/// A command line that can't be meant.
+class UsageError : public HostError {
+public:
+    using HostError::HostError;
+};
+
 } // namespace host

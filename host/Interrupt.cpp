@@ -1,5 +1,7 @@
 #include "host/Interrupt.h"
 
+#include "host/System.h"
+
 #include <csignal>
 
 namespace host {
@@ -8,20 +10,19 @@ namespace {
 
 volatile std::sig_atomic_t isInterrupted = 0;
 
-extern "C" void noteInterrupt(int signal) {
+extern "C" void noteInterrupt(int /*signal*/) {
     isInterrupted = 1;
-    std::signal(signal, SIG_DFL);
 }
 
 } // namespace
 
 InterruptGuard::InterruptGuard() {
     isInterrupted = 0;
-    std::signal(SIGINT, noteInterrupt);
+    catchEnd(noteInterrupt);
 }
 
 InterruptGuard::~InterruptGuard() {
-    std::signal(SIGINT, SIG_DFL);
+    releaseEnd();
 }
 
 void InterruptGuard::check() {

@@ -5,8 +5,8 @@ namespace host {
 /// The person has ended the measuring.
 class Interrupted {};
 
-/// While an object of this lives, Ctrl-C does not end the program but is noted, so that the instrument is closed and
-/// what was read is kept. A second Ctrl-C ends it all the same.
+/// While an object of this lives, Ctrl-C and what else asks the program to end does not do so but is noted, so that the
+/// instrument is closed and what was read is kept. The second time it ends all the same.
 class InterruptGuard {
 public:
     InterruptGuard();

@@ -1,34 +1,24 @@
-// A measuring run: the dialogue with the person, and what is written of it.
+// A measuring run: the dialogue with the person.
 
 #include "host/Measure.h"
 
 #include "host/Dialogue.h"
-#include "host/Formats.h"
 #include "host/HostError.h"
 #include "host/Interrupt.h"
 #include "host/OutputFile.h"
 #include "host/PatchNames.h"
+#include "host/Record.h"
 #include "host/Reference.h"
-#include "host/Report.h"
-#include "host/System.h"
-#include "host/Table.h"
+#include "host/Values.h"
 
 #include <algorithm>
 #include <chrono>
 #include <fmt/chrono.h>
+#include <set>
 
 namespace host {
 
 namespace {
-
-enum class Kind { lab, spectrum };
-
-/// Patches that are measured at once: a row or a spot.
-struct Stretch {
-    std::size_t first;
-    std::int32_t count;
-    std::string name;
-};
 
 std::vector<Stretch> stretchesOf(const MeasureOptions& options) {
     const bool isSpots = options.spots > 0;
@@ -43,113 +33,41 @@ std::vector<Stretch> stretchesOf(const MeasureOptions& options) {
     return all;
 }
 
-std::vector<Kind> passesOf(const MeasureOptions& options) {
-    if (options.lab && options.spectra) return {Kind::lab, Kind::spectrum};
-    return {options.spectra ? Kind::spectrum : Kind::lab};
+/// Nothing that is read may be written over, and nothing written twice.
+void requireDifferentFiles(const MeasureOptions& options) {
+    std::set<std::filesystem::path> files{options.module, options.chart, options.reference};
+    std::set<std::filesystem::path> taken;
+    std::transform(files.begin(), files.end(), std::inserter(taken, taken.end()),
+                   [](const std::filesystem::path& file) { return std::filesystem::weakly_canonical(file); });
+    for (const std::filesystem::path& file : {options.output, options.report}) {
+        if (file.empty()) continue;
+        if (!taken.insert(std::filesystem::weakly_canonical(file)).second) {
+            throw UsageError(fmt::format("{} would be written over; give each file a name of its own", file.string()));
+        }
+        requireWritable(file);
+    }
 }
 
-Format formatOf(const MeasureOptions& options) {
-    if (options.format != Format::byName) return options.format;
-    if (options.output.empty()) return Format::table;
-    const std::string extension = options.output.extension().string();
-    if (extension == ".csv") return Format::csv;
-    if (extension == ".json") return Format::json;
-    if (extension == ".txt" || extension == ".cgats") return Format::cgats;
-    throw HostError(
-        fmt::format("the name {} does not tell the format; end it in .csv, .json or .cgats, or use --format",
-                    options.output.string()));
-}
-
-std::optional<Reference> referenceOf(const MeasureOptions& options) {
+/// The expected values, of which some must be of these patches.
+std::optional<Reference> referenceOf(const MeasureOptions& options, const std::vector<std::string>& names) {
     if (options.reference.empty()) return std::nullopt;
     if (passesOf(options).front() != Kind::lab) {
-        throw HostError("--reference compares CIELab values, which are not measured; add --lab");
+        throw UsageError("--reference compares CIELab values, which are not measured; add --lab");
     }
-    return readReference(options.reference);
+    Reference reference = readReference(options.reference);
+    const auto isExpected = [&](const std::string& name) { return reference.patches.contains(name); };
+    if (std::none_of(names.begin(), names.end(), isExpected)) {
+        throw UsageError(fmt::format("no patch has the name of one in the reference file {}: \"{}\" is to be measured, "
+                                     "the reference has \"{}\"; name the patches as the reference does",
+                                     options.reference.string(), names.front(), reference.patches.begin()->first));
+    }
+    return reference;
 }
 
 std::string timeNow() {
     return fmt::format("{:%Y-%m-%dT%H:%M:%SZ}",
                        fmt::gmtime(std::chrono::system_clock::to_time_t(std::chrono::system_clock::now())));
 }
-
-/// What is measured is kept here, and written to the output file whenever there is more of it.
-class Record {
-public:
-    Record(const MeasureOptions& chosen, Run begun, const std::vector<std::string>& names)
-        : options(chosen), format(formatOf(chosen)), run(std::move(begun)) {
-        for (const std::string& name : names) {
-            readings.push_back({name, {}, {}});
-        }
-    }
-
-    const Run& conditions() const { return run; }
-    std::span<Reading> patches(const Stretch& stretch) {
-        return std::span(readings).subspan(stretch.first, static_cast<std::size_t>(stretch.count));
-    }
-
-    /// The run with what was measured so far.
-    Run measured() const {
-        Run part = run;
-        std::copy_if(readings.begin(), readings.end(), std::back_inserter(part.readings),
-                     [](const Reading& reading) { return reading.lab || !reading.spectrum.empty(); });
-        return part;
-    }
-
-    void save(Kind kind, const Stretch& stretch) {
-        if (!options.output.empty()) {
-            replaceFile(options.output, text(measured()));
-        } else if (format == Format::table) {
-            fmt::print("{}", table(kind, patches(stretch)));
-            std::fflush(stdout);
-        }
-    }
-
-    /// Writes what is made of the whole run.
-    void finish(const Dialogue& dialogue, const std::optional<Reference>& reference) const {
-        const Run whole = measured();
-        if (whole.readings.empty()) return;
-        if (options.output.empty() && format != Format::table) fmt::print("{}", text(whole));
-        if (!options.report.empty()) replaceFile(options.report, htmlReport(whole));
-        if (!reference) return;
-        const std::string comparison = formatComparison(compare(whole, *reference));
-        if (format == Format::table) {
-            fmt::print("\n{}", comparison);
-        } else {
-            dialogue.say(comparison);
-        }
-    }
-
-private:
-    std::string table(Kind kind, std::span<const Reading> part) const {
-        const ColourDepth depth = options.output.empty() ? colourDepth(isTerminal(stdout)) : ColourDepth::none;
-        const bool isSimulated = !run.simulation.empty();
-        return kind == Kind::lab ? labTable(part, isSimulated, depth) : spectraTable(part, isSimulated, depth);
-    }
-
-    std::string text(const Run& part) const {
-        switch (format) {
-        case Format::csv:
-            return formatCsv(part);
-        case Format::json:
-            return formatJson(part);
-        case Format::cgats:
-            return formatCgats(part);
-        default: {
-            std::string tables;
-            for (const Kind kind : passesOf(options)) {
-                tables += table(kind, part.readings);
-            }
-            return tables;
-        }
-        }
-    }
-
-    const MeasureOptions& options;
-    Format format;
-    Run run;
-    std::vector<Reading> readings;
-};
 
 std::string promptFor(Kind kind, const Stretch& stretch, std::span<const Reading> patches) {
     const std::string what = fmt::format("{}, {}", stretch.name, kind == Kind::lab ? "CIELab" : "spectra");
@@ -160,78 +78,95 @@ std::string promptFor(Kind kind, const Stretch& stretch, std::span<const Reading
                        patches.front().name, patches.back().name);
 }
 
-void expectAll(const Stretch& stretch, std::size_t found) {
-    if (found == static_cast<std::size_t>(stretch.count)) return;
-    throw HostError(fmt::format("{}: {} of {} patches were found; slide more slowly, from white to white", stretch.name,
-                                found, stretch.count));
-}
+/// Measuring on an open instrument, from the calibration to the last stretch.
+class Session {
+public:
+    Session(Instrument& opened, const Dialogue& shown, Record& kept, const MeasureOptions& options)
+        : instrument(opened), dialogue(shown), record(kept), passes(passesOf(options)),
+          stretches(stretchesOf(options)) {
+        progress.all = passes.size() * stretches.size() * static_cast<std::size_t>(stretches.front().count);
+    }
 
-void readStretch(Instrument& instrument, const Dialogue& dialogue, Kind kind, const Stretch& stretch,
-                 const Progress& progress, std::span<Reading> patches) {
-    dialogue.say(promptFor(kind, stretch, patches));
-    const Instrument::Wait wait = dialogue.wait(progress);
-    if (kind == Kind::lab) {
-        const std::vector<SPM_LAB> values = instrument.read(stretch.count, wait);
-        expectAll(stretch, values.size());
-        for (std::size_t i = 0; i < patches.size(); ++i) {
-            patches[i].lab = values[i];
+    Outcome measure() {
+        calibrate();
+        Outcome outcome = Outcome::complete;
+        for (const Kind kind : passes) {
+            for (const Stretch& stretch : stretches) {
+                if (!measure(kind, stretch)) outcome = Outcome::incomplete;
+                InterruptGuard::check();
+            }
         }
-    } else {
-        std::vector<Instrument::Spectrum> spectra = instrument.readSpectra(stretch.count, wait);
-        expectAll(stretch, spectra.size());
+        return outcome;
+    }
+
+private:
+    void calibrate() const {
+        dialogue.say("\nCalibration: place the instrument on its white reference and press the button.");
+        instrument.calibrate(dialogue.wait(progress));
+        dialogue.say("Calibrated.");
+        InterruptGuard::check();
+    }
+
+    /// Measures a stretch until it was read or is not wanted any more.
+    /// @return false when it was skipped
+    bool measure(Kind kind, const Stretch& stretch) {
+        while (!read(kind, stretch)) {
+            if (dialogue.askWhatNext() == Dialogue::Choice::skip) return false;
+        }
+        dialogue.clear();
+        progress.done += static_cast<std::size_t>(stretch.count);
+        record.save(kind, stretch);
+        return true;
+    }
+
+    /// @return false when it failed, and the person can say what to do
+    bool read(Kind kind, const Stretch& stretch) try {
+        const std::span<Reading> patches = record.patches(stretch);
+        dialogue.say(promptFor(kind, stretch, patches));
+        std::vector<Reading> read(patches.begin(), patches.end());
+        const Instrument::Wait wait = dialogue.wait(progress);
+        if (kind == Kind::lab) {
+            take(instrument.read(stretch.count, wait), &Reading::lab, read, stretch);
+        } else {
+            take(instrument.readSpectra(stretch.count, wait), &Reading::spectrum, read, stretch);
+        }
+        std::for_each(read.begin(), read.end(), requireFinite);
+        std::move(read.begin(), read.end(), patches.begin());
+        return true;
+    } catch (const HostError& error) {
+        if (!dialogue.canAsk()) throw;
+        dialogue.say(error.what());
+        return false;
+    }
+
+    template <class Value, class Member>
+    static void take(std::vector<Value> values, Member member, std::span<Reading> patches, const Stretch& stretch) {
+        if (values.size() != patches.size()) {
+            throw HostError(fmt::format("{}: {} of {} patches were found; slide more slowly, from white to white",
+                                        stretch.name, values.size(), patches.size()));
+        }
         for (std::size_t i = 0; i < patches.size(); ++i) {
-            patches[i].spectrum = std::move(spectra[i]);
+            patches[i].*member = std::move(values[i]);
         }
     }
-}
 
-/// Measures a stretch until it was read or is not wanted any more.
-/// @return false when it was skipped
-bool measureStretch(Instrument& instrument, const Dialogue& dialogue, Kind kind, const Stretch& stretch,
-                    const Progress& progress, std::span<Reading> patches) {
-    for (;;) {
-        try {
-            readStretch(instrument, dialogue, kind, stretch, progress, patches);
-            dialogue.clear();
-            return true;
-        } catch (const HostError& error) {
-            const Dialogue::Choice choice = dialogue.askAfterFailure(error.what());
-            if (choice == Dialogue::Choice::skip) return false;
-            if (choice == Dialogue::Choice::end) throw;
-        }
-    }
-}
-
-void calibrate(Instrument& instrument, const Dialogue& dialogue, const Progress& progress) {
-    dialogue.say("\nCalibration: place the instrument on its white reference and press the button.");
-    instrument.calibrate(dialogue.wait(progress));
-    dialogue.say("Calibrated.");
-}
+    Instrument& instrument;
+    const Dialogue& dialogue;
+    Record& record;
+    const std::vector<Kind> passes;
+    const std::vector<Stretch> stretches;
+    Progress progress{};
+};
 
 Outcome measureAll(const Module& module, const MeasureOptions& options, const Dialogue& dialogue, Record& record) {
-    const std::vector<Kind> passes = passesOf(options);
-    const std::vector<Stretch> stretches = stretchesOf(options);
-    Progress progress{0, passes.size() * stretches.size() * static_cast<std::size_t>(stretches.front().count)};
-    Outcome outcome = Outcome::complete;
     const InterruptGuard interrupts;
     try {
         Instrument instrument(module);
-        calibrate(instrument, dialogue, progress);
-        for (const Kind kind : passes) {
-            for (const Stretch& stretch : stretches) {
-                if (measureStretch(instrument, dialogue, kind, stretch, progress, record.patches(stretch))) {
-                    record.save(kind, stretch);
-                    progress.done += static_cast<std::size_t>(stretch.count);
-                } else {
-                    outcome = Outcome::incomplete;
-                }
-            }
-        }
+        return Session(instrument, dialogue, record, options).measure();
     } catch (const Interrupted&) {
         dialogue.say("\nEnded; the instrument is closed, and what was read is kept.");
-        outcome = Outcome::incomplete;
+        return Outcome::incomplete;
     }
-    return outcome;
 }
 
 Run begin(const Module& module, const MeasureOptions& options) {
@@ -257,23 +192,32 @@ void introduce(const Dialogue& dialogue, const Run& run, const MeasureOptions& o
 } // namespace
 
 Outcome measure(const MeasureOptions& options) {
-    const std::optional<Reference> reference = referenceOf(options);
+    static_cast<void>(formatOf(options));
+    requireDifferentFiles(options);
     const std::vector<std::string> names = patchNames(options);
-    for (const std::filesystem::path& file : {options.output, options.report}) {
-        if (!file.empty()) requireWritable(file);
-    }
+    const std::optional<Reference> reference = referenceOf(options, names);
     const Dialogue dialogue;
     const Module module(options.module);
-    Record record(options, begin(module, options), names);
-    introduce(dialogue, record.conditions(), options);
+    const Run run = begin(module, options);
+    introduce(dialogue, run, options);
+    Record record(options, dialogue, run, names);
+    Outcome outcome = Outcome::incomplete;
+    std::optional<HostError> failure;
     try {
-        const Outcome outcome = measureAll(module, options, dialogue, record);
-        record.finish(dialogue, reference);
-        return outcome;
-    } catch (const HostError&) {
-        record.finish(dialogue, std::nullopt);
-        throw;
+        outcome = measureAll(module, options, dialogue, record);
+    } catch (const HostError& error) {
+        failure = error;
+        dialogue.clear();
     }
+    try {
+        record.finish();
+        if (reference && !failure) record.show(formatComparison(compare(record.measured(), *reference)));
+    } catch (const HostError& error) {
+        if (!failure) throw;
+        dialogue.say(error.what());
+    }
+    if (failure) throw HostError(*failure);
+    return outcome;
 }
 
 } // namespace host

@@ -3,6 +3,7 @@
 #include "host/HostError.h"
 
 #include <cerrno>
+#include <cstdio>
 #include <fmt/format.h>
 #include <fstream>
 #include <system_error>
@@ -18,7 +19,12 @@ constexpr const char* advice = "choose another file or free its folder";
 /// A file beside another, removed with the object unless it took the other's place.
 class PartFile {
 public:
-    explicit PartFile(fs::path file) : whole(std::move(file)), part(whole) { part += ".part"; }
+    explicit PartFile(const fs::path& file) : whole(fs::weakly_canonical(file)), part(whole) {
+        if (fs::exists(whole) && !fs::is_regular_file(whole)) {
+            throw HostError(fmt::format("can't write {}: it is no ordinary file", file.string()), advice);
+        }
+        part += ".part";
+    }
     PartFile(const PartFile&) = delete;
     PartFile& operator=(const PartFile&) = delete;
     ~PartFile() {
@@ -39,6 +45,7 @@ public:
 
     void takePlace() const {
         std::error_code error;
+        if (fs::exists(whole)) fs::permissions(part, fs::status(whole).permissions(), error);
         fs::rename(part, whole, error);
         if (error) throw HostError(fmt::format("can't write {}: {}", whole.string(), error.message()), advice);
     }
@@ -56,8 +63,12 @@ void replaceFile(const fs::path& file, const std::string& content) {
     part.takePlace();
 }
 
+void writeOut(const std::string& text) {
+    if (std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0) return;
+    throw HostError(fmt::format("can't write to standard output: {}", std::generic_category().message(errno)));
+}
+
 void requireWritable(const fs::path& file) {
-    if (fs::is_directory(file)) throw HostError(fmt::format("can't write {}: it is a folder", file.string()), advice);
     PartFile(file).write("");
 }
 

@@ -1,9 +1,9 @@
 #include "host/PatchNames.h"
 
+#include "host/CsvReader.h"
 #include "host/HostError.h"
 
 #include <fmt/format.h>
-#include <fstream>
 
 namespace host {
 
@@ -11,14 +11,13 @@ namespace {
 
 using Names = std::vector<std::string>;
 
+/// Below the header, the first field of each line.
 Names readNames(const std::filesystem::path& chart) {
-    std::ifstream file(chart);
-    if (!file) throw HostError(fmt::format("can't read the chart file {}", chart.string()));
+    CsvReader csv(chart, "the chart file");
     Names names;
-    std::string line;
-    std::getline(file, line);
-    while (std::getline(file, line)) {
-        names.push_back(line.substr(0, line.find_first_of(",\r")));
+    csv.next();
+    while (const auto fields = csv.next()) {
+        names.push_back(fields->front());
     }
     return names;
 }
@@ -40,9 +39,9 @@ std::vector<std::string> patchNames(const MeasureOptions& options) {
     if (!isChart && options.names.empty()) return numberedNames(wanted);
     Names names = isChart ? readNames(options.chart) : options.names;
     if (names.size() < wanted) {
-        throw HostError(fmt::format("{} {} patches, but {} are to be measured; give more names or measure fewer",
-                                    isChart ? "the chart file " + options.chart.string() + " names" : "--names has",
-                                    names.size(), wanted));
+        throw UsageError(fmt::format("{} {} patches, but {} are to be measured; give more names or measure fewer",
+                                     isChart ? "the chart file " + options.chart.string() + " names" : "--names has",
+                                     names.size(), wanted));
     }
     names.resize(wanted);
     return names;

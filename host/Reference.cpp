@@ -1,5 +1,6 @@
 #include "host/Reference.h"
 
+#include "host/CsvReader.h"
 #include "host/DeltaE.h"
 #include "host/HostError.h"
 
@@ -9,7 +10,6 @@
 #include <compare>
 #include <fmt/format.h>
 #include <fmt/ranges.h>
-#include <fstream>
 #include <iterator>
 #include <numeric>
 #include <optional>
@@ -20,7 +20,7 @@ namespace host {
 
 namespace {
 
-using Fields = std::vector<std::string>;
+using Fields = CsvReader::Fields;
 
 /// An L*, a* or b*. The limits are far beyond all surfaces, and keep the arithmetic from overflowing.
 std::optional<float> numberIn(std::string_view text) {
@@ -30,107 +30,58 @@ std::optional<float> numberIn(std::string_view text) {
     return isNumber && std::abs(value) <= 500 ? std::optional(value) : std::nullopt;
 }
 
+/// A reference file. Columns behind the four that are read may tell more, as in the CSV that is written here.
 class Reader {
 public:
-    explicit Reader(const std::filesystem::path& path) : stream(path, std::ios::binary), reference{path, {}} {}
+    explicit Reader(const std::filesystem::path& path) : csv(path, "the reference file"), reference{path, {}} {}
 
     Reference read() {
-        readHeader();
-        while (next()) {
-            readPatch();
-        }
-        if (!stream.eof()) {
-            throw HostError(fmt::format("can't read {}; name a CSV file with the header name,L*,a*,b*", description()));
+        if (const std::optional<Fields> header = csv.next()) requireHeader(*header);
+        while (const std::optional<Fields> patch = csv.next()) {
+            take(*patch);
         }
         if (reference.patches.empty()) {
             throw HostError(fmt::format(
-                "{} has no patches; give each a line below the header, such as white,95.5,-0.5,1", description()));
+                "{} has no patches; give each a line below the header, such as white,95.5,-0.5,1", csv.description()));
         }
         return std::move(reference);
     }
 
 private:
-    std::string description() const { return fmt::format("the reference file {}", reference.file.string()); }
-
-    [[noreturn]] void fail(std::string_view what) const {
-        throw HostError(fmt::format("{}, line {}: {}", description(), number, what));
+    void requireFields(const Fields& fields) const {
+        if (fields.size() >= 4) return;
+        csv.fail(
+            fmt::format("the number of fields is {}, but 4 belong there, separated by commas: name,L*,a*,b*; put a "
+                        "name that has commas in double quotes",
+                        fields.size()));
     }
 
-    /// Goes to the next line that is not empty; false at the end.
-    bool next() {
-        do {
-            if (!std::getline(stream, line)) return false;
-            ++number;
-            if (line.ends_with('\r')) line.pop_back();
-        } while (line.empty());
-        return true;
+    /// Without a header the first patch would be lost; with another, other values would be taken for L*, a* and b*.
+    void requireHeader(const Fields& header) const {
+        requireFields(header);
+        const auto begins = [](const std::string& text, std::string_view letters) {
+            return !text.empty() && letters.find(text.front()) != std::string_view::npos;
+        };
+        if (begins(header[1], "Ll") && begins(header[2], "Aa") && begins(header[3], "Bb")) return;
+        csv.fail("the header name,L*,a*,b* is missing; put it above the patches");
     }
 
-    void readHeader() {
-        constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
-        if (!next()) return;
-        if (line.starts_with(byteOrderMark)) line.erase(0, byteOrderMark.size());
-        // Without a header the first patch would be lost.
-        if (numberIn(fields()[1])) fail("a patch stands where the header name,L*,a*,b* belongs; put that above it");
-    }
-
-    void readPatch() {
-        const Fields patch = fields();
+    void take(const Fields& patch) {
+        requireFields(patch);
         const SPM_LAB lab{value(patch[1]), value(patch[2]), value(patch[3])};
         if (!reference.patches.emplace(patch[0], lab).second) {
-            fail(fmt::format("\"{}\" is the name of an earlier patch, too; give each a name of its own", patch[0]));
+            csv.fail(fmt::format("\"{}\" is the name of an earlier patch, too; give each a name of its own", patch[0]));
         }
     }
 
     float value(const std::string& text) const {
         const std::optional<float> found = numberIn(text);
-        if (!found) fail(fmt::format("\"{}\" is not a number from -500 to 500; write it as in -12.34", text));
+        if (!found) csv.fail(fmt::format("\"{}\" is not a number from -500 to 500; write it as in -12.34", text));
         return *found;
     }
 
-    Fields fields() const {
-        std::string_view rest = line;
-        Fields taken{takeField(rest)};
-        while (rest.starts_with(',')) {
-            rest.remove_prefix(1);
-            taken.push_back(takeField(rest));
-        }
-        if (!rest.empty()) fail("text follows a closing quote; write a quote in a name as \"\"");
-        if (taken.size() != 4) {
-            fail(
-                fmt::format("the number of fields is {}, but 4 belong there, separated by commas: name,L*,a*,b*; put a "
-                            "name that has commas in double quotes",
-                            taken.size()));
-        }
-        return taken;
-    }
-
-    std::string takeField(std::string_view& rest) const {
-        if (rest.starts_with('"')) return takeQuoted(rest);
-        const std::size_t end = std::min(rest.find(','), rest.size());
-        const std::string_view taken = rest.substr(0, end);
-        rest.remove_prefix(end);
-        return std::string(taken);
-    }
-
-    /// Begins at the opening quote, and at the second of two quotes again.
-    std::string takeQuoted(std::string_view& rest) const {
-        std::string taken;
-        do {
-            rest.remove_prefix(1);
-            const std::size_t end = rest.find('"');
-            if (end == std::string_view::npos) fail("a quote is not closed; end the field with another one");
-            taken += rest.substr(0, end);
-            rest.remove_prefix(end + 1);
-            if (rest.starts_with('"')) taken += '"';
-        } while (rest.starts_with('"'));
-        return taken;
-    }
-
-    std::ifstream stream;
+    CsvReader csv;
     Reference reference;
-    std::string line;
-    int number = 0;
 };
 
 /// Completes a comparison that has its patches.
@@ -160,7 +111,7 @@ Reference readReference(const std::filesystem::path& file) {
 }
 
 Comparison compare(const Run& run, const Reference& reference) {
-    Comparison comparison{reference.file, {}, 0, 0, 0, {}, {}};
+    Comparison comparison{reference.file, !run.simulation.empty(), {}, 0, 0, 0, {}, {}};
     std::set<std::string_view> measured;
     for (const Reading& reading : run.readings) {
         if (!reading.lab) continue;
@@ -192,8 +143,9 @@ Comparison compare(const Run& run, const Reference& reference) {
 }
 
 std::string formatComparison(const Comparison& comparison) {
-    std::string text = fmt::format("Compared with {}\n{:<24} {:>9} {:>8} {:>8} {:>8}   (D65, 10 degree)\n",
-                                   comparison.file.string(), "", "CIEDE2000", "dL*", "da*", "db*");
+    std::string text =
+        fmt::format("Compared with {}\n{:<24} {:>9} {:>8} {:>8} {:>8}   (D65, 10 degree{})\n", comparison.file.string(),
+                    "", "CIEDE2000", "dL*", "da*", "db*", comparison.isSimulated ? ", simulated" : "");
     for (const PatchDifference& patch : comparison.patches) {
         text += fmt::format("{:<24} {:9.2f} {:+8.2f} {:+8.2f} {:+8.2f}\n", patch.name, patch.deltaE,
                             patch.measured.L - patch.expected.L, patch.measured.a - patch.expected.a,

@@ -18,8 +18,8 @@ struct Reference {
     std::map<std::string, SPM_LAB> patches;
 };
 
-/// Reads CSV: a header line, then a line per patch with its name, L*, a* and b*. Fields are separated by commas and may
-/// stand in double quotes, in which "" is a quote; numbers have a decimal point, whatever the user's locale.
+/// Reads CSV: a header line, then a line per patch with its name, L*, a* and b*, and whatever follows. Numbers have a
+/// decimal point, whatever the user's locale.
 /// @throws HostError  with the file, the line, what is wrong and what would be right
 Reference readReference(const std::filesystem::path& file);
 
@@ -35,6 +35,7 @@ struct PatchDifference {
 struct Comparison {
     /// The reference's file.
     std::filesystem::path file;
+    bool isSimulated;
     /// The worst first; never empty.
     std::vector<PatchDifference> patches;
     double mean;

@@ -20,8 +20,14 @@ std::vector<std::string> arguments(int argc, const char* const* argv);
 /// Whether a stream is shown to a person.
 bool isTerminal(std::FILE* stream);
 
-/// Makes the consoles of the standard streams show UTF-8 and escape sequences, where they do not by themselves.
-void prepareConsole();
+/// Has a function called, once for each signal, when the program is asked to end: by Ctrl-C, by the system, by a
+/// terminal that is closed. What was ignored stays ignored; a wait for input ends.
+void catchEnd(void (*handler)(int));
+void releaseEnd();
+
+/// Makes the consoles of the standard streams show UTF-8 and escape sequences, where they do not by themselves, and
+/// writing to a pipe that nobody reads an error.
+void prepareStreams();
 
 /// Whether the system's own console, without a variable that says so, shows all colours.
 bool isColourConsole();

@@ -1,9 +1,21 @@
 #include "host/System.h"
 #include "platform/posix/RegistryFile.h"
 
+#include <array>
+#include <csignal>
 #include <unistd.h>
 
 namespace host {
+
+namespace {
+
+struct Caught {
+    int signal;
+    struct sigaction earlier {};
+};
+std::array<Caught, 3> caught{{{SIGINT}, {SIGTERM}, {SIGHUP}}};
+
+} // namespace
 
 const char* const moduleFileName = "spm_i1pro3.so";
 const char* const sdkFileName = "libi1Pro364.so";
@@ -20,7 +32,25 @@ bool isTerminal(std::FILE* stream) {
     return isatty(fileno(stream)) == 1;
 }
 
-void prepareConsole() {}
+void catchEnd(void (*handler)(int)) {
+    for (Caught& each : caught) {
+        struct sigaction action {};
+        action.sa_handler = handler;
+        action.sa_flags = static_cast<int>(SA_RESETHAND);
+        sigaction(each.signal, nullptr, &each.earlier);
+        if (each.earlier.sa_handler != SIG_IGN) sigaction(each.signal, &action, nullptr);
+    }
+}
+
+void releaseEnd() {
+    for (const Caught& each : caught) {
+        sigaction(each.signal, &each.earlier, nullptr);
+    }
+}
+
+void prepareStreams() {
+    std::signal(SIGPIPE, SIG_IGN);
+}
 
 bool isColourConsole() {
     return false;

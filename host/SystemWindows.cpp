@@ -2,6 +2,7 @@
 #include "platform/win32.h"
 
 #include <algorithm>
+#include <csignal>
 #include <io.h>
 #include <iterator>
 #include <memory>
@@ -29,7 +30,17 @@ bool isTerminal(std::FILE* stream) {
     return _isatty(_fileno(stream)) != 0;
 }
 
-void prepareConsole() {
+void catchEnd(void (*handler)(int)) {
+    for (const int each : {SIGINT, SIGTERM, SIGBREAK}) {
+        std::signal(each, handler);
+    }
+}
+
+void releaseEnd() {
+    catchEnd(SIG_DFL);
+}
+
+void prepareStreams() {
     SetConsoleOutputCP(CP_UTF8);
     for (const DWORD stream : {STD_OUTPUT_HANDLE, STD_ERROR_HANDLE}) {
         DWORD mode = 0;

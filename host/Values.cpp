@@ -18,20 +18,24 @@ void requireFinite(const Reading& reading, const std::string& what, float value)
 
 } // namespace
 
+void requireFinite(const Reading& reading) {
+    if (reading.lab) {
+        requireFinite(reading, "L*", reading.lab->L);
+        requireFinite(reading, "a*", reading.lab->a);
+        requireFinite(reading, "b*", reading.lab->b);
+    }
+    for (const SPM_REFLECTION& point : reading.spectrum) {
+        requireFinite(reading, fmt::format("{} nm", point.wavelength), point.value);
+    }
+}
+
 void requireValues(const Run& run) {
     if (run.readings.empty()) throw HostError("there are no readings to write; measure at least one patch");
     for (const Reading& reading : run.readings) {
         if (!reading.lab && reading.spectrum.empty()) {
             throw HostError(fmt::format("the patch \"{}\" has no values; measure it again", reading.name));
         }
-        if (reading.lab) {
-            requireFinite(reading, "L*", reading.lab->L);
-            requireFinite(reading, "a*", reading.lab->a);
-            requireFinite(reading, "b*", reading.lab->b);
-        }
-        for (const SPM_REFLECTION& point : reading.spectrum) {
-            requireFinite(reading, fmt::format("{} nm", point.wavelength), point.value);
-        }
+        requireFinite(reading);
     }
 }
 

@@ -18,6 +18,9 @@ inline constexpr std::string_view observer = "10 degree";
 /// @throws HostError  when there are no readings, or one of them has no values or one that is not finite
 void requireValues(const Run& run);
 
+/// @throws HostError  when one of the reading's values is not finite
+void requireFinite(const Reading& reading);
+
 /// Whether any reading has CIELab values.
 bool hasLab(const Run& run);
 

@@ -2,14 +2,16 @@
 #include "host/HostError.h"
 #include "host/Measure.h"
 #include "host/Module.h"
+#include "host/OutputFile.h"
 #include "host/System.h"
 
 #include <algorithm>
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <cstdlib>
-#include <fmt/format.h>
+#include <iostream>
 #include <map>
+#include <sstream>
 
 namespace {
 
@@ -17,14 +19,13 @@ constexpr int failed = EXIT_FAILURE;
 constexpr int wrongUse = 2;
 constexpr int incomplete = 3;
 
-constexpr const char* measureHelp = R"(
-Calibrates the instrument on its white reference, then measures a chart row by row, or spots one after another. What to
+constexpr const char* measureHelp =
+    R"(Calibrates the instrument on its white reference, then measures a chart row by row, or spots one after another. What to
 do, and what goes wrong, is told on standard error; standard output has the values alone.
 
 With an output file, each row is in the file as soon as it was read. When a row fails, it can be measured again or
-skipped. Ctrl-C closes the instrument and keeps what was read.)";
+skipped. Ctrl-C closes the instrument and keeps what was read.
 
-constexpr const char* measureFooter = R"(
 Exit status:
   0  all was measured
   1  something failed; what was read before is written all the same
@@ -42,11 +43,10 @@ const std::map<std::string, host::Format> formats{{"table", host::Format::table}
                                                   {"json", host::Format::json},
                                                   {"cgats", host::Format::cgats}};
 
-constexpr const char* doctorHelp = R"(
-Looks at everything that measuring needs: the module and the SDK library, the settings and the log file, the instrument
-and its calibration. Tells what is right and what is wrong, and what to do.)";
+constexpr const char* doctorHelp =
+    R"(Looks at everything that measuring needs: the module and the SDK library, the settings and the log file, the instrument
+and its calibration. Tells what is right and what is wrong, and what to do.
 
-constexpr const char* doctorFooter = R"(
 Exit status:
   0  ready to measure
   1  something is wrong
@@ -56,9 +56,21 @@ Examples:
   spm doctor
   spm doctor --module /opt/colour/spm_i1pro3.so)";
 
+std::vector<std::string> split(const std::string& names) {
+    std::vector<std::string> all;
+    std::istringstream stream(names);
+    for (std::string name; std::getline(stream, name, ',');) {
+        all.push_back(name);
+    }
+    return all;
+}
+
 CLI::Option* addFile(CLI::App& command, const char* name, std::filesystem::path& path, const char* text) {
-    const auto take = [&path](const std::string& given) { path = std::u8string(given.begin(), given.end()); };
-    return command.add_option_function<std::string>(name, take, text)->type_name("FILE");
+    const auto take = [&path, name](const std::string& given) {
+        if (given.empty()) throw CLI::ValidationError(name, "names no file");
+        path = std::u8string(given.begin(), given.end());
+    };
+    return command.add_option_function<std::string>(name, take, text)->option_text("FILE");
 }
 
 void addModule(CLI::App& command, std::filesystem::path& path) {
@@ -68,30 +80,31 @@ void addModule(CLI::App& command, std::filesystem::path& path) {
 
 CLI::App* addDoctor(CLI::App& app, std::filesystem::path& module) {
     CLI::App* const doctor = app.add_subcommand("doctor", "tell what is right and what is wrong with the installation");
-    doctor->description(doctorHelp);
-    doctor->footer(doctorFooter);
+    doctor->footer(doctorHelp);
     addModule(*doctor, module);
     return doctor;
 }
 
 void addMeasure(CLI::App& app, host::MeasureOptions& options) {
     CLI::App* const measure = app.add_subcommand("measure", "measure a chart or spots");
-    measure->description(measureHelp);
-    measure->footer(measureFooter);
+    measure->footer(measureHelp);
     addModule(*measure, options.module);
     auto* const rows = measure->add_option("--rows", options.rows, "rows of the chart");
     auto* const patches = measure->add_option("--patches", options.patches, "patches in a row");
-    rows->check(CLI::Range(1, 1000))->capture_default_str();
-    patches->check(CLI::Range(2, 1000))->capture_default_str();
+    rows->check(CLI::Range(1, 1000))->option_text("1..1000 (default: 4)");
+    patches->check(CLI::Range(2, 1000))->option_text("2..1000 (default: 6)");
     measure->add_option("--spots", options.spots, "measure so many spots in place of rows")
+        ->option_text("1..100000")
         ->check(CLI::Range(1, 100'000))
         ->excludes(rows)
         ->excludes(patches);
-    auto* const chart =
-        addFile(*measure, "--chart", options.chart, "CSV file whose lines begin with the patches' names");
-    measure->add_option("--names", options.names, "the patches' names, separated by commas")
-        ->type_name("NAMES")
-        ->delimiter(',')
+    auto* const chart = addFile(*measure, "--chart", options.chart,
+                                "CSV file of the patches: a header line, then lines that begin with a name");
+    measure
+        ->add_option_function<std::string>(
+            "--names", [&options](const std::string& names) { options.names = split(names); },
+            "the patches' names, separated by commas; names with commas stand in a chart file")
+        ->option_text("NAMES")
         ->excludes(chart);
     measure->add_flag("--lab", options.lab, "measure CIELab for D65 and 10 degree (the default)");
     measure->add_flag("--spectra", options.spectra, "measure spectra; with --lab both, in two passes");
@@ -99,7 +112,7 @@ void addMeasure(CLI::App& app, host::MeasureOptions& options) {
         ->add_option_function<std::string>(
             "--format", [&options](const std::string& name) { options.format = formats.at(name); },
             "how to write the values (default: as the output file's name ends, otherwise a table)")
-        ->type_name("NAME")
+        ->option_text("table|csv|json|cgats")
         ->check(CLI::IsMember(&formats));
     addFile(*measure, "--output", options.output, "file to write the values to, in place of standard output");
     addFile(*measure, "--report", options.report, "HTML page to make of the run");
@@ -109,7 +122,7 @@ void addMeasure(CLI::App& app, host::MeasureOptions& options) {
 
 int diagnose(const std::filesystem::path& module) {
     const std::vector<host::Finding> findings = host::examine(module);
-    fmt::print("{}", host::formatFindings(findings, host::colourDepth(host::isTerminal(stdout))));
+    host::writeOut(host::formatFindings(findings, host::colourDepth(host::isTerminal(stdout))));
     return host::isSound(findings) ? EXIT_SUCCESS : failed;
 }
 
@@ -124,21 +137,28 @@ int run(std::vector<std::string> arguments) {
         std::reverse(arguments.begin(), arguments.end()); // as the parser wants them
         app.parse(arguments);
     } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? EXIT_SUCCESS : wrongUse;
+        const bool isHelp = app.exit(error) == 0;
+        if (!std::cout.flush()) return failed;
+        return isHelp ? EXIT_SUCCESS : wrongUse;
     }
     if (doctor->parsed()) return diagnose(module);
     return host::measure(options) == host::Outcome::complete ? EXIT_SUCCESS : incomplete;
+}
+
+int tell(const std::exception& error, int status) {
+    std::fprintf(stderr, "spm: %s\n", error.what());
+    return status;
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
     try {
-        host::prepareConsole();
+        host::prepareStreams();
         return run(host::arguments(argc, argv));
+    } catch (const host::UsageError& error) {
+        return tell(error, wrongUse);
     } catch (const std::exception& error) {
-        std::fflush(stdout);
-        std::fprintf(stderr, "spm: %s\n", error.what());
-        return failed;
+        return tell(error, failed);
     }
 }

@@ -83,6 +83,7 @@ TEST(Doctor, TellsOfARealLibraryAndOfSettings) {
     real.replace(host::sdkFileName, programs / "null" / host::sdkFileName);
     real.settings.setNumber("Logging", 1);
     real.settings.setText("Device", "USB");
+    writeFile(real.log(), "earlier");
     const std::vector<std::string> good = real.findings(host::Verdict::good);
     const std::string key = R"(HKEY_LOCAL_MACHINE\SOFTWARE\Kestrova\SPM)";
     const std::vector<std::string> expected{
@@ -97,6 +98,7 @@ TEST(Doctor, TellsOfARealLibraryAndOfSettings) {
         "Calibration: done > ",
     };
     EXPECT_EQ(good, expected);
+    EXPECT_TRUE(readFile(real.log()).starts_with("earlier")) << "it was looked whether it can be written";
 }
 
 TEST(Doctor, HasAVerdictOnEachBrokenInstallation) {
@@ -150,9 +152,9 @@ TEST(Doctor, HasAVerdictOnEachBrokenInstallation) {
         {[](Installation& its) { its.fail("SetOption", 3); }, {lamp}},
         {[](Installation& its) { its.fail("GetOption"); }, {lamp}},
         {[](Installation& its) { its.fail("GetOption", 2); },
-         {"Instrument: the connection to the instrument was lost" + seeScript}},
+         {"Calibration: the connection to the instrument was lost" + seeScript}},
         {[](Installation& its) { its.useScript(R"({"unplug": {"function": "I1PRO3_TriggerMeasurement"}})"); },
-         {"Instrument: the connection to the instrument was lost" + seeScript}},
+         {"Calibration: the connection to the instrument was lost" + seeScript}},
     };
     for (const Case& each : cases) {
         Installation broken;
@@ -186,8 +188,9 @@ TEST(Doctor, NotesWhatDoesNotKeepFromMeasuring) {
     EXPECT_EQ(its.findings(host::Verdict::wrong), std::vector<std::string>());
     const std::vector<std::string> notes = its.findings(host::Verdict::note);
     ASSERT_EQ(notes.size(), 4U);
-    EXPECT_EQ(notes[1], "Settings: the defaults hold, because this user has no right to read and write " +
-                            host::settingsPlace() + " > to have settings, give the user these rights");
+    EXPECT_EQ(notes[1], "Settings: the defaults hold, because " + host::settingsPlace() +
+                            " can't be opened for reading and writing > to have settings, make its folder, and give "
+                            "this user the right to write");
     EXPECT_EQ(notes[2], "Log file: " + file +
                             "spm_i1pro3.log can't be written > give this user the right to write to it and to its "
                             "folder");

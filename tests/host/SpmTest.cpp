@@ -131,39 +131,77 @@ TEST_F(Spm, MeasuresAgainWhatWasRecorded) {
 TEST_F(Spm, SaysWhatFailedAndWithWhat) {
     struct Case {
         Texts arguments;
+        int status;
         std::string message;
     };
     const std::string missing = (folder / "missing.module").string();
     const std::string noModule = (folder / "no module").string();
     const std::string chart = (folder / "chart.csv").string();
     const std::string noFolder = (folder / "missing" / "page").string();
+    const std::string aFolder = (folder / "").parent_path().string();
     writeFile(noModule, "text");
-    writeFile(chart, "name\none\n");
+    writeFile(chart, "name,L*,a*,b*\none,1,2,3\n");
     const std::vector<Case> cases{
-        {{"measure", "--module", missing}, "can't load the module " + missing + ": "},
-        {{"measure", "--module", noModule}, "; name another one with --module, or see what \"spm doctor\" finds\n"},
-        {{"measure", "--module", sdkFile.string()}, "is not a spectrophotometer module: it has no SPM_create"},
-        {{"measure", "--chart", "/no/such/chart.csv"}, "can't read the chart file /no/such/chart.csv"},
-        {{"measure", "--chart", chart}, " names 1 patches, but 24 are to be measured; "},
-        {{"measure", "--patches", "1"}, "--patches"},
-        {{"measure", "--names", "a,b"}, "--names has 2 patches, but 24 are to be measured; "},
-        {{"measure", "--spots", "2", "--rows", "2"}, "--spots"},
-        {{"measure", "--output", "/tmp/values"}, "the name /tmp/values does not tell the format; "},
-        {{"measure", "--format", "xml"}, "--format"},
-        {{"measure", "--output", noFolder + ".csv"},
-         "can't write " + noFolder + ".csv.part: No such file or directory; "},
-        {{"measure", "--report", noFolder}, "can't write " + noFolder + ".part: No such file or directory; "},
-        {{"measure", "--report", (folder / "").parent_path().string()},
-         ": it is a folder; choose another file or free its folder\n"},
-        {{"measure", "--reference", missing}, missing},
-        {{"measure", "--reference", missing, "--spectra"}, "which are not measured; add --lab"},
-        {{}, "subcommand"},
+        {{"--module", missing}, 1, "can't load the module " + missing + ": "},
+        {{"--module", noModule}, 1, "; name another one with --module, or see what \"spm doctor\" finds\n"},
+        {{"--module", sdkFile.string()}, 1, "is not a spectrophotometer module: it has no SPM_create"},
+        {{"--module", ""}, 2, "--module: names no file\n"},
+        {{"--chart", "/no/such/chart.csv"}, 1, "can't read the chart file /no/such/chart.csv; name a CSV file\n"},
+        {{"--chart", chart}, 2, " names 1 patches, but 24 are to be measured; "},
+        {{"--patches", "1"}, 2, "--patches"},
+        {{"--names", "a,b"}, 2, "--names has 2 patches, but 24 are to be measured; "},
+        {{"--spots", "2", "--rows", "2"}, 2, "--spots"},
+        {{"--output", "/tmp/values"}, 2, "the name /tmp/values does not tell the format; "},
+        {{"--format", "xml"}, 2, "--format"},
+        {{"--output", noFolder + ".csv"}, 1, "can't write "},
+        {{"--report", noFolder}, 1, "page.part: No such file or directory; choose another file"},
+        {{"--report", aFolder}, 1, "can't write " + aFolder + ": it is no ordinary file; choose another file"},
+        {{"--report", missing, "--format", "csv", "--output", missing}, 2, missing + " would be written over; "},
+        {{"--spots", "1", "--chart", chart, "--output", chart}, 2, chart + " would be written over; give each file "},
+        {{"--reference", missing}, 1, "can't read the reference file " + missing + "; name a CSV file\n"},
+        {{"--reference", chart}, 2, "\"patch 1\" is to be measured, the reference has \"one\"; name the patches as "},
+        {{"--reference", missing, "--spectra"}, 2, "which are not measured; add --lab"},
     };
     for (const Case& each : cases) {
-        EXPECT_NE(run(each.arguments), 0) << each.message;
+        Texts arguments{"measure"};
+        arguments.insert(arguments.end(), each.arguments.begin(), each.arguments.end());
+        EXPECT_EQ(run(arguments), each.status) << each.message;
         EXPECT_NE(errors().find(each.message), std::string::npos) << errors();
         EXPECT_EQ(output(), "");
     }
+    EXPECT_EQ(run({}), 2);
+}
+
+TEST_F(Spm, WritesWhatWasReadBeforeAFailure) {
+    struct Case {
+        std::string script;
+        std::string message;
+    };
+    const std::vector<Case> cases{
+        {R"({"samples": {"more": -1}})", "\nspm: Row 1 of 4: 1 of 2 patches were found; slide more slowly, "},
+        {R"({"faults": [{"function": "I1PRO3_TriggerMeasurement", "call": 2, "result": 7, "text": "lamp"}]})",
+         "\nspm: measuring failed: lamp\n"},
+    };
+    const EnvironmentVariable simulator("I1PRO3_SIMULATOR", (folder / "script.json").string());
+    for (const Case& each : cases) {
+        const bool isRead = &each != cases.data();
+        const std::filesystem::path report = folder / "page.html";
+        writeFile(folder / "script.json", each.script);
+        EXPECT_EQ(run({"measure", "--patches", "2", "--format", "csv", "--report", report.string()}), 1);
+        EXPECT_NE(errors().find(each.message), std::string::npos) << errors();
+        EXPECT_EQ(linesOf(output()).size(), isRead ? 3U : 0U) << output();
+        EXPECT_EQ(std::filesystem::exists(report), isRead);
+    }
+}
+
+TEST_F(Spm, TakesItsOwnValuesAsChartAndReference) {
+    const std::string values = (folder / "values.csv").string();
+    writeFile(folder / "chart.csv", "name\n\"a, \"\"b\"\"\"\n\nc\n");
+    ASSERT_EQ(run({"measure", "--spots", "2", "--chart", (folder / "chart.csv").string(), "--output", values}), 0);
+    ASSERT_EQ(run({"measure", "--spots", "2", "--chart", values, "--reference", values}), 0) << errors();
+    EXPECT_NE(output().find("\na, \"b\" "), std::string::npos) << output();
+    EXPECT_NE(output().find("(D65, 10 degree, simulated)\na, \"b\" "), std::string::npos) << output();
+    EXPECT_NE(output().find("\nmaximum                       0.00\n"), std::string::npos) << output();
 }
 
 TEST_F(Spm, PassesOnTheModulesErrorText) {

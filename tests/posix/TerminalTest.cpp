@@ -146,7 +146,7 @@ TEST_F(Terminal, EndsWhenThePersonSaysSo) {
     EXPECT_TRUE(spm.shows(question));
     spm.type("e\n");
     EXPECT_EQ(spm.end(), 1);
-    EXPECT_TRUE(spm.shown.ends_with("spm: measuring failed: lamp\r\nErrorNumber: 7\r\n")) << spm.shown;
+    EXPECT_TRUE(spm.shown.ends_with("spm: ended after a failure\r\n")) << spm.shown;
     EXPECT_FALSE(std::filesystem::exists(output)) << "nothing was read";
 }
 
@@ -159,6 +159,25 @@ TEST_F(Terminal, ClosesTheInstrumentAndKeepsWhatWasReadAfterCtrlC) {
     EXPECT_EQ(spm.end(), 3);
     EXPECT_EQ(patches(output), (std::vector<std::string>{"name", "patch 1", "patch 2"}));
     EXPECT_NE(readText(folder / "trace.jsonl").find("I1PRO3_CloseDevice"), std::string::npos);
+}
+
+TEST_F(Terminal, TakesCtrlCAsAnAnswer) {
+    use(R"({"faults": [{"function": "I1PRO3_TriggerMeasurement", "call": 2, "result": 7}], "trace": "trace.jsonl"})");
+    Spm spm(measure);
+    EXPECT_TRUE(spm.shows(question)) << spm.shown;
+    spm.type("\x03");
+    EXPECT_EQ(spm.end(), 3);
+    EXPECT_EQ(patches(output), (std::vector<std::string>{"name", "patch 1", "patch 2"}));
+    EXPECT_NE(readText(folder / "trace.jsonl").find("I1PRO3_CloseDevice"), std::string::npos);
+}
+
+TEST_F(Terminal, NoticesCtrlCWhenTheButtonIsPressedAtOnce) {
+    use(R"({"button": {"polls": 0}, "latency": {"I1PRO3_TriggerMeasurement": 1000}})");
+    Spm spm(measure);
+    EXPECT_TRUE(spm.shows("Row 1 of 2, CIELab: "));
+    spm.type("\x03");
+    EXPECT_EQ(spm.end(), 3);
+    EXPECT_EQ(patches(output), (std::vector<std::string>{"name", "patch 1", "patch 2"}));
 }
 
 TEST_F(Terminal, LosesNoReadingWhenItIsKilled) {
