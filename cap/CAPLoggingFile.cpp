@@ -23,11 +23,6 @@ std::string currentZoneText() {
         .substr(0, zoneTextLength);
 }
 
-std::string processAndThread() {
-    return FormatText("%X:%X", static_cast<unsigned>(GetCurrentProcessId()),
-                      static_cast<unsigned>(GetCurrentThreadId()));
-}
-
 std::string withLogExtension(const std::string& path) {
     const std::size_t name = path.find_last_of("/\\:") + 1;
     const std::size_t dot = path.rfind('.');
@@ -116,22 +111,24 @@ void CAPLoggingFile::LogText(std::int32_t level, std::int32_t moduleNumber, cons
 }
 
 void CAPLoggingFile::WriteMessage(const ICAPLoggingMessage& message) {
-    if (writes(message.GetLevel())) writeLine(processAndThread(), message);
+    if (writes(message.GetLevel())) writeLine("", message);
 }
 
 void CAPLoggingFile::HandleMessage(ICAPLoggingSource* source, const ICAPLoggingMessage& message) {
     if (!writes(message.GetLevel())) return;
     const auto sourceNumber = static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(source));
-    writeLine(processAndThread() + FormatText(":%X", unsigned{sourceNumber}), message);
+    writeLine(FormatText(":%X", unsigned{sourceNumber}), message);
 }
 
-void CAPLoggingFile::writeLine(const std::string& origin, const ICAPLoggingMessage& message) {
+void CAPLoggingFile::writeLine(const std::string& source, const ICAPLoggingMessage& message) {
     const __time64_t now = std::time(nullptr);
     std::tm local{};
     _localtime64_s(&local, &now);
     std::string line = isLineTorn ? "\n" : ""; // a full disk may have let a part of the last line through
-    line += FormatText("%04d-%02d-%02d %02d:%02d:%02d (%s) [%s] ", local.tm_year + 1900, local.tm_mon + 1,
-                       local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec, zoneText.c_str(), origin.c_str());
+    line += FormatText("%04d-%02d-%02d %02d:%02d:%02d (%s) [%X:%X%s] ", local.tm_year + 1900, local.tm_mon + 1,
+                       local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec, zoneText.c_str(),
+                       static_cast<unsigned>(GetCurrentProcessId()), static_cast<unsigned>(GetCurrentThreadId()),
+                       source.c_str());
     const std::string text = message.ToString();
     line.append(text, 0, text.find('\0')).append("\n");
     const WriteLock lock(stream.get(), std::chrono::milliseconds(isLockStuck ? 0 : 1000));

@@ -49,7 +49,7 @@ public:
 
 private:
     bool writes(std::int32_t level) const { return stream != nullptr && level <= detailLevel; }
-    void writeLine(const std::string& origin, const ICAPLoggingMessage& message);
+    void writeLine(const std::string& source, const ICAPLoggingMessage& message);
 
     struct CloseStream {
         void operator()(std::FILE* open) const { std::fclose(open); }

@@ -17,5 +17,7 @@ if(MINGW)
     # Nothing of the compiler's own as a library beside the program, and the same bytes from the same sources.
     add_link_options(-static -s LINKER:--no-insert-timestamp)
 elseif(NOT WIN32)
+    # Calls as on Windows: within a library direct, or not at all; to another library without a detour.
+    add_compile_options(-fno-semantic-interposition -fno-plt)
     add_link_options(LINKER:--enable-new-dtags)
 endif()

@@ -228,8 +228,9 @@ void SPM_i1PRO3::measure(std::int32_t patches, Record* records, std::int32_t* co
     if (I1PRO3_GetButtonStatusD(deviceHandle) == buttonNotPressed) return;
     checkSdkResult(I1PRO3_TriggerMeasurement(deviceHandle));
     const std::int32_t samples = numberOfSamples(patches);
-    for (; *count < samples; ++*count) {
-        readSample(*count, records[*count]);
+    for (std::int32_t sample = 0; sample < samples; ++sample) {
+        readSample(sample, records[sample]);
+        *count = sample + 1;
     }
 }
 

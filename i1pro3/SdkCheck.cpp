@@ -9,8 +9,7 @@ std::string SdkText::text() const {
     return {buffer.begin(), std::find(buffer.begin(), buffer.end(), '\0')};
 }
 
-void checkSdkResult(std::int32_t result) {
-    if (result == 0) return;
+void throwSdkError() {
     // Both queries share the buffer and the size: the second is offered what the first left in them.
     SdkText answer;
     I1PRO3_GetGlobalOption("LastErrorText", answer.data(), answer.size());

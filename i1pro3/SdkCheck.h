@@ -20,7 +20,11 @@ private:
     std::uint32_t sizeVariable = capacity;
 };
 
+[[noreturn]] void throwSdkError();
+
 /// The module's one way of turning a failure of the vendor's library into an error.
 /// @param result  what a call of the library answered; 0 is success
 /// @throws SPMException  with the library's last error text and number, when the result is not 0
-void checkSdkResult(std::int32_t result);
+inline void checkSdkResult(std::int32_t result) {
+    if (result != 0) throwSdkError();
+}

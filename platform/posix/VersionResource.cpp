@@ -21,8 +21,9 @@
 namespace {
 
 constexpr std::string_view sectionName = ".rsrc";
-constexpr std::size_t largestTree = 0xFFFF; // a node's length has 16 bits
-constexpr std::size_t headerSize = 6;       // length, value length, type
+constexpr std::size_t longestNames = 0xFFFF; // of all sections together
+constexpr std::size_t largestTree = 0xFFFF;  // a node's length has 16 bits
+constexpr std::size_t headerSize = 6;        // length, value length, type
 
 class File {
 public:
@@ -36,6 +37,14 @@ public:
     /// Reads exactly that many bytes, or fails.
     bool read(std::uint64_t offset, void* target, std::size_t size) const {
         return pread(descriptor, target, size, static_cast<off_t>(offset)) == static_cast<ssize_t>(size);
+    }
+
+    /// Reads what there is of so many bytes.
+    std::string readUpTo(std::uint64_t offset, std::size_t size) const {
+        std::string bytes(size, '\0');
+        const ssize_t length = pread(descriptor, bytes.data(), size, static_cast<off_t>(offset));
+        bytes.resize(length > 0 ? static_cast<std::size_t>(length) : 0);
+        return bytes;
     }
 
     template <class Record>
@@ -58,26 +67,19 @@ std::size_t aligned(std::size_t offset) {
     return (offset + 3) / 4 * 4;
 }
 
-bool isNamed(const File& file, std::uint64_t nameOffset, std::string_view wanted) {
-    std::array<char, 8> name{};
-    return file.read(nameOffset, name.data(), wanted.size() + 1) && wanted == name.data();
-}
-
 std::optional<Elf64_Shdr> findSection(const File& file) {
     const auto header = file.read<Elf64_Ehdr>(0);
     if (!header || std::memcmp(header->e_ident, ELFMAG, SELFMAG) != 0) return std::nullopt;
     if (header->e_ident[EI_CLASS] != ELFCLASS64 || header->e_shentsize != sizeof(Elf64_Shdr)) return std::nullopt;
-    const auto sectionAt = [&](unsigned index) {
-        return file.read<Elf64_Shdr>(header->e_shoff + index * sizeof(Elf64_Shdr));
-    };
-    const auto names = sectionAt(header->e_shstrndx);
-    if (!names) return std::nullopt;
-    for (unsigned index = 0; index < header->e_shnum; ++index) {
-        const auto section = sectionAt(index);
-        if (!section) return std::nullopt;
-        if (isNamed(file, names->sh_offset + section->sh_name, sectionName)) return section;
-    }
-    return std::nullopt;
+    std::vector<Elf64_Shdr> sections(header->e_shnum);
+    if (!file.read(header->e_shoff, sections.data(), sections.size() * sizeof(Elf64_Shdr))) return std::nullopt;
+    if (header->e_shstrndx >= sections.size()) return std::nullopt;
+    const Elf64_Shdr& table = sections[header->e_shstrndx];
+    const std::string names = file.readUpTo(table.sh_offset, std::min<std::size_t>(table.sh_size, longestNames));
+    const auto found = std::find_if(sections.begin(), sections.end(), [&](const Elf64_Shdr& section) {
+        return section.sh_name < names.size() && names.c_str() + section.sh_name == sectionName;
+    });
+    return found != sections.end() ? std::optional(*found) : std::nullopt;
 }
 
 /// The file's version tree, cut to the length that its root states; empty when there is none.
@@ -96,7 +98,8 @@ std::vector<char> readTree(const char* path) {
 /// A node inside a tree, by offsets that have been checked.
 struct Node {
     std::size_t end;
-    std::string name;
+    std::size_t name;
+    std::size_t nameLength;
     std::size_t value;
     std::size_t valueSize;
     bool isText;
@@ -108,11 +111,11 @@ char toLatin1(WORD unit) {
 
 std::optional<Node> parseNode(const char* tree, std::size_t offset, std::size_t limit) {
     if (offset + headerSize > limit) return std::nullopt;
-    Node node{offset + wordAt(tree + offset), {}, 0, 0, wordAt(tree + offset + 4) == 1};
+    Node node{offset + wordAt(tree + offset), offset + headerSize, 0, 0, 0, wordAt(tree + offset + 4) == 1};
     if (node.end > limit) return std::nullopt;
-    std::size_t position = offset + headerSize;
+    std::size_t position = node.name;
     for (; position + 2 <= node.end && wordAt(tree + position) != 0; position += 2) {
-        node.name += toLatin1(wordAt(tree + position));
+        ++node.nameLength;
     }
     if (position + 2 > node.end) return std::nullopt;
     node.value = std::min(aligned(position + 2), node.end);
@@ -121,10 +124,19 @@ std::optional<Node> parseNode(const char* tree, std::size_t offset, std::size_t 
     return node;
 }
 
+bool isNamed(const char* tree, const Node& node, std::string_view name) {
+    if (node.nameLength != name.size()) return false;
+    std::string text(name.size(), '\0');
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        text[i] = toLatin1(wordAt(tree + node.name + 2 * i));
+    }
+    return sameText(text, name);
+}
+
 std::optional<Node> findChild(const char* tree, const Node& parent, std::string_view name) {
     std::size_t offset = aligned(parent.value + parent.valueSize);
     while (auto child = parseNode(tree, offset, parent.end)) {
-        if (sameText(child->name, name)) return child;
+        if (isNamed(tree, *child, name)) return child;
         offset = aligned(child->end);
     }
     return std::nullopt;
