@@ -23,7 +23,7 @@ loader::SharedLibrary load(const std::filesystem::path& path) try {
 } // namespace
 
 std::filesystem::path defaultModule() {
-    const std::filesystem::path beside = programFolder() / moduleFileName;
+    std::filesystem::path beside = programFolder() / moduleFileName;
     if (std::filesystem::exists(beside)) return beside;
     return (programFolder() / SPM_INSTALLED_MODULE_FOLDER / moduleFileName).lexically_normal();
 }
