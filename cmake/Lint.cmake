@@ -1,5 +1,5 @@
 # The target "lint": formatting of all sources, and static analysis of those that this system is built from, each again
-# only when it or a header changed. On Windows just what is built there alone: the rest is the native build's.
+# only when it or a header changed. Of what other builds have, benchmarks and examples, the formatting alone. On Windows just what is built there alone: the rest is the native build's.
 find_program(CLANG_FORMAT clang-format)
 find_program(CLANG_TIDY clang-tidy)
 if(NOT CLANG_FORMAT OR NOT CLANG_TIDY)
@@ -14,6 +14,8 @@ list(TRANSFORM folders APPEND /*.cpp OUTPUT_VARIABLE cpp_sources)
 list(TRANSFORM folders APPEND /*.h OUTPUT_VARIABLE all_headers)
 file(GLOB sources CONFIGURE_DEPENDS ${c_sources} ${cpp_sources})
 file(GLOB headers CONFIGURE_DEPENDS ${all_headers})
+file(GLOB only_formatted CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/bench/*.cpp ${PROJECT_SOURCE_DIR}/bench/*.h
+    ${PROJECT_SOURCE_DIR}/examples/*/*.c ${PROJECT_SOURCE_DIR}/examples/*/*.cpp ${PROJECT_SOURCE_DIR}/examples/*/*.h)
 set(rules ${PROJECT_SOURCE_DIR}/.clang-tidy ${PROJECT_SOURCE_DIR}/tests/.clang-tidy)
 
 set(only_windows "Windows\\.cpp$|/tests/windows/[^/]*$")
@@ -47,6 +49,6 @@ endforeach()
 file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/lint)
 
 add_custom_target(lint
-    COMMAND ${CLANG_FORMAT} --dry-run -Werror ${sources} ${headers}
+    COMMAND ${CLANG_FORMAT} --dry-run -Werror ${sources} ${headers} ${only_formatted}
     DEPENDS ${stamps}
     VERBATIM)

@@ -9,6 +9,7 @@
 namespace {
 
 int32_t scannedPatches = 0;
+int32_t buttonStatus = 0;
 
 } // namespace
 
@@ -39,14 +40,16 @@ int32_t I1PRO3_GetOption(I1PRO3_DeviceHandle /*device*/, const char* /*key*/, ch
     return 0;
 }
 
-int32_t I1PRO3_SetGlobalOption(const char* /*key*/, const char* /*value*/) {
+/// The global option "Button" is what the button's status is.
+int32_t I1PRO3_SetGlobalOption(const char* key, const char* value) {
+    if (std::string_view(key) == "Button") buttonStatus = static_cast<int32_t>(std::strtol(value, nullptr, 10));
     return 0;
 }
 int32_t I1PRO3_GetGlobalOption(const char* /*key*/, char* /*buffer*/, uint32_t* /*size*/) {
     return 0;
 }
 int32_t I1PRO3_GetButtonStatusD(I1PRO3_DeviceHandle /*device*/) {
-    return 0;
+    return buttonStatus;
 }
 int32_t I1PRO3_Calibrate(I1PRO3_DeviceHandle /*device*/) {
     return 0;

@@ -1,0 +1,35 @@
+"""What a row of 24 patches and a log line cost, in instructions: a count, which other work on the machine can't change.
+
+Use: cost_test.py PROGRAM, that of bench/instructions.cpp; needs valgrind. The reference is for the compiler and the
+libraries of Debian 12.
+"""
+
+import re
+import subprocess
+import sys
+import tempfile
+import unittest
+
+PROGRAM = sys.argv.pop(1)
+REFERENCE = {"read": 839, "log": 9041}
+TOLERANCE = 0.05
+
+
+def instructions(what, times):
+    with tempfile.TemporaryDirectory() as folder:
+        result = subprocess.run(
+            ["valgrind", "--tool=callgrind", f"--callgrind-out-file={folder}/out", PROGRAM, what, str(times)],
+            capture_output=True, text=True, check=True, env={"SPM_REGISTRY": f"{folder}/settings.reg", "TZ": "UTC"})
+    return int(re.search(r"Collected : (\d+)", result.stderr).group(1))
+
+
+class Cost(unittest.TestCase):
+    def test_is_that_of_the_reference(self):
+        for what, expected in REFERENCE.items():
+            with self.subTest(what):
+                count = (instructions(what, 300) - instructions(what, 100)) / 200
+                self.assertLess(abs(count - expected), TOLERANCE * expected, f"{what} takes {count} instructions")
+
+
+if __name__ == "__main__":
+    unittest.main(verbosity=2)
