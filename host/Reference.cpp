@@ -3,6 +3,7 @@
 #include "host/CsvReader.h"
 #include "host/DeltaE.h"
 #include "host/HostError.h"
+#include "host/Values.h"
 
 #include <algorithm>
 #include <charconv>
@@ -143,9 +144,9 @@ Comparison compare(const Run& run, const Reference& reference) {
 }
 
 std::string formatComparison(const Comparison& comparison) {
-    std::string text =
-        fmt::format("Compared with {}\n{:<24} {:>9} {:>8} {:>8} {:>8}   (D65, 10 degree{})\n", comparison.file.string(),
-                    "", "CIEDE2000", "dL*", "da*", "db*", comparison.isSimulated ? ", simulated" : "");
+    std::string text = fmt::format("Compared with {}\n{:<24} {:>9} {:>8} {:>8} {:>8}   ({}, {}{})\n",
+                                   comparison.file.string(), "", "CIEDE2000", "dL*", "da*", "db*", illuminant, observer,
+                                   comparison.isSimulated ? ", simulated" : "");
     for (const PatchDifference& patch : comparison.patches) {
         text += fmt::format("{:<24} {:9.2f} {:+8.2f} {:+8.2f} {:+8.2f}\n", patch.name, patch.deltaE,
                             patch.measured.L - patch.expected.L, patch.measured.a - patch.expected.a,

@@ -35,26 +35,28 @@ std::optional<Stored> query(HKEY key, const std::string& name) {
     return stored;
 }
 
-std::optional<std::uint32_t> valueOf(const Stored& stored, std::uint32_t value) {
+std::optional<std::uint32_t> numberOf(const Stored& stored) {
+    std::uint32_t value = 0;
     if (stored.type != REG_DWORD || stored.data.size() != sizeof value) return {};
     std::memcpy(&value, stored.data.data(), sizeof value);
     return value;
 }
 
-std::optional<std::string> valueOf(const Stored& stored, const std::string& /*type*/) {
+/// Like the module, takes the last byte for the text's NUL.
+std::optional<std::string> textOf(const Stored& stored) {
     if (stored.type != REG_SZ || stored.data.empty()) return {};
     return std::string(stored.data.begin(), stored.data.end() - 1);
 }
 
 template <class Value>
-Setting<Value> read(HKEY software, const char* key, const char* name) {
+Setting<Value> read(HKEY software, const char* key, const char* name, std::optional<Value> (*valueOf)(const Stored&)) {
     Setting<Value> setting{std::string("HKEY_LOCAL_MACHINE\\SOFTWARE\\") + key, name};
     HKEY opened = nullptr;
     if (software == nullptr || RegOpenKeyExA(software, key, 0, KEY_READ, &opened) != ERROR_SUCCESS) return setting;
     const OpenKey open(opened);
     if (const std::optional<Stored> stored = query(open.get(), name)) {
         setting.isStored = true;
-        setting.value = valueOf(*stored, Value());
+        setting.value = valueOf(*stored);
     }
     return setting;
 }
@@ -70,9 +72,8 @@ Settings readSettings() {
     HKEY opened = nullptr;
     const LSTATUS status = RegOpenKeyExA(HKEY_LOCAL_MACHINE, "SOFTWARE", 0, KEY_READ | KEY_WRITE, &opened);
     const OpenKey software(status == ERROR_SUCCESS ? opened : nullptr);
-    return {accessOf(status), read<std::uint32_t>(software.get(), commonKey, "Logging"),
-            read<std::uint32_t>(software.get(), commonKey, "Details"),
-            read<std::string>(software.get(), deviceKey, "Device")};
+    return {accessOf(status), read(software.get(), commonKey, "Logging", numberOf),
+            read(software.get(), commonKey, "Details", numberOf), read(software.get(), deviceKey, "Device", textOf)};
 }
 
 } // namespace host

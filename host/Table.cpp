@@ -1,6 +1,7 @@
 #include "host/Table.h"
 
 #include "host/Sparkline.h"
+#include "host/Values.h"
 
 #include <fmt/format.h>
 #include <iterator>
@@ -20,8 +21,8 @@ const char* markOf(bool isSimulated) {
 std::string labTable(std::span<const Reading> readings, bool isSimulated, ColourDepth depth) {
     std::string table;
     auto out = std::back_inserter(table);
-    fmt::format_to(out, "{:{}}{:<24} {:>8} {:>8} {:>8}   (D65, 10 degree{})\n", "", depth == ColourDepth::none ? 0 : 7,
-                   "", "L*", "a*", "b*", markOf(isSimulated));
+    fmt::format_to(out, "{:{}}{:<24} {:>8} {:>8} {:>8}   ({}, {}{})\n", "", depth == ColourDepth::none ? 0 : 7, "",
+                   "L*", "a*", "b*", illuminant, observer, markOf(isSimulated));
     for (const Reading& reading : readings) {
         if (!reading.lab) continue;
         const SPM_LAB& lab = *reading.lab;

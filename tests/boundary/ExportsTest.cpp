@@ -1,8 +1,6 @@
 #include "tests/boundary/ModuleTest.h"
 
 #include <cstddef>
-#include <cstring>
-#include <numeric>
 #include <type_traits>
 
 // The layouts that hosts rely on.
@@ -44,57 +42,9 @@ SAME_TYPE(getType);
 
 namespace {
 
-/// Where an operation stands in the virtual table: a pointer to it holds the place in bytes plus one on both systems.
-template <class Operation>
-std::ptrdiff_t slotOf(Operation operation) {
-    std::ptrdiff_t place = 0;
-    std::memcpy(&place, &operation, sizeof place);
-    return (place - 1) / static_cast<std::ptrdiff_t>(sizeof place);
-}
-
 class Exports : public ModuleTest {};
 
 } // namespace
-
-TEST(Interface, KeepsItsOrder) {
-    const std::vector<std::ptrdiff_t> slots{slotOf(&IScmSPM::HandleMessage),
-                                            slotOf(&IScmSPM::Dispatch),
-                                            slotOf(&IScmSPM::LogMessage),
-                                            slotOf(&IScmSPM::AddListener),
-                                            slotOf(&IScmSPM::RemoveListener),
-                                            slotOf(&IScmSPM::getName),
-                                            slotOf(&IScmSPM::getDeviceFlag),
-                                            slotOf(&IScmSPM::isModeSupported),
-                                            slotOf(&IScmSPM::isReferenceSupported),
-                                            slotOf(&IScmSPM::getNumberOfApertures),
-                                            slotOf(&IScmSPM::getAperture),
-                                            slotOf(&IScmSPM::hasApertureChoice),
-                                            slotOf(&IScmSPM::getNumberOfAuxiliaries),
-                                            slotOf(&IScmSPM::getAuxiliary),
-                                            slotOf(&IScmSPM::hasAuxiliaryChoice),
-                                            slotOf(&IScmSPM::getNumberOfIlluminations),
-                                            slotOf(&IScmSPM::getIllumination),
-                                            slotOf(&IScmSPM::hasIlluminationChoice),
-                                            slotOf(&IScmSPM::getNumberOfReferences),
-                                            slotOf(&IScmSPM::getReference),
-                                            slotOf(&IScmSPM::getNumberOfModes),
-                                            slotOf(&IScmSPM::getMode),
-                                            slotOf(&IScmSPM::getNumberOfDevices),
-                                            slotOf(&IScmSPM::getDevice),
-                                            slotOf(&IScmSPM::open),
-                                            slotOf(&IScmSPM::close),
-                                            slotOf(&IScmSPM::isOpened),
-                                            slotOf(&IScmSPM::setOptionsByName),
-                                            slotOf(&IScmSPM::getStatus),
-                                            slotOf(&IScmSPM::isCalibrated),
-                                            slotOf(&IScmSPM::calibrate),
-                                            slotOf(&IScmSPM::getNumberOfReflections),
-                                            slotOf(&IScmSPM::readSpectrum),
-                                            slotOf(&IScmSPM::read)};
-    std::vector<std::ptrdiff_t> expected(slots.size());
-    std::iota(expected.begin(), expected.end(), 2); // behind the two destructors
-    EXPECT_EQ(slots, expected);
-}
 
 TEST_F(Exports, TellTheVersion) {
     EXPECT_EQ(module.getVersion(nullptr), 3U);
