@@ -5,6 +5,7 @@
 #include "host/System.h"
 
 #include <chrono>
+#include <cstdio>
 #include <fmt/format.h>
 #include <iostream>
 #include <thread>
@@ -15,6 +16,11 @@ namespace {
 
 constexpr auto pause = std::chrono::milliseconds(50);
 constexpr const char* clearLine = "\r\x1b[K";
+
+/// What can't be shown, because the terminal is gone, is lost: it must not keep the values from being written.
+void tell(const std::string& text) {
+    static_cast<void>(std::fputs(text.c_str(), stderr));
+}
 
 std::string bar(const Progress& progress) {
     constexpr std::size_t width = 24;
@@ -29,11 +35,11 @@ Dialogue::Dialogue() : isShown(isTerminal(stderr)), isAnswered(isTerminal(stdin)
 
 void Dialogue::say(const std::string& text) const {
     clear();
-    fmt::print(stderr, "{}\n", text);
+    tell(text + '\n');
 }
 
 void Dialogue::clear() const {
-    if (isShown) fmt::print(stderr, "{}", clearLine);
+    if (isShown) tell(clearLine);
 }
 
 Instrument::Wait Dialogue::wait(const Progress& progress) const {
@@ -41,9 +47,8 @@ Instrument::Wait Dialogue::wait(const Progress& progress) const {
         InterruptGuard::check();
         if (isShown) {
             const auto waited = std::chrono::steady_clock::now() - begin;
-            fmt::print(stderr, "{}{}; waiting for the button, {} s ", clearLine, line,
-                       std::chrono::duration_cast<std::chrono::seconds>(waited).count());
-            std::fflush(stderr);
+            tell(fmt::format("{}{}; waiting for the button, {} s ", clearLine, line,
+                             std::chrono::duration_cast<std::chrono::seconds>(waited).count()));
         }
         std::this_thread::sleep_for(pause);
     };
@@ -51,7 +56,7 @@ Instrument::Wait Dialogue::wait(const Progress& progress) const {
 
 Dialogue::Choice Dialogue::askWhatNext() const {
     for (;;) {
-        fmt::print(stderr, "Measure it again (r), skip it (s) or end (e)? ");
+        tell("Measure it again (r), skip it (s) or end (e)? ");
         std::string answer;
         const bool isGiven = !!std::getline(std::cin, answer);
         InterruptGuard::check();

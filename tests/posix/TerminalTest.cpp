@@ -38,7 +38,7 @@ public:
     ~Spm() {
         if (process > 0) kill(process, SIGKILL);
         if (process > 0) waitpid(process, nullptr, 0);
-        close(terminal);
+        if (terminal >= 0) close(terminal);
     }
 
     /// Waits until a text is shown, behind what was waited for before.
@@ -66,6 +66,9 @@ public:
         return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     }
 
+    /// Takes the terminal away.
+    void hangUp() { close(std::exchange(terminal, -1)); }
+
     void killAtOnce() const { kill(process, SIGKILL); }
 
     std::string shown;
@@ -76,7 +79,7 @@ private:
         constexpr int patience = 20'000;
         std::array<char, 4096> part{};
         pollfd ready{terminal, POLLIN, 0};
-        if (poll(&ready, 1, patience) != 1) return false;
+        if (terminal < 0 || poll(&ready, 1, patience) != 1) return false;
         const ssize_t length = read(terminal, part.data(), part.size());
         if (length <= 0) return false;
         shown.append(part.data(), static_cast<std::size_t>(length));
@@ -178,6 +181,15 @@ TEST_F(Terminal, NoticesCtrlCWhenTheButtonIsPressedAtOnce) {
     spm.type("\x03");
     EXPECT_EQ(spm.end(), 3);
     EXPECT_EQ(patches(output), (std::vector<std::string>{"name", "patch 1", "patch 2"}));
+}
+
+TEST_F(Terminal, ClosesTheInstrumentWhenItGoesAway) {
+    use(R"({"button": {"once per measurement": true, "milliseconds": 500}, "trace": "trace.jsonl"})");
+    Spm spm(measure);
+    EXPECT_TRUE(spm.shows(secondWait));
+    spm.hangUp();
+    EXPECT_EQ(spm.end(), 3);
+    EXPECT_NE(readText(folder / "trace.jsonl").find("I1PRO3_CloseDevice"), std::string::npos);
 }
 
 TEST_F(Terminal, LosesNoReadingWhenItIsKilled) {

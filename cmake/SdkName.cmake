@@ -1,0 +1,10 @@
+# Gives a library the file name of the vendor's SDK library, and a folder of its own beside the programs, "." for none.
+function(spm_use_sdk_name target folder)
+    set_target_properties(${target} PROPERTIES OUTPUT_NAME i1Pro364
+        RUNTIME_OUTPUT_DIRECTORY ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/${folder}
+        LIBRARY_OUTPUT_DIRECTORY ${CMAKE_LIBRARY_OUTPUT_DIRECTORY}/${folder}
+        ARCHIVE_OUTPUT_DIRECTORY ${CMAKE_ARCHIVE_OUTPUT_DIRECTORY}/${folder})
+    if(WIN32)
+        set_target_properties(${target} PROPERTIES PREFIX "")
+    endif()
+endfunction()
