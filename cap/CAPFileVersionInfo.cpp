@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <memory>
 #include <span>
 #include <string_view>
 #include <vector>
@@ -32,20 +33,18 @@ struct Translation {
 /// The version data of a file, as the system hands it out.
 class VersionData {
 public:
-    /// Empty when the file has none or can't be read.
-    explicit VersionData(const char* path) : block(GetFileVersionInfoSizeA(path, nullptr)) {
-        if (!block.empty() && GetFileVersionInfoA(path, 0, static_cast<DWORD>(block.size()), block.data()) == FALSE) {
-            block.clear();
-        }
-    }
+    /// Empty when the file has none or can't be read. Asking for the size first would read the file twice.
+    explicit VersionData(const char* path)
+        : block(std::make_unique_for_overwrite<char[]>(largestSize)),
+          isEmpty(GetFileVersionInfoA(path, 0, largestSize, block.get()) == FALSE) {}
 
-    bool empty() const { return block.empty(); }
+    bool empty() const { return isEmpty; }
 
     /// The value at a path: `length` bytes, or for a text characters; empty when there is none.
     std::span<const char> query(const std::string& path) const {
         void* value = nullptr;
         UINT length = 0;
-        if (VerQueryValueA(block.data(), path.c_str(), &value, &length) == FALSE) return {};
+        if (VerQueryValueA(block.get(), path.c_str(), &value, &length) == FALSE) return {};
         return {static_cast<const char*>(value), length};
     }
 
@@ -63,7 +62,11 @@ public:
     }
 
 private:
-    std::vector<char> block;
+    /// A resource states its length in 16 bits; the system converts its texts in as much room again.
+    static constexpr DWORD largestSize = 2 * 0x10000;
+
+    std::unique_ptr<char[]> block;
+    bool isEmpty;
 };
 
 /// The entry that suits the user best: the same language, the same primary language, a neutral one, English, any.

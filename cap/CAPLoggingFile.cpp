@@ -3,11 +3,10 @@
 #include "cap/CAPLoggingMessage.h"
 #include "cap/FormatText.h"
 #include "cap/ModuleFileName.h"
+#include "platform/LogStream.h"
 
-#include <chrono>
 #include <cstdlib>
 #include <ctime>
-#include <thread>
 
 namespace {
 
@@ -30,38 +29,12 @@ std::string withLogExtension(const std::string& path) {
     return path.substr(0, hasExtension ? dot : path.size()) + ".log";
 }
 
-/// Keeps other writers off the file, of this process or another, for the object's life. The byte that is locked lies
-/// far beyond the end, so that nobody is kept from reading.
-class WriteLock {
-public:
-    /// Waits for the lock, but not for long: whoever may read the file may lock it, and never let go.
-    WriteLock(std::FILE* stream, std::chrono::milliseconds patience)
-        : file(reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stream)))) {
-        place.OffsetHigh = 0x7FFFFFFF;
-        const auto end = std::chrono::steady_clock::now() + patience;
-        while (!tryLock() && std::chrono::steady_clock::now() < end) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        }
-    }
-    WriteLock(const WriteLock&) = delete;
-    WriteLock& operator=(const WriteLock&) = delete;
-    ~WriteLock() {
-        if (isHeld) UnlockFileEx(file, 0, 1, 0, &place);
-    }
-
-    bool held() const { return isHeld; }
-
-private:
-    bool tryLock() {
-        constexpr DWORD flags = LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY;
-        isHeld = LockFileEx(file, flags, 0, 1, 0, &place) != FALSE;
-        return isHeld;
-    }
-
-    HANDLE file;
-    OVERLAPPED place{};
-    bool isHeld = false;
-};
+std::string makeTimeText(__time64_t now, const std::string& zone) {
+    std::tm local{};
+    _localtime64_s(&local, &now);
+    return FormatText("%04d-%02d-%02d %02d:%02d:%02d (%s) ", local.tm_year + 1900, local.tm_mon + 1, local.tm_mday,
+                      local.tm_hour, local.tm_min, local.tm_sec, zone.c_str());
+}
 
 } // namespace
 
@@ -89,10 +62,8 @@ void CAPLoggingFile::OpenForModule(HMODULE module, const char* mode) {
 
 void CAPLoggingFile::OpenFile(const char* path, const char* mode) {
     CloseFile();
-    isLineTorn = false;
-    if (path != nullptr) stream.reset(std::fopen(path, mode));
-    // Unbuffered, a line goes out as the one write that it was handed over in.
-    if (stream != nullptr) std::setvbuf(stream.get(), nullptr, _IONBF, 0);
+    if (path != nullptr) stream.reset(openLogStream(path, mode));
+    isLineTorn = stream != nullptr && endsInsideLine(stream.get());
     LogText(CAPLevel::debug, bannerModuleNumber, "----- Started Logging -----");
 }
 
@@ -121,18 +92,27 @@ void CAPLoggingFile::HandleMessage(ICAPLoggingSource* source, const ICAPLoggingM
 }
 
 void CAPLoggingFile::writeLine(const std::string& source, const ICAPLoggingMessage& message) {
-    const __time64_t now = std::time(nullptr);
-    std::tm local{};
-    _localtime64_s(&local, &now);
     std::string line = isLineTorn ? "\n" : ""; // a full disk may have let a part of the last line through
-    line += FormatText("%04d-%02d-%02d %02d:%02d:%02d (%s) [%X:%X%s] ", local.tm_year + 1900, local.tm_mon + 1,
-                       local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec, zoneText.c_str(),
-                       static_cast<unsigned>(GetCurrentProcessId()), static_cast<unsigned>(GetCurrentThreadId()),
-                       source.c_str());
+    appendTime(line);
+    line += FormatText("[%X:%X%s] ", static_cast<unsigned>(GetCurrentProcessId()),
+                       static_cast<unsigned>(GetCurrentThreadId()), source.c_str());
     const std::string text = message.ToString();
     line.append(text, 0, text.find('\0')).append("\n");
-    const WriteLock lock(stream.get(), std::chrono::milliseconds(isLockStuck ? 0 : 1000));
-    isLockStuck = !lock.held();
-    const std::size_t written = std::fwrite(line.data(), 1, line.size(), stream.get());
-    if (written > 0) isLineTorn = written < line.size();
+    const Written written = appendText(stream.get(), line);
+    if (written != Written::nothing) isLineTorn = written == Written::part;
+}
+
+/// Appends date, time and zone, a text that is made once a second. A thread that finds another at it makes its own.
+void CAPLoggingFile::appendTime(std::string& line) {
+    const __time64_t now = std::time(nullptr);
+    if (isTimeTextInUse.test_and_set(std::memory_order_acquire)) {
+        line += makeTimeText(now, zoneText);
+        return;
+    }
+    if (now != timeTextSecond) {
+        timeText = makeTimeText(now, zoneText);
+        timeTextSecond = now;
+    }
+    line += timeText;
+    isTimeTextInUse.clear(std::memory_order_release);
 }

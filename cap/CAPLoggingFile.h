@@ -3,6 +3,7 @@
 #include "cap/ICAPLoggingListener.h"
 #include "platform/win32.h"
 
+#include <atomic>
 #include <cstdint>
 #include <cstdio>
 #include <memory>
@@ -13,9 +14,9 @@
 /// A line is "2026-03-01 14:05:09 (UTC+01:00) [process:thread:source] " followed by the message's ToString. A file that
 /// can't be opened or written loses its lines and disturbs nobody: no operation reports a failure.
 ///
-/// Each line is handed over whole, under a lock of the file: the Windows runtime looks for the end before it writes
-/// there, and may write in parts. So lines of several threads, objects and processes do not mix. Where the lock can't
-/// be had within a second, the line is written all the same, and the next ones do not wait.
+/// Each line is handed over whole, so that lines of several threads, objects and processes do not mix. Only a regular
+/// file is written to, and nobody else's lock is waited for longer than a few milliseconds. A line that a full disk has
+/// torn, whoever wrote it, is ended before the next one.
 class CAPLoggingFile : public ICAPLoggingListener {
 public:
     CAPLoggingFile();
@@ -31,7 +32,7 @@ public:
     void SetDetailLevel(std::int32_t level);
 
     /// Opens the file beside the module's own: its name with the extension ".log".
-    /// @param mode  as for std::fopen, a text mode
+    /// @param mode  "a" to append, "w" to empty the file first
     void OpenForModule(HMODULE module, const char* mode);
 
     /// Closes any open file, opens this one and writes the start banner.
@@ -50,6 +51,7 @@ public:
 private:
     bool writes(std::int32_t level) const { return stream != nullptr && level <= detailLevel; }
     void writeLine(const std::string& source, const ICAPLoggingMessage& message);
+    void appendTime(std::string& line);
 
     struct CloseStream {
         void operator()(std::FILE* open) const { std::fclose(open); }
@@ -58,6 +60,8 @@ private:
     std::unique_ptr<std::FILE, CloseStream> stream;
     std::string zoneText;
     std::int32_t detailLevel = 2;
-    bool isLineTorn = false;
-    bool isLockStuck = false;
+    std::atomic<bool> isLineTorn = false;
+    std::atomic_flag isTimeTextInUse;
+    __time64_t timeTextSecond = -1;
+    std::string timeText;
 };

@@ -20,6 +20,14 @@ constexpr const char* fileName = bareName(__FILE__);
 
 } // namespace
 
+void CAPLoggingSource::AddListener(ICAPLoggingListener* newListener) {
+    listener = newListener;
+}
+
+void CAPLoggingSource::RemoveListener() {
+    listener = nullptr;
+}
+
 CAPLoggingHandler::~CAPLoggingHandler() = default;
 
 void CAPLoggingHandler::HandleMessage(ICAPLoggingSource* source, const ICAPLoggingMessage& message) {
@@ -44,14 +52,6 @@ void CAPLoggingHandler::Dispatch(ICAPLoggingSource* source, const ICAPLoggingMes
 
 void CAPLoggingHandler::LogMessage(const ICAPLoggingMessage& message) {
     Dispatch(this, message);
-}
-
-void CAPLoggingHandler::AddListener(ICAPLoggingListener* newListener) {
-    listener = newListener;
-}
-
-void CAPLoggingHandler::RemoveListener() {
-    listener = nullptr;
 }
 
 void CAPLoggingHandler::LogException(const CAPException& exception) {

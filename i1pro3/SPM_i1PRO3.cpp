@@ -1,9 +1,9 @@
 #include "i1pro3/SPM_i1PRO3.h"
 
-#include "i1pro3/SdkCheck.h"
+#include "i1pro3/CheckSdkResult.h"
 #include "module/Device.h"
+#include "platform/ForeignCall.h"
 
-#include <algorithm>
 #include <array>
 #include <charconv>
 #include <stdexcept>
@@ -13,9 +13,6 @@ namespace {
 
 constexpr const char* typeName = "xrite i1 Pro3";
 
-constexpr std::int32_t buttonNotPressed = 1001;
-constexpr std::int32_t notCalibrated = 13;
-
 constexpr std::uint32_t apertureValue = 1;
 constexpr std::uint32_t uvIncluded = 1;
 constexpr std::uint32_t uvExcluded = 2;
@@ -23,9 +20,7 @@ constexpr std::uint32_t whiteReference = 1;
 constexpr std::uint32_t spotMode = 1;
 constexpr std::uint32_t scanMode = 2;
 
-constexpr std::int32_t numberOfReflections = 36;
-constexpr std::int32_t firstWavelength = 380;
-constexpr std::int32_t wavelengthStep = 10;
+constexpr std::int32_t numberOfReflections = I1PRO3_NUMBER_OF_REFLECTIONS;
 constexpr float percent = 100.0F;
 
 /// A count as decimal digits, on the stack.
@@ -37,6 +32,14 @@ public:
 private:
     std::array<char, 12> digits{};
 };
+
+/// Inline, so that the usual record of all entries gets a loop of fixed length.
+[[gnu::always_inline]] inline void writeReflections(const float* factors, SPM_REFLECTION* reflections,
+                                                    std::int32_t entries) {
+    for (std::int32_t j = 0; j < entries; ++j) {
+        reflections[j] = {I1PRO3_FIRST_WAVELENGTH + I1PRO3_WAVELENGTH_STEP * j, factors[j] * percent};
+    }
+}
 
 /// Runs what must not fail: there is nowhere left to report to.
 template <class Operation>
@@ -83,11 +86,11 @@ bool SPM_i1PRO3::contain(Operation operation) {
 }
 
 void SPM_i1PRO3::setOption(const char* key, const char* value) {
-    checkSdkResult(I1PRO3_SetOption(deviceHandle, key, value));
+    checkSdkResult(callForeign(I1PRO3_SetOption, deviceHandle, key, value));
 }
 
 void SPM_i1PRO3::reset() {
-    checkSdkResult(I1PRO3_SetGlobalOption("Reset", "All"));
+    checkSdkResult(callForeign(I1PRO3_SetGlobalOption, "Reset", "All"));
 }
 
 // Connection
@@ -103,10 +106,10 @@ bool SPM_i1PRO3::open(const char* device) {
 void SPM_i1PRO3::connect() {
     std::uint32_t count = 0;
     I1PRO3_DeviceHandle* handles = nullptr;
-    checkSdkResult(I1PRO3_GetDevices(&handles, &count));
+    checkSdkResult(callForeign(I1PRO3_GetDevices, &handles, &count));
     if (count == 0 || handles == nullptr) throw std::runtime_error("No device connected");
     deviceHandle = handles[0];
-    checkSdkResult(I1PRO3_OpenDevice(deviceHandle));
+    checkSdkResult(callForeign(I1PRO3_OpenDevice, deviceHandle));
     setOption("Colorimetric.Illumination", "D65");
     setOption("Colorimetric.Observer", "TenDegree");
     setOption("ColorSpaceDescription.Type", "CIELab");
@@ -121,15 +124,15 @@ void SPM_i1PRO3::close() {
     deviceState = Closed;
     currentOptions = {};
     if (deviceHandle == nullptr) return;
-    I1PRO3_GetConnectionStatus(deviceHandle);
-    checkSdkResult(I1PRO3_CloseDevice(deviceHandle));
+    callForeign(I1PRO3_GetConnectionStatus, deviceHandle);
+    checkSdkResult(callForeign(I1PRO3_CloseDevice, deviceHandle));
     reset();
 }
 
 bool SPM_i1PRO3::isOpened() {
     if (deviceState == Closed) return false;
     try {
-        I1PRO3_GetConnectionStatus(deviceHandle);
+        callForeign(I1PRO3_GetConnectionStatus, deviceHandle);
         return true;
     } catch (...) {
         close();
@@ -142,8 +145,8 @@ SPM_OPTIONS_EX SPM_i1PRO3::getStatus() {
     if (isOpened()) {
         status.aperture = apertureValue;
         SdkText illuminationNames;
-        checkSdkResult(I1PRO3_GetOption(deviceHandle, "AvailableIlluminationsKey", illuminationNames.data(),
-                                        illuminationNames.size()));
+        checkSdkResult(callForeign(I1PRO3_GetOption, deviceHandle, "AvailableIlluminationsKey",
+                                   illuminationNames.data(), illuminationNames.size()));
         status.illumination = uvIncluded;
     }
     return resolved(status);
@@ -177,10 +180,11 @@ SPM_CALIBRATION_EX SPM_i1PRO3::calibrate(const SPM_CALIBRATION_EX& request) {
 
 /// Calibrates if the button was pressed, and gives the step to answer with.
 std::uint32_t SPM_i1PRO3::continueCalibration() {
-    if (deviceState == CalibrationPending && I1PRO3_GetButtonStatusD(deviceHandle) != buttonNotPressed) {
+    if (deviceState == CalibrationPending &&
+        callForeign(I1PRO3_GetButtonStatusD, deviceHandle) != I1PRO3_BUTTON_NOT_PRESSED) {
         setOption("PrecisionCalibration", "1");
         setOption("MeasurementMode", "ReflectanceSpot");
-        checkSdkResult(I1PRO3_Calibrate(deviceHandle));
+        checkSdkResult(callForeign(I1PRO3_Calibrate, deviceHandle));
         deviceState = Calibrated;
     }
     switch (deviceState) {
@@ -196,7 +200,7 @@ std::uint32_t SPM_i1PRO3::continueCalibration() {
 bool SPM_i1PRO3::isCalibrated() {
     if (!isOpened()) return false;
     setOption("MeasurementMode", "ReflectanceSpot");
-    return I1PRO3_TriggerMeasurement(deviceHandle) != notCalibrated;
+    return callForeign(I1PRO3_TriggerMeasurement, deviceHandle) != I1PRO3_NOT_CALIBRATED;
 }
 
 // Measurement
@@ -225,11 +229,12 @@ bool SPM_i1PRO3::readSpectrum(SPM_SPECTRUM* spectra, std::int32_t* count) {
 template <class Record>
 void SPM_i1PRO3::measure(std::int32_t patches, Record* records, std::int32_t* count) {
     setMeasurementMode(patches);
-    if (I1PRO3_GetButtonStatusD(deviceHandle) == buttonNotPressed) return;
-    checkSdkResult(I1PRO3_TriggerMeasurement(deviceHandle));
+    if (callForeign(I1PRO3_GetButtonStatusD, deviceHandle) == I1PRO3_BUTTON_NOT_PRESSED) return;
+    checkSdkResult(callForeign(I1PRO3_TriggerMeasurement, deviceHandle));
     const std::int32_t samples = numberOfSamples(patches);
+    std::array<float, numberOfReflections> buffer{}; // for all samples, whether of three values or a spectrum
     for (std::int32_t sample = 0; sample < samples; ++sample) {
-        readSample(sample, records[sample]);
+        readSample(sample, buffer.data(), records[sample]);
         *count = sample + 1;
     }
 }
@@ -247,26 +252,24 @@ void SPM_i1PRO3::setMeasurementMode(std::int32_t patches) {
 
 std::int32_t SPM_i1PRO3::numberOfSamples(std::int32_t patches) {
     if (patches == 1) return 1;
-    const std::int32_t samples = I1PRO3_GetNumberOfAvailableSamples(deviceHandle);
+    const std::int32_t samples = callForeign(I1PRO3_GetNumberOfAvailableSamples, deviceHandle);
     if (samples < 0 || samples > patches) throw SPMException(spmErrorNumber, "invalid number of samples");
     return samples;
 }
 
-void SPM_i1PRO3::readSample(std::int32_t sample, SPM_LAB& values) {
-    std::array<float, 3> lab{};
-    checkSdkResult(I1PRO3_GetTriStimulus(deviceHandle, lab.data(), sample));
-    values = {lab[0], lab[1], lab[2]};
+void SPM_i1PRO3::readSample(std::int32_t sample, float* buffer, SPM_LAB& values) {
+    checkSdkResult(callForeign(I1PRO3_GetTriStimulus, deviceHandle, buffer, sample));
+    values = {buffer[0], buffer[1], buffer[2]};
 }
 
-void SPM_i1PRO3::readSample(std::int32_t sample, const SPM_SPECTRUM& spectrum) {
-    std::array<float, numberOfReflections> factors{};
-    checkSdkResult(I1PRO3_GetSpectrum(deviceHandle, factors.data(), sample));
+void SPM_i1PRO3::readSample(std::int32_t sample, float* buffer, const SPM_SPECTRUM& spectrum) {
+    checkSdkResult(callForeign(I1PRO3_GetSpectrum, deviceHandle, buffer, sample));
     const std::int32_t room = spectrum.numberOfReflections;
-    const std::int32_t entries = std::min(room, numberOfReflections);
-    if (entries > 0 && spectrum.reflections == nullptr)
+    if (room > 0 && spectrum.reflections == nullptr)
         throw SPMException(spmErrorNumber, "a spectrum record has no array of reflections");
-    for (std::int32_t j = 0; j < entries; ++j) {
-        spectrum.reflections[j] = {firstWavelength + wavelengthStep * j,
-                                   factors[static_cast<std::size_t>(j)] * percent};
+    if (room >= numberOfReflections) {
+        writeReflections(buffer, spectrum.reflections, numberOfReflections);
+    } else {
+        writeReflections(buffer, spectrum.reflections, room);
     }
 }

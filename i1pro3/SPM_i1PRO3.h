@@ -32,8 +32,8 @@ private:
     void reset();
     void setMeasurementMode(std::int32_t patches);
     std::int32_t numberOfSamples(std::int32_t patches);
-    void readSample(std::int32_t sample, SPM_LAB& values);
-    void readSample(std::int32_t sample, const SPM_SPECTRUM& spectrum);
+    void readSample(std::int32_t sample, float* buffer, SPM_LAB& values);
+    void readSample(std::int32_t sample, float* buffer, const SPM_SPECTRUM& spectrum);
     std::uint32_t continueCalibration();
 
     template <class Record>

@@ -5,4 +5,4 @@
 #include <memory>
 
 /// Makes the object of the one instrument that this library drives. The instrument's own folder defines it.
-std::unique_ptr<SPM_BASE> createDevice();
+[[nodiscard]] std::unique_ptr<SPM_BASE> createDevice();

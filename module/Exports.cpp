@@ -1,11 +1,12 @@
 // The module's boundary. Each exported function is one operation under one guard: a failure of any kind gives the zero
-// of the function's result (false, 0, null, a zeroed record), and no exception gets out.
+// of the function's result (false, 0, null, a zeroed record), and no exception gets out. SPM_destroy needs no guard: a
+// destructor lets no exception out.
 
 #include "cap/CAPFileVersionInfo.h"
+#include "module/CopyText.h"
 #include "module/Device.h"
 #include "module/ModuleHandle.h"
 #include "module/SPM.h"
-#include "module/TextRecord.h"
 
 namespace {
 
@@ -25,16 +26,12 @@ auto withModule(SPM_HANDLE handle, Operation operation) noexcept {
     return guarded([&] { return handle != nullptr ? operation(static_cast<SPM_BASE&>(*handle)) : Result(); });
 }
 
-/// Runs one of the two reads. Without a place for what it measures, it measures nothing.
-template <class Record>
-bool readInto(Record* records, std::int32_t* count, SPM_HANDLE handle,
-              bool (IScmSPM::*read)(Record*, std::int32_t*)) noexcept {
+/// Whether there is an instrument to read from and a place for what it measures; if not, nothing has been measured.
+bool canRead(SPM_HANDLE handle, const void* records, std::int32_t* count) noexcept {
     if (count == nullptr) return false;
-    if (handle == nullptr || records == nullptr) {
-        *count = 0;
-        return false;
-    }
-    return withModule(handle, [&](SPM_BASE& module) { return (module.*read)(records, count); });
+    if (handle != nullptr && records != nullptr) return true;
+    *count = 0;
+    return false;
 }
 
 template <class Read>
@@ -122,9 +119,11 @@ int32_t SPM_getNumberOfReflections(SPM_HANDLE handle) {
 }
 
 bool SPM_read(SPM_HANDLE handle, SPM_LAB* values, int32_t* count) {
-    return readInto(values, count, handle, &IScmSPM::read);
+    return canRead(handle, values, count) &&
+           withModule(handle, [&](SPM_BASE& module) { return module.read(values, count); });
 }
 
 bool SPM_readSpectrum(SPM_HANDLE handle, SPM_SPECTRUM* spectra, int32_t* count) {
-    return readInto(spectra, count, handle, &IScmSPM::readSpectrum);
+    return canRead(handle, spectra, count) &&
+           withModule(handle, [&](SPM_BASE& module) { return module.readSpectrum(spectra, count); });
 }

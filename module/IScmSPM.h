@@ -30,9 +30,10 @@ struct SPM_CALIBRATION_EX : SPM_CALIBRATION {
     explicit SPM_CALIBRATION_EX(const SPM_CALIBRATION& calibration) : SPM_CALIBRATION(calibration) {}
 };
 
-/// A measuring mode of the device: the mode's bit and four numbers that the device class gives for it.
+/// A measuring mode of the device: the mode's bit and four numbers for the host. The module hands them out as they are
+/// and reads none of them; what they measure is not documented.
 struct SPM_MODE {
-    std::uint32_t mode;   ///< the mode's bit
+    std::uint32_t mode;   ///< the mode's bit, of SPM_OPTION_MASKS::modeMask: 2 a scan, 1 a spot of the i1Pro 3
     float first;          ///< 10 for a scan, 16 for a spot of the i1Pro 3
     float second;         ///< 20 and 16
     std::uint32_t third;  ///< 22 and 10

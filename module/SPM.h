@@ -32,8 +32,8 @@
  *   during the call only, and keeps no pointer.
  *
  * Threads
- *   The module has no threads, and takes no lock but that of the log file, for each line. Calls on one object must not
- *   overlap. Objects are independent, but share the vendor's library and with it the instrument.
+ *   The module has no threads, and waits for nobody but the vendor's library. Calls on one object must not overlap.
+ *   Objects are independent, but share the vendor's library and with it the instrument.
  *
  * Texts
  *   NUL-terminated single-byte texts in the code page of the process.
@@ -52,6 +52,7 @@
 #define SPM_H
 
 #include <stdbool.h>
+#include <stddef.h>
 #include <stdint.h>
 
 #ifdef __cplusplus
@@ -139,6 +140,48 @@ typedef struct SPM_VERSION {
 } SPM_VERSION;
 
 #pragma pack(pop)
+
+/** @cond checks of the binary interface, where the language has them */
+#if defined(__cplusplus) && __cplusplus >= 201103L
+#define SPM_STATIC_ASSERT static_assert
+#define SPM_ALIGNOF alignof
+#elif defined(__STDC_VERSION__) && __STDC_VERSION__ >= 201112L
+#define SPM_STATIC_ASSERT _Static_assert
+#define SPM_ALIGNOF _Alignof
+#endif
+#ifdef SPM_STATIC_ASSERT
+SPM_STATIC_ASSERT(sizeof(bool) == 1, "a bool is one byte");
+SPM_STATIC_ASSERT(sizeof(SPM_OPTIONS) == 12, "SPM_OPTIONS");
+SPM_STATIC_ASSERT(offsetof(SPM_OPTIONS, illumination) == 4, "SPM_OPTIONS");
+SPM_STATIC_ASSERT(offsetof(SPM_OPTIONS, auxiliary) == 8, "SPM_OPTIONS");
+SPM_STATIC_ASSERT(sizeof(SPM_STATUS) == 12, "SPM_STATUS");
+SPM_STATIC_ASSERT(offsetof(SPM_STATUS, illumination) == 4, "SPM_STATUS");
+SPM_STATIC_ASSERT(offsetof(SPM_STATUS, auxiliary) == 8, "SPM_STATUS");
+SPM_STATIC_ASSERT(sizeof(SPM_OPTION_MASKS) == 20, "SPM_OPTION_MASKS");
+SPM_STATIC_ASSERT(offsetof(SPM_OPTION_MASKS, illuminationMask) == 4, "SPM_OPTION_MASKS");
+SPM_STATIC_ASSERT(offsetof(SPM_OPTION_MASKS, auxiliaryMask) == 8, "SPM_OPTION_MASKS");
+SPM_STATIC_ASSERT(offsetof(SPM_OPTION_MASKS, modeMask) == 12, "SPM_OPTION_MASKS");
+SPM_STATIC_ASSERT(offsetof(SPM_OPTION_MASKS, referenceMask) == 16, "SPM_OPTION_MASKS");
+SPM_STATIC_ASSERT(sizeof(SPM_CALIBRATION) == 20, "SPM_CALIBRATION");
+SPM_STATIC_ASSERT(offsetof(SPM_CALIBRATION, illumination) == 4, "SPM_CALIBRATION");
+SPM_STATIC_ASSERT(offsetof(SPM_CALIBRATION, auxiliary) == 8, "SPM_CALIBRATION");
+SPM_STATIC_ASSERT(offsetof(SPM_CALIBRATION, reference) == 12, "SPM_CALIBRATION");
+SPM_STATIC_ASSERT(offsetof(SPM_CALIBRATION, step) == 16, "SPM_CALIBRATION");
+SPM_STATIC_ASSERT(sizeof(SPM_LAB) == 12, "SPM_LAB");
+SPM_STATIC_ASSERT(offsetof(SPM_LAB, a) == 4, "SPM_LAB");
+SPM_STATIC_ASSERT(offsetof(SPM_LAB, b) == 8, "SPM_LAB");
+SPM_STATIC_ASSERT(sizeof(SPM_REFLECTION) == 8, "SPM_REFLECTION");
+SPM_STATIC_ASSERT(offsetof(SPM_REFLECTION, value) == 4, "SPM_REFLECTION");
+SPM_STATIC_ASSERT(sizeof(SPM_SPECTRUM) == 12 && SPM_ALIGNOF(SPM_SPECTRUM) == 1, "SPM_SPECTRUM");
+SPM_STATIC_ASSERT(offsetof(SPM_SPECTRUM, reflections) == 4, "SPM_SPECTRUM");
+SPM_STATIC_ASSERT(sizeof(SPM_TEXT) == 12 && SPM_ALIGNOF(SPM_TEXT) == 1, "SPM_TEXT");
+SPM_STATIC_ASSERT(offsetof(SPM_TEXT, text) == 4, "SPM_TEXT");
+SPM_STATIC_ASSERT(sizeof(SPM_VERSION) == 16 && SPM_ALIGNOF(SPM_VERSION) == 1, "SPM_VERSION");
+SPM_STATIC_ASSERT(offsetof(SPM_VERSION, type) == 4, "SPM_VERSION");
+#undef SPM_STATIC_ASSERT
+#undef SPM_ALIGNOF
+#endif
+/** @endcond */
 
 /**
  * Reads the module's version: the fourth component of its file version. May be called before SPM_create.

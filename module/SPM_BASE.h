@@ -62,12 +62,12 @@ protected:
 
     /// Completes a record from the lists: an index that its list has gives the value, else a value that an entry has
     /// gives the index, else both say none. A calibration step that there is not becomes SPM_STEP_NOTHING.
-    SPM_OPTIONS_EX resolved(const SPM_OPTIONS_EX& options) const;
-    SPM_CALIBRATION_EX resolved(const SPM_CALIBRATION_EX& calibration) const;
+    [[nodiscard]] SPM_OPTIONS_EX resolved(const SPM_OPTIONS_EX& options) const;
+    [[nodiscard]] SPM_CALIBRATION_EX resolved(const SPM_CALIBRATION_EX& calibration) const;
 
     /// Resolves the record in place.
     /// @return whether each list that has entries has a selected one
-    bool validate(SPM_OPTIONS_EX& options) const;
+    [[nodiscard]] bool validate(SPM_OPTIONS_EX& options) const;
 
 private:
     SPMRegistry registry;

@@ -10,12 +10,13 @@
 
 namespace {
 
-constexpr DWORD halfOf(DWORD high, DWORD low) {
+/// Half of a version: two of its four numbers, 16 bits each.
+constexpr DWORD versionHalf(DWORD high, DWORD low) {
     return high << 16 | low;
 }
 
-constexpr DWORD mostSignificant = halfOf(SPM_VERSION_MAJOR, SPM_VERSION_MINOR);
-constexpr DWORD leastSignificant = halfOf(SPM_VERSION_PATCH, SPM_VERSION_TWEAK);
+constexpr DWORD mostSignificant = versionHalf(SPM_VERSION_MAJOR, SPM_VERSION_MINOR);
+constexpr DWORD leastSignificant = versionHalf(SPM_VERSION_PATCH, SPM_VERSION_TWEAK);
 
 constexpr VS_FIXEDFILEINFO fixedInfo{
     .dwSignature = 0xFEEF04BD,

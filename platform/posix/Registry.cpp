@@ -1,9 +1,9 @@
-// The registry functions over a settings file. The file is the whole state: every call opens it, locks it against
-// other processes and threads, and reads it anew, so that any number of them may use it and edit it by hand.
+// The registry functions over a settings file. The file is the whole state: every call opens it and reads it anew, so
+// that any number of processes and threads may use it and edit it by hand.
 
-#include "platform/posix/RegistryFile.h"
 #include "platform/posix/RegistryText.h"
 #include "platform/posix/win32.h"
+#include "platform/RegistryPlace.h"
 
 #include <algorithm>
 #include <array>
@@ -27,15 +27,17 @@ namespace {
 
 constexpr std::string_view softwarePath = "HKEY_LOCAL_MACHINE\\SOFTWARE";
 
-/// The settings file, locked while this object lives.
+/// The settings file. Nothing here waits for anybody: whoever may read the file may lock it for good, and a pipe may
+/// stand in its place.
 class StoreFile {
 public:
+    /// Opens a regular file.
     /// @param flags  for open(2)
-    /// @param lock   LOCK_SH or LOCK_EX
-    StoreFile(int flags, int lock) : descriptor(open(registry::storePath(), flags | O_CLOEXEC, 0644)) {
-        if (descriptor < 0) return;
-        while (flock(descriptor, lock) != 0 && errno == EINTR) {
-        }
+    explicit StoreFile(int flags) : descriptor(open(registryPlace(), flags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, 0644)) {
+        struct stat status {};
+        if (descriptor < 0 || (fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode))) return;
+        close(descriptor);
+        descriptor = -1;
     }
     StoreFile(const StoreFile&) = delete;
     StoreFile& operator=(const StoreFile&) = delete;
@@ -45,20 +47,24 @@ public:
 
     bool isOpen() const { return descriptor >= 0; }
 
-    /// The whole file; none when it can't be read.
+    /// Keeps other processes and threads from creating keys while this object lives; false when another does so.
+    [[nodiscard]] bool tryLock() const { return flock(descriptor, LOCK_EX | LOCK_NB) == 0; }
+
+    /// The whole file as it stood at one moment: read again until nothing has changed, since whoever edits it in place
+    /// holds no lock. None when it can't be read or changes all the time.
     std::optional<std::string> read() const {
-        std::string text;
-        std::array<char, 4096> part{};
-        for (;;) {
-            const ssize_t length = pread(descriptor, part.data(), part.size(), static_cast<off_t>(text.size()));
-            if (length < 0) return std::nullopt;
-            if (length == 0) return text;
-            text.append(part.data(), static_cast<std::size_t>(length));
+        constexpr int attempts = 10;
+        std::optional<std::string> text = readOnce();
+        for (int i = 0; text && i < attempts; ++i) {
+            std::optional<std::string> again = readOnce();
+            if (again == text) return text;
+            text = std::move(again);
         }
+        return std::nullopt;
     }
 
     /// Appends all of it or nothing.
-    bool append(const std::string& addition) const {
+    [[nodiscard]] bool append(const std::string& addition) const {
         const off_t end = lseek(descriptor, 0, SEEK_END);
         const ssize_t written = pwrite(descriptor, addition.data(), addition.size(), end);
         if (written == static_cast<ssize_t>(addition.size())) return true;
@@ -67,13 +73,19 @@ public:
     }
 
 private:
+    std::optional<std::string> readOnce() const {
+        std::string text;
+        std::array<char, 4096> part; // not cleared: only what was read is used
+        for (;;) {
+            const ssize_t length = pread(descriptor, part.data(), part.size(), static_cast<off_t>(text.size()));
+            if (length < 0) return std::nullopt;
+            if (length == 0) return text;
+            text.append(part.data(), static_cast<std::size_t>(length));
+        }
+    }
+
     int descriptor;
 };
-
-std::string storeText() {
-    const StoreFile file(O_RDONLY, LOCK_SH);
-    return file.isOpen() ? file.read().value_or("") : std::string();
-}
 
 LSTATUS readStore(const StoreFile& file, std::string& text) {
     if (!file.isOpen()) return ERROR_ACCESS_DENIED;
@@ -81,6 +93,15 @@ LSTATUS readStore(const StoreFile& file, std::string& text) {
     if (!content) return ERROR_READ_FAULT;
     text = std::move(*content);
     return registry::isStore(text) ? ERROR_SUCCESS : ERROR_BADDB;
+}
+
+/// Appends what is missing of a key. What another process has created meanwhile is there when the lock is held.
+LSTATUS createKey(const StoreFile& file, const std::string& path) {
+    if (!file.tryLock()) return ERROR_SHARING_VIOLATION;
+    std::string text;
+    if (const LSTATUS status = readStore(file, text)) return status;
+    const std::string headings = registry::missingHeadings(text, softwarePath, path);
+    return headings.empty() || file.append(headings) ? ERROR_SUCCESS : ERROR_DISK_FULL;
 }
 
 bool isPredefined(HKEY key) {
@@ -106,7 +127,7 @@ LSTATUS hold(std::string path, HKEY* key) {
 
 } // namespace
 
-const char* registry::storePath() {
+const char* registryPlace() {
     const char* path = std::getenv("SPM_REGISTRY");
     return path != nullptr && *path != '\0' ? path : "/etc/kestrova/registry.reg";
 }
@@ -114,24 +135,26 @@ const char* registry::storePath() {
 LSTATUS RegOpenKeyExA(HKEY parent, const char* path, DWORD /*options*/, REGSAM /*access*/, HKEY* key) {
     const std::string_view parentPath = pathOf(parent);
     if (parentPath.empty()) return ERROR_INVALID_HANDLE;
-    const StoreFile file(O_RDWR | O_CREAT, LOCK_SH);
+    const StoreFile file(O_RDWR | O_CREAT);
     std::string text;
     if (const LSTATUS status = readStore(file, text)) return status;
     std::string fullPath = pathBelow(parentPath, path);
-    if (!registry::isWithin(softwarePath, fullPath) && !registry::hasKey(text, fullPath)) return ERROR_FILE_NOT_FOUND;
+    if (!registry::isSameOrBelow(softwarePath, fullPath) && !registry::hasKey(text, fullPath))
+        return ERROR_FILE_NOT_FOUND;
     return hold(std::move(fullPath), key);
 }
 
 LSTATUS RegCreateKeyA(HKEY parent, const char* path, HKEY* key) {
     const std::string_view parentPath = pathOf(parent);
     if (parentPath.empty()) return ERROR_INVALID_HANDLE;
-    if (!registry::isWithin(parentPath, softwarePath)) return ERROR_ACCESS_DENIED;
-    const StoreFile file(O_RDWR | O_CREAT, LOCK_EX);
+    if (!registry::isSameOrBelow(parentPath, softwarePath)) return ERROR_ACCESS_DENIED;
+    const StoreFile file(O_RDWR | O_CREAT);
     std::string text;
     if (const LSTATUS status = readStore(file, text)) return status;
     std::string fullPath = pathBelow(parentPath, path);
-    const std::string headings = registry::missingHeadings(text, softwarePath, fullPath);
-    if (!headings.empty() && !file.append(headings)) return ERROR_DISK_FULL;
+    if (!registry::hasKey(text, fullPath)) {
+        if (const LSTATUS status = createKey(file, fullPath)) return status;
+    }
     return hold(std::move(fullPath), key);
 }
 
@@ -140,7 +163,10 @@ LSTATUS RegQueryValueExA(HKEY key, const char* name, DWORD* reserved, DWORD* typ
     const std::string_view path = pathOf(key);
     if (path.empty()) return ERROR_INVALID_HANDLE;
     if (reserved != nullptr || (data != nullptr && size == nullptr)) return ERROR_INVALID_PARAMETER;
-    const std::optional<registry::Value> value = registry::findValue(storeText(), path, name);
+    const StoreFile file(O_RDONLY);
+    std::string text;
+    if (const LSTATUS status = readStore(file, text)) return status;
+    const std::optional<registry::Value> value = registry::findValue(text, path, name);
     if (!value) return ERROR_FILE_NOT_FOUND;
     const DWORD room = size != nullptr ? *size : 0;
     if (type != nullptr) *type = value->type;

@@ -52,12 +52,16 @@ bool isListOfBytes(std::string_view statement) {
     return takeQuoted(statement) && takeEquals(statement) && statement.starts_with("hex");
 }
 
-/// Takes the next line; a list of bytes together with the lines that it is continued on by a backslash at its end.
+/// Takes the next line; a list of bytes together with the lines that it is continued on by a backslash at its end. A
+/// blank line always ends it.
 std::string takeStatement(std::string_view& text) {
-    std::string statement(takeLine(text));
-    while (statement.ends_with('\\') && isListOfBytes(statement) && !text.empty()) {
+    std::string_view line = takeLine(text);
+    std::string statement(line);
+    if (!isListOfBytes(line)) return statement;
+    while (line.ends_with('\\') && !text.empty()) {
         statement.pop_back();
-        statement += takeLine(text);
+        line = takeLine(text);
+        statement += line;
     }
     return statement;
 }
@@ -108,10 +112,10 @@ std::optional<Value> parseValue(std::string_view text) {
     return type ? parseBytes(*type, text.substr(close + 2)) : std::nullopt;
 }
 
-/// Follows one key, and one value of it, through the statements of a store.
-class Search {
+/// Imports a store, statement by statement, as far as one key and one value of it go.
+class KeyImport {
 public:
-    Search(std::string_view ofKey, std::string_view ofName) : key(ofKey), name(ofName) {}
+    KeyImport(std::string_view ofKey, std::string_view ofName) : key(ofKey), name(ofName) {}
 
     void run(std::string_view text) {
         while (!text.empty()) {
@@ -132,8 +136,8 @@ private:
         const bool deletes = heading.starts_with('-');
         if (deletes) heading.remove_prefix(1);
         inKey = !deletes && sameText(heading, key);
-        if (!deletes && isWithin(heading, key)) found = true;
-        if (deletes && isWithin(key, heading)) {
+        if (!deletes && isSameOrBelow(heading, key)) found = true;
+        if (deletes && isSameOrBelow(key, heading)) {
             found = false;
             value.reset();
         }
@@ -151,10 +155,10 @@ private:
     bool inKey = false;
 };
 
-Search searched(std::string_view text, std::string_view key, std::string_view name) {
-    Search search(key, name);
-    search.run(text);
-    return search;
+KeyImport imported(std::string_view text, std::string_view key, std::string_view name) {
+    KeyImport state(key, name);
+    state.run(text);
+    return state;
 }
 
 } // namespace
@@ -163,17 +167,17 @@ bool isStore(std::string_view text) {
     return text.empty() || takeLine(text) == signature;
 }
 
-bool isWithin(std::string_view key, std::string_view other) {
+bool isSameOrBelow(std::string_view key, std::string_view other) {
     if (!sameText(key.substr(0, other.size()), other)) return false;
     return key.size() == other.size() || key[other.size()] == '\\';
 }
 
 bool hasKey(std::string_view text, std::string_view key) {
-    return searched(text, key, {}).found;
+    return imported(text, key, {}).found;
 }
 
 std::optional<Value> findValue(std::string_view text, std::string_view key, std::string_view name) {
-    return searched(text, key, name).value;
+    return imported(text, key, name).value;
 }
 
 std::string missingHeadings(std::string_view text, std::string_view root, std::string_view key) {

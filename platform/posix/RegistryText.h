@@ -24,8 +24,8 @@ bool isStore(std::string_view text);
 /// Whether the key, or one below it, has a heading. Keys are full paths: "HKEY_LOCAL_MACHINE\SOFTWARE\...".
 bool hasKey(std::string_view text, std::string_view key);
 
-/// Whether a key is another or below it.
-bool isWithin(std::string_view key, std::string_view other);
+/// Whether a key is another key or one below it.
+bool isSameOrBelow(std::string_view key, std::string_view other);
 
 std::optional<Value> findValue(std::string_view text, std::string_view key, std::string_view name);
 

@@ -1,4 +1,4 @@
-// Modules, processes, threads, files and time.
+// Modules, processes, threads and time.
 
 #include "platform/posix/win32.h"
 
@@ -7,7 +7,6 @@
 #include <cerrno>
 #include <climits>
 #include <dlfcn.h>
-#include <fcntl.h>
 #include <link.h>
 #include <string>
 #include <string_view>
@@ -34,21 +33,6 @@ std::string libraryFile(HMODULE module) {
     return std::string(folder.data()) + '/' + std::string(name.substr(name.rfind('/') + 1));
 }
 
-constexpr off_t joined(DWORD low, DWORD high) {
-    return static_cast<off_t>(std::uint64_t{high} << 32 | low);
-}
-
-/// Locks belong to the open file: two streams of one process keep each other off, as they do on Windows.
-BOOL setLock(HANDLE file, short type, const OVERLAPPED& place, off_t length) {
-    flock lock{};
-    lock.l_type = type;
-    lock.l_whence = SEEK_SET;
-    lock.l_start = joined(place.Offset, place.OffsetHigh);
-    lock.l_len = length;
-    const auto descriptor = static_cast<int>(reinterpret_cast<std::intptr_t>(file));
-    return fcntl(descriptor, F_OFD_SETLK, &lock) == 0 ? TRUE : FALSE;
-}
-
 } // namespace
 
 DWORD GetModuleFileNameA(HMODULE module, char* name, DWORD size) {
@@ -66,23 +50,6 @@ DWORD GetCurrentProcessId() {
 
 DWORD GetCurrentThreadId() {
     return static_cast<DWORD>(gettid());
-}
-
-int _fileno(std::FILE* stream) {
-    return fileno(stream);
-}
-
-std::intptr_t _get_osfhandle(int descriptor) {
-    return descriptor;
-}
-
-BOOL LockFileEx(HANDLE file, DWORD flags, DWORD /*reserved*/, DWORD bytes, DWORD bytesHigh, OVERLAPPED* place) {
-    if (flags != (LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY)) return FALSE;
-    return setLock(file, F_WRLCK, *place, joined(bytes, bytesHigh));
-}
-
-BOOL UnlockFileEx(HANDLE file, DWORD /*reserved*/, DWORD bytes, DWORD bytesHigh, OVERLAPPED* place) {
-    return setLock(file, F_UNLCK, *place, joined(bytes, bytesHigh));
 }
 
 void _ftime64(__timeb64* now) {

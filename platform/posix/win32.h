@@ -41,6 +41,7 @@ inline constexpr LSTATUS ERROR_FILE_NOT_FOUND = 2;
 inline constexpr LSTATUS ERROR_ACCESS_DENIED = 5;
 inline constexpr LSTATUS ERROR_INVALID_HANDLE = 6;
 inline constexpr LSTATUS ERROR_READ_FAULT = 30;
+inline constexpr LSTATUS ERROR_SHARING_VIOLATION = 32;
 inline constexpr LSTATUS ERROR_INVALID_PARAMETER = 87;
 inline constexpr LSTATUS ERROR_DISK_FULL = 112;
 inline constexpr LSTATUS ERROR_MORE_DATA = 234;
@@ -70,23 +71,6 @@ LSTATUS RegCloseKey(HKEY key);
 DWORD GetModuleFileNameA(HMODULE module, char* name, DWORD size);
 DWORD GetCurrentProcessId();
 DWORD GetCurrentThreadId();
-
-// Files.
-
-inline constexpr DWORD LOCKFILE_FAIL_IMMEDIATELY = 1;
-inline constexpr DWORD LOCKFILE_EXCLUSIVE_LOCK = 2;
-
-struct OVERLAPPED {
-    DWORD Offset;
-    DWORD OffsetHigh;
-};
-
-int _fileno(std::FILE* stream);
-/// The file's descriptor, which is its handle here.
-std::intptr_t _get_osfhandle(int descriptor);
-/// Locks a range of bytes unless another open file holds a lock of one of them. Only exclusive locks, without waiting.
-BOOL LockFileEx(HANDLE file, DWORD flags, DWORD reserved, DWORD bytes, DWORD bytesHigh, OVERLAPPED* place);
-BOOL UnlockFileEx(HANDLE file, DWORD reserved, DWORD bytes, DWORD bytesHigh, OVERLAPPED* place);
 
 // Version resources: the tree of VS_VERSION_INFO in the section ".rsrc" of an ELF file.
 

@@ -1,4 +1,4 @@
-#include "module/TextRecord.h"
+#include "module/CopyText.h"
 
 #include <algorithm>
 #include <cstring>

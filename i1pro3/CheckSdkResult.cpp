@@ -1,7 +1,8 @@
-#include "i1pro3/SdkCheck.h"
+#include "i1pro3/CheckSdkResult.h"
 
 #include "i1pro3/I1PRO3_SDK.h"
 #include "module/SPMException.h"
+#include "platform/ForeignCall.h"
 
 #include <algorithm>
 
@@ -12,8 +13,8 @@ std::string SdkText::text() const {
 void throwSdkError() {
     // Both queries share the buffer and the size: the second is offered what the first left in them.
     SdkText answer;
-    I1PRO3_GetGlobalOption("LastErrorText", answer.data(), answer.size());
+    callForeign(I1PRO3_GetGlobalOption, "LastErrorText", answer.data(), answer.size());
     const std::string errorText = answer.text();
-    I1PRO3_GetGlobalOption("LastErrorNumber", answer.data(), answer.size());
+    callForeign(I1PRO3_GetGlobalOption, "LastErrorNumber", answer.data(), answer.size());
     throw SPMException(spmErrorNumber, errorText + "\nErrorNumber: " + answer.text());
 }

@@ -1,0 +1,112 @@
+// A file that is open for appending alone gets each write at its end, in one piece. Wine looks for the end before it
+// writes there, so that writers keep each other off by a lock, too: of a byte far beyond the end, so that nobody is
+// kept from reading. Any process that can read the file can hold its lock for good; then the lines go without.
+
+#include "platform/LogStream.h"
+
+#include "platform/win32.h"
+
+#include <chrono>
+#include <fcntl.h>
+#include <string>
+#include <thread>
+#include <utility>
+
+namespace {
+
+HANDLE handleOf(std::FILE* stream) {
+    return reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stream)));
+}
+
+LONGLONG sizeOf(HANDLE file) {
+    LARGE_INTEGER size{};
+    return GetFileSizeEx(file, &size) != FALSE ? size.QuadPart : 0;
+}
+
+/// Keeps other writers off the file for the object's life: those of this process surely, others if they let it. As long
+/// as the file grows, the lock is passed on among its writers; when it doesn't, the lock is given up after a few tries.
+class WriteLock {
+public:
+    explicit WriteLock(std::FILE* stream) : file(handleOf(stream)) {
+        place.OffsetHigh = 0x7FFFFFFF;
+        AcquireSRWLockExclusive(&ownWriters);
+        LONGLONG size = sizeOf(file);
+        for (int tries = 0, idleTries = 0; tries < 200 && idleTries < 10 && !tryLock(); ++tries, ++idleTries) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            const LONGLONG earlier = std::exchange(size, sizeOf(file));
+            if (size != earlier) idleTries = 0;
+        }
+    }
+    WriteLock(const WriteLock&) = delete;
+    WriteLock& operator=(const WriteLock&) = delete;
+    ~WriteLock() {
+        if (isHeld) UnlockFileEx(file, 0, 1, 0, &place);
+        ReleaseSRWLockExclusive(&ownWriters);
+    }
+
+private:
+    bool tryLock() {
+        constexpr DWORD flags = LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY;
+        isHeld = LockFileEx(file, flags, 0, 1, 0, &place) != FALSE;
+        return isHeld;
+    }
+
+    static SRWLOCK ownWriters;
+
+    HANDLE file;
+    OVERLAPPED place{};
+    bool isHeld = false;
+};
+
+SRWLOCK WriteLock::ownWriters = SRWLOCK_INIT;
+
+std::string withSystemLineEnds(std::string_view text) {
+    std::string converted;
+    converted.reserve(text.size() + 8);
+    for (const char character : text) {
+        if (character == '\n') converted += '\r';
+        converted += character;
+    }
+    return converted;
+}
+
+HANDLE openFile(const char* path, DWORD access, bool empties) {
+    return CreateFileA(path, access | SYNCHRONIZE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                       empties ? CREATE_ALWAYS : OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+}
+
+} // namespace
+
+std::FILE* openLogStream(const char* path, const char* mode) {
+    HANDLE file = openFile(path, FILE_APPEND_DATA | FILE_READ_DATA, *mode == 'w');
+    if (file == INVALID_HANDLE_VALUE) file = openFile(path, FILE_APPEND_DATA, *mode == 'w');
+    if (file == INVALID_HANDLE_VALUE) return nullptr;
+    const bool isRegularFile = GetFileType(file) == FILE_TYPE_DISK;
+    const int descriptor = isRegularFile ? _open_osfhandle(reinterpret_cast<std::intptr_t>(file), _O_APPEND) : -1;
+    if (descriptor < 0) CloseHandle(file);
+    std::FILE* const stream = descriptor < 0 ? nullptr : _fdopen(descriptor, mode);
+    if (descriptor >= 0 && stream == nullptr) _close(descriptor);
+    return stream;
+}
+
+Written appendText(std::FILE* stream, std::string_view text) {
+    const std::string converted = withSystemLineEnds(text);
+    const WriteLock lock(stream);
+    DWORD written = 0;
+    WriteFile(handleOf(stream), converted.data(), static_cast<DWORD>(converted.size()), &written, nullptr);
+    if (written == 0) return Written::nothing;
+    return written < converted.size() ? Written::part : Written::all;
+}
+
+bool endsInsideLine(std::FILE* stream) {
+    const WriteLock lock(stream);
+    const LONGLONG size = sizeOf(handleOf(stream));
+    if (size == 0) return false;
+    OVERLAPPED place{};
+    place.Offset = static_cast<DWORD>(size - 1);
+    place.OffsetHigh = static_cast<DWORD>((size - 1) >> 32);
+    char last = '\n';
+    DWORD length = 0;
+    ReadFile(handleOf(stream), &last, 1, &length, &place);
+    return last != '\n';
+}
