@@ -14,7 +14,7 @@ double lightnessFunction(double ratio) {
 
 Weight weightedSum(const Reflectance& reflectance, const Weights& weights) {
     Weight sum{};
-    for (std::size_t i = 0; i < wavelengths; ++i) {
+    for (std::size_t i = 0; i < weights.size(); ++i) {
         sum.x += weights[i].x * reflectance[i];
         sum.y += weights[i].y * reflectance[i];
         sum.z += weights[i].z * reflectance[i];

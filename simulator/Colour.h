@@ -1,6 +1,6 @@
 #pragma once
 
-#include "simulator/Data.h"
+#include "simulator/Chart.h"
 
 namespace simulator {
 

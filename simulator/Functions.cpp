@@ -1,62 +1,117 @@
-// The library's fourteen functions.
+// The library's fourteen functions: each makes a Call of what it was called with.
 
-#include "simulator/SdkCall.h"
+#include "simulator/Call.h"
 
+using simulator::Call;
 using simulator::Function;
-using simulator::perform;
+
+namespace {
+
+void add(Call& call, const std::string& name, I1PRO3_DeviceHandle device) {
+    call.arguments[name] = device != nullptr ? simulator::Json(simulator::nameOf(device)) : simulator::Json();
+}
+
+void add(Call& call, const std::string& name, const char* text) {
+    call.arguments[name] = text != nullptr ? simulator::jsonOf(text) : simulator::Json();
+}
+
+void add(Call& call, const std::string& name, std::int32_t sample) {
+    call.arguments[name] = sample;
+}
+
+void add(Call& call, const std::string& name, std::uint32_t* number) {
+    if (number == nullptr) call.arguments[name] = nullptr;
+    if (name == "count") {
+        call.count = number;
+    } else {
+        call.size = number;
+        if (number != nullptr) call.arguments[name] = *number;
+    }
+}
+
+template <class Element>
+void addAddress(Call& call, const std::string& name, Element* address, Element*& wanted) {
+    if (address == nullptr) call.arguments[name] = nullptr;
+    wanted = address;
+}
+
+void add(Call& call, const std::string& name, I1PRO3_DeviceHandle** list) {
+    addAddress(call, name, list, call.list);
+}
+
+void add(Call& call, const std::string& name, char* buffer) {
+    addAddress(call, name, buffer, call.buffer);
+}
+
+void add(Call& call, const std::string& name, float* values) {
+    addAddress(call, name, values, call.values);
+}
+
+template <class... Arguments>
+std::int32_t perform(Function function, Arguments... arguments) {
+    Call call{.function = function};
+    const auto* name = simulator::signatureOf(function).parameters.begin();
+    (add(call, std::string(*name++), arguments), ...);
+    call.passOn = [=](void* address) {
+        return reinterpret_cast<std::int32_t (*)(Arguments...)>(address)(arguments...);
+    };
+    return simulator::perform(call);
+}
+
+} // namespace
 
 int32_t I1PRO3_GetDevices(I1PRO3_DeviceHandle** devices, uint32_t* count) {
-    return perform({.function = Function::getDevices, .list = devices, .count = count});
+    return perform(Function::getDevices, devices, count);
 }
 
 int32_t I1PRO3_OpenDevice(I1PRO3_DeviceHandle device) {
-    return perform({.function = Function::openDevice, .device = device});
+    return perform(Function::openDevice, device);
 }
 
 int32_t I1PRO3_CloseDevice(I1PRO3_DeviceHandle device) {
-    return perform({.function = Function::closeDevice, .device = device});
+    return perform(Function::closeDevice, device);
 }
 
 int32_t I1PRO3_GetConnectionStatus(I1PRO3_DeviceHandle device) {
-    return perform({.function = Function::getConnectionStatus, .device = device});
+    return perform(Function::getConnectionStatus, device);
 }
 
 int32_t I1PRO3_SetOption(I1PRO3_DeviceHandle device, const char* key, const char* value) {
-    return perform({.function = Function::setOption, .device = device, .key = key, .value = value});
+    return perform(Function::setOption, device, key, value);
 }
 
 int32_t I1PRO3_GetOption(I1PRO3_DeviceHandle device, const char* key, char* buffer, uint32_t* size) {
-    return perform({.function = Function::getOption, .device = device, .key = key, .buffer = buffer, .size = size});
+    return perform(Function::getOption, device, key, buffer, size);
 }
 
 int32_t I1PRO3_SetGlobalOption(const char* key, const char* value) {
-    return perform({.function = Function::setGlobalOption, .key = key, .value = value});
+    return perform(Function::setGlobalOption, key, value);
 }
 
 int32_t I1PRO3_GetGlobalOption(const char* key, char* buffer, uint32_t* size) {
-    return perform({.function = Function::getGlobalOption, .key = key, .buffer = buffer, .size = size});
+    return perform(Function::getGlobalOption, key, buffer, size);
 }
 
 int32_t I1PRO3_GetButtonStatusD(I1PRO3_DeviceHandle device) {
-    return perform({.function = Function::getButtonStatusD, .device = device});
+    return perform(Function::getButtonStatusD, device);
 }
 
 int32_t I1PRO3_Calibrate(I1PRO3_DeviceHandle device) {
-    return perform({.function = Function::calibrate, .device = device});
+    return perform(Function::calibrate, device);
 }
 
 int32_t I1PRO3_TriggerMeasurement(I1PRO3_DeviceHandle device) {
-    return perform({.function = Function::triggerMeasurement, .device = device});
+    return perform(Function::triggerMeasurement, device);
 }
 
 int32_t I1PRO3_GetNumberOfAvailableSamples(I1PRO3_DeviceHandle device) {
-    return perform({.function = Function::getNumberOfAvailableSamples, .device = device});
+    return perform(Function::getNumberOfAvailableSamples, device);
 }
 
 int32_t I1PRO3_GetTriStimulus(I1PRO3_DeviceHandle device, float* tristimulus, int32_t sample) {
-    return perform({.function = Function::getTriStimulus, .device = device, .sample = sample, .values = tristimulus});
+    return perform(Function::getTriStimulus, device, tristimulus, sample);
 }
 
 int32_t I1PRO3_GetSpectrum(I1PRO3_DeviceHandle device, float* spectrum, int32_t sample) {
-    return perform({.function = Function::getSpectrum, .device = device, .sample = sample, .values = spectrum});
+    return perform(Function::getSpectrum, device, spectrum, sample);
 }

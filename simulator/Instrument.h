@@ -1,6 +1,7 @@
 #pragma once
 
-#include "simulator/Backend.h"
+#include "simulator/Chart.h"
+#include "simulator/Failure.h"
 #include "simulator/Script.h"
 
 #include <chrono>

@@ -1,81 +1,93 @@
 #pragma once
 
-// JSON texts whose values know where they stand, for messages that name the file and the line.
-
-#include "simulator/ScriptError.h"
+// Reading JSON. What is wrong with a value is an exception of the JSON library, with the path to the value:
+// "/faults/1/result: type must be number, but is string".
 
 #include <algorithm>
-#include <cstddef>
-#include <cstdint>
-#include <filesystem>
-#include <map>
-#include <memory>
+#include <fmt/format.h>
+#include <iterator>
 #include <nlohmann/json.hpp>
+#include <stdexcept>
 #include <string>
-#include <utility>
+#include <type_traits>
 #include <vector>
 
 namespace simulator {
 
-/// @throws ScriptError  when the file can't be read
-std::string readFile(const std::filesystem::path& path);
+/// JSON whose members keep their order.
+using Json = nlohmann::ordered_json;
 
-/// A value in a JSON text. The checks throw a ScriptError.
-class Value {
+/// What is wrong with a file or its content.
+class ScriptError : public std::runtime_error {
 public:
-    /// The text's outermost value. Comments are passed over.
-    /// @param firstLine  where in the file the text begins
-    /// @throws ScriptError  when the text is not JSON, or names a member twice
-    static Value parse(const std::string& fileName, const std::string& text, std::size_t firstLine = 1);
-
-    std::string text() const;
-    double number(double least, double most) const;
-    std::int64_t integer(std::int64_t least, std::int64_t most) const;
-    bool truth() const;
-    std::vector<Value> elements() const;
-    std::vector<std::pair<std::string, Value>> members() const;
-
-    /// How a value or a name looks in a message: cut when it is long.
-    std::string shown() const;
-    static std::string quoted(const std::string& name);
-    const nlohmann::ordered_json& json() const { return *value; }
-    const std::string& fileName() const;
-    [[noreturn]] void fail(const std::string& what) const;
-    [[noreturn]] void failUnknown(const std::string& name, const std::string& known) const;
-
-private:
-    struct Document;
-
-    Value(std::shared_ptr<const Document> whole, const nlohmann::ordered_json& part, std::string place)
-        : document(std::move(whole)), value(&part), pointer(std::move(place)) {}
-    Value below(const std::string& name, const nlohmann::ordered_json& part) const;
-
-    std::shared_ptr<const Document> document;
-    const nlohmann::ordered_json* value;
-    std::string pointer;
+    using std::runtime_error::runtime_error;
 };
 
-/// A member that an object may have, and what it does to the target.
+/// What is wrong with a value, beyond its type.
+class ValueError : public Json::exception {
+public:
+    ValueError(const Json& value, const std::string& what) : exception(0, (diagnostics(&value) + what).c_str()) {}
+};
+
+/// Parses a JSON text, in which comments may stand.
+/// @param firstLine  where in the file the text begins
+/// @throws ScriptError  with the line where the text is not JSON
+Json parseJson(const std::string& fileName, const std::string& text, std::size_t firstLine = 1);
+
+/// @param place  the file, or a line of it
+ScriptError errorIn(const std::string& place, const Json::exception& error);
+
+/// A text in JSON: as it is when it is UTF-8, otherwise its bytes as numbers.
+Json jsonOf(const std::string& text);
+
+/// The text that jsonOf wrote.
+std::string textOf(const Json& json);
+
+/// An array's elements, or an object's members.
+/// @throws Json::exception  when the value is something else
+const Json::array_t& elementsOf(const Json& json);
+const Json::object_t& membersOf(const Json& json);
+
+/// @throws Json::exception  when the value is not a number of the range, and whole where the type is
+template <class Number>
+Number numberIn(const Json& json, Number least, Number most) {
+    constexpr bool isWhole = std::is_integral_v<Number>;
+    const auto number = json.get<double>();
+    if ((isWhole && !json.is_number_integer()) || number < least || number > most) {
+        throw ValueError(json,
+                         fmt::format("must be a {} from {} to {}", isWhole ? "whole number" : "number", least, most));
+    }
+    return static_cast<Number>(number);
+}
+
+/// A member that an object may have, and how it is read into the target.
 template <class Target>
 struct Field {
     std::string name;
-    void (*read)(const Value&, Target&);
+    void (*read)(const Json&, Target&);
 };
 
-/// Reads an object's members; one that no field is for is a failure.
+/// The fields' names, each after a prefix.
 template <class Target>
-void readMembers(const Value& object, const std::vector<Field<Target>>& fields, Target& target) {
-    for (const auto& [name, member] : object.members()) {
-        const auto found = std::find_if(fields.begin(), fields.end(),
-                                        [&wanted = name](const Field<Target>& field) { return field.name == wanted; });
-        if (found == fields.end()) {
-            std::string known;
-            for (const Field<Target>& field : fields) {
-                known.append(known.empty() ? "\"" : ", \"").append(field.name).append("\"");
-            }
-            member.failUnknown(name, known);
+std::vector<std::string> namesOf(const std::vector<Field<Target>>& fields, const std::string& prefix = "") {
+    std::vector<std::string> names;
+    std::transform(fields.begin(), fields.end(), std::back_inserter(names),
+                   [&](const Field<Target>& field) { return prefix + field.name; });
+    return names;
+}
+
+/// Reads an object's members into a target.
+/// @throws Json::exception  also when an unknown member stands there
+template <class Target>
+void readMembers(const Json& object, const std::vector<Field<Target>>& fields, Target& target) {
+    for (const auto& [key, member] : membersOf(object)) {
+        const auto field = std::find_if(fields.begin(), fields.end(),
+                                        [&wanted = key](const Field<Target>& each) { return each.name == wanted; });
+        if (field == fields.end()) {
+            throw ValueError(
+                object, fmt::format("unknown key \"{}\"; expected one of {}", key, fmt::join(namesOf(fields), ", ")));
         }
-        found->read(member, target);
+        field->read(member, target);
     }
 }
 

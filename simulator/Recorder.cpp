@@ -1,15 +1,14 @@
 // The recorder: a library of the SDK library's name and functions that passes each call on to the real one as it is,
 // and writes a trace of it. It changes nothing that the host or the real library sees.
 
-#include "loader/SharedLibrary.h"
-#include "simulator/Backend.h"
-#include "simulator/Control.h"
-#include "simulator/ScriptError.h"
-#include "simulator/System.h"
+#include "common/System.h"
+#include "simulator/Failure.h"
+#include "simulator/I1PRO3_Simulator.h"
 #include "simulator/Trace.h"
 
 #include <cstring>
-#include <fmt/format.h>
+#include <map>
+#include <mutex>
 
 namespace simulator {
 
@@ -26,44 +25,15 @@ public:
     explicit Target(const std::filesystem::path& file) : library(file) {
         for (const Signature& signature : signatures) {
             void* const address = library.find(signature.name);
-            if (address == nullptr)
-                throw ScriptError(file.string() + " is no SDK library: it has no " + signature.name);
+            if (address == nullptr) {
+                throw ScriptError(file.string() + " is not an SDK library: it has no " + signature.name);
+            }
             addresses.push_back(address);
         }
     }
 
-    std::int32_t perform(const SdkCall& call) const {
-        switch (call.function) {
-        case Function::getDevices:
-            return as(I1PRO3_GetDevices, call)(call.list, call.count);
-        case Function::openDevice:
-            return as(I1PRO3_OpenDevice, call)(call.device);
-        case Function::closeDevice:
-            return as(I1PRO3_CloseDevice, call)(call.device);
-        case Function::getConnectionStatus:
-            return as(I1PRO3_GetConnectionStatus, call)(call.device);
-        case Function::setOption:
-            return as(I1PRO3_SetOption, call)(call.device, call.key, call.value);
-        case Function::getOption:
-            return as(I1PRO3_GetOption, call)(call.device, call.key, call.buffer, call.size);
-        case Function::setGlobalOption:
-            return as(I1PRO3_SetGlobalOption, call)(call.key, call.value);
-        case Function::getGlobalOption:
-            return as(I1PRO3_GetGlobalOption, call)(call.key, call.buffer, call.size);
-        case Function::getButtonStatusD:
-            return as(I1PRO3_GetButtonStatusD, call)(call.device);
-        case Function::calibrate:
-            return as(I1PRO3_Calibrate, call)(call.device);
-        case Function::triggerMeasurement:
-            return as(I1PRO3_TriggerMeasurement, call)(call.device);
-        case Function::getNumberOfAvailableSamples:
-            return as(I1PRO3_GetNumberOfAvailableSamples, call)(call.device);
-        case Function::getTriStimulus:
-            return as(I1PRO3_GetTriStimulus, call)(call.device, call.values, call.sample);
-        case Function::getSpectrum:
-            return as(I1PRO3_GetSpectrum, call)(call.device, call.values, call.sample);
-        }
-        return 0;
+    std::int32_t perform(const Call& call) const {
+        return call.passOn(addresses[static_cast<std::size_t>(call.function)]);
     }
 
     /// Null when it is no simulation.
@@ -73,13 +43,7 @@ public:
     }
 
 private:
-    /// Its function of the call, of the type that ours is of.
-    template <class Type>
-    Type* as(Type& /*ours*/, const SdkCall& call) const {
-        return reinterpret_cast<Type*>(addresses[static_cast<std::size_t>(call.function)]);
-    }
-
-    loader::SharedLibrary library;
+    common::SharedLibrary library;
     std::vector<void*> addresses;
 };
 
@@ -87,17 +51,16 @@ private:
 /// read than must be there: the size may say more than there is.
 class Before {
 public:
-    explicit Before(const SdkCall& made)
+    explicit Before(const Call& made)
         : call(made), size(made.size != nullptr ? *made.size : 0), count(made.count != nullptr ? *made.count : 0),
           hasBuffer(made.buffer != nullptr && size > 0), firstByte(hasBuffer ? *made.buffer : '\0') {
-        if (made.values != nullptr) values.assign(made.values, made.values + valuesOf(made.function));
+        if (made.values != nullptr) values.assign(made.values, made.values + numberOfValues(made.function));
     }
 
-    /// @param isSuccess  whether the function says that there are outputs; otherwise only what changed is one
-    /// @param nameOf     gives the name of a device that is handed out
-    template <class NameOf>
-    Outputs outputs(bool isSuccess, NameOf nameOf) const {
-        Outputs left;
+    /// The outputs, all but the devices. When the function failed, only what changed is one.
+    Answer answer(std::int32_t result) const {
+        const bool isSuccess = result == 0;
+        Answer left{.result = result};
         if (call.size != nullptr && *call.size != size) left.size = *call.size;
         if (hasBuffer && (isSuccess || *call.buffer != firstByte)) {
             left.text.emplace(call.buffer, strnlen(call.buffer, size));
@@ -108,21 +71,11 @@ public:
             left.values.assign(call.values, call.values + values.size());
         }
         if (call.count != nullptr && (isSuccess || *call.count != count)) left.count = *call.count;
-        if (call.list != nullptr && call.count != nullptr && isSuccess) left.devices = namesOf(nameOf);
         return left;
     }
 
 private:
-    template <class NameOf>
-    std::vector<std::string> namesOf(NameOf nameOf) const {
-        std::vector<std::string> names;
-        for (std::uint32_t i = 0; i < *call.count && *call.list != nullptr; ++i) {
-            names.push_back(nameOf((*call.list)[i]));
-        }
-        return names;
-    }
-
-    const SdkCall& call;
+    const Call& call;
     std::uint32_t size;
     std::uint32_t count;
     bool hasBuffer;
@@ -131,9 +84,13 @@ private:
 };
 
 std::filesystem::path fileNamedBy(const char* variable, const char* whatItNames) {
-    const auto file = fileOfEnvironment(variable);
+    const auto file = common::fileOfEnvironment(variable);
     if (file) return *file;
     throw ScriptError(fmt::format("the environment variable {} is not set; it names {}", variable, whatItNames));
+}
+
+std::filesystem::path ownFile() {
+    return common::fileOf(reinterpret_cast<const void*>(&ownFile));
 }
 
 /// A name without a folder is one beside the recorder.
@@ -152,8 +109,14 @@ class Recorder {
 public:
     static Recorder& instance();
 
-    std::int32_t perform(const SdkCall& call) { return failure ? fail(call) : record(call); }
+    std::int32_t perform(const Call& call) { return failure ? fail(call) : record(call); }
     const char* description() const { return target ? target->description() : nullptr; }
+
+    std::string nameOf(I1PRO3_DeviceHandle device) const {
+        const std::lock_guard<std::mutex> lock(mutex);
+        const auto found = names.find(device);
+        return found != names.end() ? found->second : "unknown";
+    }
 
 private:
     Recorder() {
@@ -165,45 +128,49 @@ private:
             trace.emplace(fileNamedBy(traceVariable, "the file that the recorder writes its trace to"), library,
                           simulation != nullptr);
         } catch (const std::runtime_error& error) {
-            failure.emplace(ErrorCode::invalidSetup, std::string("Recorder: ") + error.what(), lastError);
+            failure.emplace(ErrorCode::invalidSetup, std::string("Recorder: ") + error.what());
         }
     }
 
-    std::int32_t record(const SdkCall& call) {
+    std::int32_t record(const Call& call) {
         const Before before(call);
-        const auto work = [&] {
-            const std::int32_t result = target->perform(call);
-            return Reply{result, before.outputs(result == 0, [this](auto device) { return number(device); })};
-        };
         const Trace::Time begin = std::chrono::steady_clock::now();
-        return trace->record(requestOf(call, [this](auto device) { return nameOf(device); }), begin, work).result;
+        try {
+            const std::int32_t result = target->perform(call);
+            Answer answer = before.answer(result);
+            if (result == 0 && call.list != nullptr && call.count != nullptr) answer.devices = numbered(call);
+            trace->write(call, answer, begin);
+            return result;
+        } catch (const std::exception& error) {
+            trace->write(call, {.exception = error.what()}, begin);
+            throw;
+        } catch (...) {
+            trace->write(call, {.exception = "an exception of an unknown kind"}, begin);
+            throw;
+        }
     }
 
-    std::int32_t fail(const SdkCall& call) {
-        const Request request = requestOf(call, [](I1PRO3_DeviceHandle) { return "unknown"; });
-        const Reply reply = lastError.answerOf(*failure, request);
-        Devices().handOut(reply.outputs, call);
-        return reply.result;
+    std::int32_t fail(const Call& call) const {
+        const Answer answer = failure->answer(call);
+        handOut(answer, call);
+        return answer.result;
     }
 
-    /// Devices are numbered as they are first listed.
-    std::string number(I1PRO3_DeviceHandle device) {
+    /// Names of the devices that a call listed: they are numbered as they are first listed.
+    std::vector<std::string> numbered(const Call& call) {
         const std::lock_guard<std::mutex> lock(mutex);
-        const std::size_t next = names.size() + 1;
-        return names.try_emplace(device, fmt::format("device {}", next)).first->second;
-    }
-
-    std::string nameOf(I1PRO3_DeviceHandle device) {
-        const std::lock_guard<std::mutex> lock(mutex);
-        const auto found = names.find(device);
-        return found != names.end() ? found->second : "unknown";
+        std::vector<std::string> listed;
+        for (std::uint32_t i = 0; i < *call.count && *call.list != nullptr; ++i) {
+            const std::string next = fmt::format("device {}", names.size() + 1);
+            listed.push_back(names.try_emplace((*call.list)[i], next).first->second);
+        }
+        return listed;
     }
 
     std::optional<Target> target;
     std::optional<Trace> trace;
-    LastError lastError;
-    std::optional<Failure> failure;
-    std::mutex mutex;
+    std::optional<LastingFailure> failure;
+    mutable std::mutex mutex;
     std::map<I1PRO3_DeviceHandle, std::string> names;
 };
 
@@ -222,7 +189,11 @@ Recorder& Recorder::instance() {
 
 } // namespace
 
-std::int32_t perform(const SdkCall& call) {
+std::string nameOf(I1PRO3_DeviceHandle device) {
+    return Recorder::instance().nameOf(device);
+}
+
+std::int32_t perform(const Call& call) {
     return Recorder::instance().perform(call);
 }
 

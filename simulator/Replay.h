@@ -1,27 +1,23 @@
 #pragma once
 
-#include "simulator/Backend.h"
+#include "simulator/Failure.h"
 #include "simulator/Trace.h"
-
-#include <optional>
 
 namespace simulator {
 
-/// Answers as a trace tells that was answered before, call by call. The first call that departs from the trace, and all
-/// after it, fail and tell of it.
-class Replay : public Backend {
+/// Answers from a trace, call by call. The first call that departs from it, and all after it, fail and say so.
+class Replay {
 public:
-    Replay(Recording played, LastError& common) : recording(std::move(played)), lastError(common) {}
+    explicit Replay(Recording played) : recording(std::move(played)) {}
 
-    Reply answer(const Request& request) override;
+    Answer answer(const Call& call);
 
 private:
-    Reply depart(const Request& request, const std::string& recorded);
+    Answer depart(const Call& call, const std::string& recorded);
 
     Recording recording;
-    LastError& lastError;
     std::size_t next = 0;
-    std::optional<Failure> departure;
+    std::optional<LastingFailure> departure;
 };
 
 } // namespace simulator

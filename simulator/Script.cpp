@@ -1,229 +1,197 @@
 #include "simulator/Script.h"
 
-#include "simulator/Json.h"
+#include "common/System.h"
 
-#include <algorithm>
 #include <limits>
+#include <set>
 
 namespace simulator {
 
 namespace {
 
-constexpr std::int64_t mostCalls = 1'000'000'000;
-constexpr std::int64_t longestTime = 3'600'000;
-constexpr std::int64_t leastInt32 = std::numeric_limits<std::int32_t>::min();
-constexpr std::int64_t mostInt32 = std::numeric_limits<std::int32_t>::max();
+constexpr std::int32_t mostInt32 = std::numeric_limits<std::int32_t>::max();
 
-/// @param place  the function's name, or what stands under it
-void expectFunction(const Value& place, const std::string& name) {
-    if (findSignature(name) != nullptr) return;
-    std::string names;
-    for (const Signature& signature : signatures) {
-        names.append(names.empty() ? "" : ", ").append(signature.name);
+std::uint32_t readCount(const Json& json, std::uint32_t least) {
+    return numberIn(json, least, 1'000'000'000U);
+}
+
+std::int32_t readInt32(const Json& json) {
+    return numberIn(json, std::numeric_limits<std::int32_t>::min(), mostInt32);
+}
+
+std::chrono::milliseconds readTime(const Json& json) {
+    return std::chrono::milliseconds(numberIn(json, 0, 3'600'000));
+}
+
+void readInstruments(const Json& json, Script& script) {
+    std::set<std::string> serials;
+    for (const Json& element : elementsOf(json)) {
+        const auto serial = element.get<std::string>();
+        if (!serial.starts_with("SIM")) throw ValueError(element, "a simulated serial number must begin with SIM");
+        if (!serials.insert(serial).second) throw ValueError(element, "duplicate serial number");
     }
-    place.fail(Value::quoted(name) + " is no function of the SDK library; there are " + names);
+    script.instruments = json.get<std::vector<std::string>>();
 }
 
-std::string readFunction(const Value& value) {
-    expectFunction(value, value.text());
-    return value.text();
+void readChart(const Json& json, Script& script) try {
+    const std::filesystem::path file = script.folder / json.get<std::string>();
+    script.chart = parseChart(common::readFile(file), "the chart " + file.string());
+    script.subject = "with the chart " + file.filename().string();
+} catch (const std::runtime_error& error) {
+    throw ValueError(json, error.what());
 }
 
-std::uint32_t readCount(const Value& value, std::int64_t least) {
-    return static_cast<std::uint32_t>(value.integer(least, mostCalls));
-}
-
-std::int32_t readInt32(const Value& value) {
-    return static_cast<std::int32_t>(value.integer(leastInt32, mostInt32));
-}
-
-std::chrono::milliseconds readTime(const Value& value) {
-    return std::chrono::milliseconds(value.integer(0, longestTime));
-}
-
-/// A file that a script names, beside the script.
-std::filesystem::path readPath(const Value& value) {
-    return std::filesystem::path(value.fileName()).parent_path() / value.text();
-}
-
-void readInstruments(const Value& value, Script& script) {
-    std::vector<std::string> serials;
-    for (const Value& element : value.elements()) {
-        const std::string serial = element.text();
-        if (!serial.starts_with("SIM")) element.fail(element.shown() + " does not begin with SIM, for simulated");
-        if (std::find(serials.begin(), serials.end(), serial) != serials.end()) {
-            element.fail(element.shown() + " is the serial number of another instrument, too");
-        }
-        serials.push_back(serial);
-    }
-    script.instruments = std::move(serials);
-}
-
-void readChart(const Value& value, Script& script) {
-    const std::filesystem::path path = readPath(value);
-    try {
-        script.chart = parseChart(readFile(path));
-    } catch (const ScriptError& error) {
-        value.fail(error.what());
-    } catch (const std::runtime_error& error) {
-        value.fail("the chart " + path.string() + " is wrong: " + error.what());
-    }
-    if (script.chart.empty()) value.fail("the chart " + path.string() + " has no patches");
-    script.subject = "with the chart " + path.filename().string();
-}
-
-void readPlace(const Value& value, Script& script) {
-    const std::string place = value.text();
-    if (place != "chart" && place != "white reference") {
-        value.fail(value.shown() + R"( is no place; there are "chart" and "white reference")");
-    }
+void readPlace(const Json& json, Script& script) {
+    const auto place = json.get<std::string>();
     script.isOnWhiteReference = place == "white reference";
+    if (!script.isOnWhiteReference && place != "chart") {
+        throw ValueError(json, R"(must be "chart" or "white reference")");
+    }
 }
 
-void readLatency(const Value& value, Script& script) {
+void readLatency(const Json& json, Script& script) {
     script.latency.clear();
-    for (const auto& [function, time] : value.members()) {
-        expectFunction(time, function);
-        script.latency[function] = readTime(time);
+    for (const auto& [function, time] : membersOf(json)) {
+        script.latency[functionNamed(time, function)] = readTime(time);
     }
 }
 
 const std::vector<Field<Light>> lightFields{
-    {"noise", [](const Value& value, Light& light) { light.noise = value.number(0, 0.1); }},
-    {"drift", [](const Value& value, Light& light) { light.drift = value.number(-0.1, 0.1); }},
+    {"noise", [](const Json& json, Light& light) { light.noise = numberIn(json, 0.0, 0.1); }},
+    {"drift", [](const Json& json, Light& light) { light.drift = numberIn(json, -0.1, 0.1); }},
     {"seed",
-     [](const Value& value, Light& light) { light.seed = static_cast<std::uint64_t>(value.integer(0, mostInt32)); }},
+     [](const Json& json, Light& light) { light.seed = static_cast<std::uint32_t>(numberIn(json, 0, mostInt32)); }},
 };
 
 const std::vector<Field<Button>> buttonFields{
-    {"polls", [](const Value& value, Button& button) { button.polls = readCount(value, 0); }},
-    {"milliseconds", [](const Value& value, Button& button) { button.time = readTime(value); }},
-    {"never", [](const Value& value, Button& button) { button.never = value.truth(); }},
-    {"once per measurement", [](const Value& value, Button& button) { button.oncePerMeasurement = value.truth(); }},
+    {"polls", [](const Json& json, Button& button) { button.polls = readCount(json, 0); }},
+    {"milliseconds", [](const Json& json, Button& button) { button.time = readTime(json); }},
+    {"never", [](const Json& json, Button& button) { button.never = json.get<bool>(); }},
+    {"once per measurement", [](const Json& json, Button& button) { button.oncePerMeasurement = json.get<bool>(); }},
 };
 
 const std::vector<Field<Samples>> samplesFields{
-    {"count", [](const Value& value, Samples& samples) { samples.count = readInt32(value); }},
-    {"more", [](const Value& value, Samples& samples) { samples.more = readInt32(value); }},
+    {"count", [](const Json& json, Samples& samples) { samples.count = readInt32(json); }},
+    {"more", [](const Json& json, Samples& samples) { samples.more = readInt32(json); }},
 };
 
-const std::vector<Field<Unplug>> unplugFields{
-    {"function", [](const Value& value, Unplug& unplug) { unplug.function = readFunction(value); }},
-    {"call", [](const Value& value, Unplug& unplug) { unplug.call = readCount(value, 1); }},
-};
-
-void readTimes(const Value& value, Answer& fault) {
-    if (value.json() == "always") {
-        fault.times = 0;
-    } else if (value.json().is_string()) {
-        value.fail(value.shown() + " is neither a number nor \"always\"");
-    } else {
-        fault.times = readCount(value, 1);
-    }
-}
-
-const std::vector<Field<Answer>> faultFields{
-    {"function", [](const Value& value, Answer& fault) { fault.function = readFunction(value); }},
-    {"key", [](const Value& value, Answer& fault) { fault.argument = value.text(); }},
-    {"call", [](const Value& value, Answer& fault) { fault.position = readCount(value, 1); }},
-    {"times", readTimes},
-    {"result", [](const Value& value, Answer& fault) { fault.result = readInt32(value); }},
-    {"text", [](const Value& value, Answer& fault) { fault.errorText = value.text(); }},
-    {"number", [](const Value& value, Answer& fault) { fault.errorNumber = value.text(); }},
-    {"output", [](const Value& value, Answer& fault) { fault.output = value.text(); }},
-    {"size", [](const Value& value, Answer& fault) { fault.outputSize = readCount(value, 0); }},
-};
-
-void readSamples(const Value& value, Script& script) {
+void readSamples(const Json& json, Script& script) {
     Samples samples;
-    readMembers(value, samplesFields, samples);
-    if (samples.count && samples.more != 0) value.fail(R"(either "count" or "more" says how many samples there are)");
+    readMembers(json, samplesFields, samples);
+    if (samples.count && samples.more != 0) throw ValueError(json, R"("count" and "more" exclude each other)");
     script.samples = samples;
 }
 
-void readUnplug(const Value& value, Script& script) {
+const std::vector<Field<Unplug>> unplugFields{
+    {"function", [](const Json& json, Unplug& unplug) { unplug.function = functionNamed(json); }},
+    {"call", [](const Json& json, Unplug& unplug) { unplug.call = readCount(json, 1); }},
+};
+
+void readUnplug(const Json& json, Script& script) {
     Unplug unplug;
-    readMembers(value, unplugFields, unplug);
-    if (unplug.function.empty()) value.fail("\"function\" is missing: at which function's call to unplug");
+    readMembers(json, unplugFields, unplug);
+    if (!unplug.function) throw ValueError(json, R"("function" is missing)");
     script.unplug = unplug;
 }
 
-/// What would have no effect is a mistake.
-void expectEffect(const Value& place, const Answer& fault) {
-    if (place.members().empty()) place.fail("a fault without a key would answer any call");
-    if (fault.result == 0 && (fault.errorText || fault.errorNumber)) {
-        place.fail("a \"text\" or \"number\" tells of a \"result\" other than 0");
+void readTimes(const Json& json, Fault& fault) {
+    fault.times.reset();
+    if (json != "always") fault.times = readCount(json, 1);
+}
+
+void readSize(const Json& json, Fault& fault) {
+    fault.answer.size = numberIn(json, 0U, std::numeric_limits<std::uint32_t>::max());
+}
+
+const std::vector<Field<Fault>> faultFields{
+    {"function", [](const Json& json, Fault& fault) { fault.function = functionNamed(json); }},
+    {"key", [](const Json& json, Fault& fault) { fault.key = json.get<std::string>(); }},
+    {"call", [](const Json& json, Fault& fault) { fault.call = readCount(json, 1); }},
+    {"times", readTimes},
+    {"result", [](const Json& json, Fault& fault) { fault.answer.result = readInt32(json); }},
+    {"text", [](const Json& json, Fault& fault) { fault.errorText = json.get<std::string>(); }},
+    {"number", [](const Json& json, Fault& fault) { fault.errorNumber = json.get<std::string>(); }},
+    {"output", [](const Json& json, Fault& fault) { fault.answer.text = json.get<std::string>(); }},
+    {"size", readSize},
+    {"exception", [](const Json& json, Fault& fault) { fault.answer.exception = json.get<std::string>(); }},
+    {"foreign", [](const Json& json, Fault& fault) { fault.answer.isForeign = json.get<bool>(); }},
+};
+
+/// Refuses what would have no effect.
+void expectEffect(const Json& json, const Fault& fault) {
+    if (json.empty()) throw ValueError(json, "a fault without a key would answer any call");
+    if (fault.answer.result == 0 && (fault.errorText || fault.errorNumber)) {
+        throw ValueError(json, R"("text" and "number" need a "result" other than 0)");
     }
-    const Signature* const signature = findSignature(fault.function);
-    if (signature == nullptr || takes(*signature, Parameter::buffer)) return;
-    if (fault.output) place.fail(fault.function + " hands out no text for \"output\" to replace");
-    if (fault.outputSize && !takes(*signature, Parameter::list)) {
-        place.fail(fault.function + " has no size or count for \"size\" to replace");
+    if (fault.answer.isForeign && !fault.answer.exception) throw ValueError(json, R"("foreign" needs an "exception")");
+    if (!fault.function || takes(*fault.function, "buffer")) return;
+    const char* const function = signatureOf(*fault.function).name;
+    if (fault.answer.text) throw ValueError(json, fmt::format("{} has no \"output\"", function));
+    if (fault.answer.size && !takes(*fault.function, "count")) {
+        throw ValueError(json, fmt::format("{} has no \"size\"", function));
     }
 }
 
-void readFaults(const Value& value, Script& script) {
-    std::vector<Answer> faults;
-    for (const Value& element : value.elements()) {
-        Answer fault;
+void readFaults(const Json& json, Script& script) {
+    script.faults.emplace();
+    for (const Json& element : elementsOf(json)) {
+        Fault& fault = script.faults->emplace_back();
         readMembers(element, faultFields, fault);
         expectEffect(element, fault);
-        faults.push_back(std::move(fault));
     }
-    script.faults = std::move(faults);
 }
 
-void readReplay(const Value& value, Script& script) {
-    try {
-        script.replay = readTrace(readPath(value));
-        script.subject = "that replays " + script.replay->fileName;
-    } catch (const ScriptError& error) {
-        value.fail(error.what());
-    }
+void readTracePath(const Json& json, Script& script) {
+    script.trace = json.is_null() ? std::filesystem::path() : script.folder / json.get<std::string>();
+}
+
+void readReplay(const Json& json, Script& script) try {
+    script.replay = readTrace(script.folder / json.get<std::string>());
+    script.subject = "that replays " + script.replay->fileName;
+} catch (const std::runtime_error& error) {
+    throw ValueError(json, error.what());
 }
 
 const std::vector<Field<Script>> scriptFields{
     {"instruments", readInstruments},
     {"chart", readChart},
     {"place", readPlace},
-    {"light", [](const Value& value, Script& script) { readMembers(value, lightFields, script.light); }},
-    {"button", [](const Value& value, Script& script) { readMembers(value, buttonFields, script.button); }},
+    {"light", [](const Json& json, Script& script) { readMembers(json, lightFields, script.light); }},
+    {"button", [](const Json& json, Script& script) { readMembers(json, buttonFields, script.button); }},
     {"samples", readSamples},
     {"latency", readLatency},
     {"unplug", readUnplug},
     {"faults", readFaults},
-    {"trace", [](const Value& value, Script& script) { script.trace = readPath(value); }},
+    {"trace", readTracePath},
     {"replay", readReplay},
 };
 
-void expectReplayAlone(const Value& script) {
-    if (!script.json().contains("replay")) return;
-    for (const auto& [name, member] : script.members()) {
-        if (name == "replay" || name == "trace" || name == "latency") continue;
-        member.fail("a replay answers as was recorded: beside it may only stand \"trace\" and \"latency\"");
-    }
-}
-
-template <class Target>
-void addKeys(const std::string& prefix, const std::vector<Field<Target>>& fields, std::vector<std::string>& keys) {
-    for (const Field<Target>& field : fields) {
-        keys.push_back(prefix + field.name);
+void expectReplayAlone(const Json& script) {
+    if (!script.contains("replay")) return;
+    for (const auto& [key, member] : membersOf(script)) {
+        if (key == "replay" || key == "trace" || key == "latency") continue;
+        throw ValueError(member, R"(only "trace" and "latency" may stand beside "replay")");
     }
 }
 
 } // namespace
 
 void applyScript(const std::string& fileName, const std::string& text, Script& script) {
+    const Json json = parseJson(fileName, text);
     Script changed = script;
-    const Value whole = Value::parse(fileName, text);
-    readMembers(whole, scriptFields, changed);
-    expectReplayAlone(whole);
+    changed.folder = std::filesystem::path(fileName).parent_path();
+    try {
+        readMembers(json, scriptFields, changed);
+        expectReplayAlone(json);
+    } catch (const Json::exception& error) {
+        throw errorIn(fileName, error);
+    }
     script = std::move(changed);
 }
 
 Script readScript(const std::filesystem::path& file) {
     Script script;
-    applyScript(file.string(), readFile(file), script);
+    applyScript(file.string(), common::readFile(file), script);
     return script;
 }
 
@@ -233,12 +201,11 @@ std::string descriptionOf(const Script& script) {
 
 std::vector<std::string> scriptKeys() {
     std::vector<std::string> keys;
-    addKeys("", scriptFields, keys);
-    addKeys("light.", lightFields, keys);
-    addKeys("button.", buttonFields, keys);
-    addKeys("samples.", samplesFields, keys);
-    addKeys("unplug.", unplugFields, keys);
-    addKeys("faults.", faultFields, keys);
+    for (const auto& names :
+         {namesOf(scriptFields), namesOf(lightFields, "light."), namesOf(buttonFields, "button."),
+          namesOf(samplesFields, "samples."), namesOf(unplugFields, "unplug."), namesOf(faultFields, "faults.")}) {
+        keys.insert(keys.end(), names.begin(), names.end());
+    }
     return keys;
 }
 

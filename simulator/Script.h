@@ -2,9 +2,8 @@
 
 // What a simulation is made of, and the JSON text that says it; docs/simulator.md tells of each key.
 
-#include "simulator/Control.h"
-#include "simulator/Data.h"
-#include "simulator/ScriptError.h"
+#include "simulator/Chart.h"
+#include "simulator/Faults.h"
 #include "simulator/Trace.h"
 
 #include <chrono>
@@ -37,23 +36,25 @@ struct Samples {
 
 /// From this call on, the instruments are gone.
 struct Unplug {
-    std::string function;
+    std::optional<Function> function;
     std::uint32_t call = 1;
 };
 
 struct Script {
+    /// Where the files are that the script names.
+    std::filesystem::path folder;
     std::vector<std::string> instruments{"SIM1"};
-    std::vector<Patch> chart = parseChart(colorCheckerCsv);
+    std::vector<Patch> chart = parseChart(colorCheckerCsv, "the ColorChecker Classic chart");
     /// What is simulated, to say it.
     std::string subject = "with the ColorChecker Classic chart";
     bool isOnWhiteReference = false;
     Light light;
     Button button;
     Samples samples;
-    std::map<std::string, std::chrono::milliseconds> latency;
+    std::map<Function, std::chrono::milliseconds> latency;
     std::optional<Unplug> unplug;
-    std::vector<Answer> faults;
-    /// The trace to write.
+    std::optional<std::vector<Fault>> faults;
+    /// The trace to write; an empty path for none.
     std::optional<std::filesystem::path> trace;
     /// The trace that answers in place of all else.
     std::optional<Recording> replay;

@@ -1,7 +1,7 @@
 #include "simulator/Simulator.h"
 
-#include "simulator/Replay.h"
-#include "simulator/System.h"
+#include "common/System.h"
+#include "simulator/I1PRO3_Simulator.h"
 
 #include <algorithm>
 #include <mutex>
@@ -14,40 +14,11 @@ namespace {
 
 using Lock = std::lock_guard<std::mutex>;
 
-/// A call as tests see it.
-Call callOf(const Request& request) {
-    Call call{signatureOf(request.function).name, {}};
-    for (const auto& [name, argument] : request.arguments.items()) {
-        const bool isPlain = argument.is_null() || argument.is_number();
-        call.arguments.push_back(isPlain ? argument.dump() : request.text(name.c_str()));
-    }
-    return call;
-}
-
 Simulator* theSimulator = nullptr;
 std::once_flag isCreated;
 
 [[gnu::destructor]] void unload() {
     delete theSimulator;
-}
-
-bool matches(const Answer& answer, const Call& call) {
-    if (!answer.function.empty() && answer.function != call.function) return false;
-    return answer.argument.empty() ||
-           std::find(call.arguments.begin(), call.arguments.end(), answer.argument) != call.arguments.end();
-}
-
-Outputs outputsOf(const Answer& answer, const Request& request) {
-    if (request.function == Function::getDevices && answer.outputSize) {
-        return {.count = answer.outputSize, .devices = std::vector<std::string>()};
-    }
-    Outputs outputs;
-    if (request.arguments.contains("size")) outputs.size = answer.outputSize;
-    if (answer.output && request.size() > 0) {
-        outputs.text = answer.output->substr(0, request.size());
-        outputs.isTerminated = false;
-    }
-    return outputs;
 }
 
 } // namespace
@@ -58,151 +29,135 @@ Simulator& Simulator::instance() {
     return *theSimulator;
 }
 
-void Simulator::reset() {
+const char* Simulator::use(const char* text) {
     const Lock lock(mutex);
-    recorded.clear();
-    answers.clear();
-    lastError.clear();
-    start();
+    try {
+        scriptError.clear();
+        if (text == nullptr) {
+            start();
+        } else {
+            if (failure) throw ScriptError(description);
+            Script next = script;
+            applyScript("script", text, next);
+            change(std::move(next));
+        }
+    } catch (const std::exception& error) {
+        scriptError = error.what();
+    }
+    return scriptError.empty() ? nullptr : scriptError.c_str();
 }
 
-/// Begins with the script and the trace that the environment names. When something is wrong there, that is all that
-/// there is.
+/// Begins with the script and the trace that the environment names. When something is wrong there, all calls fail.
 void Simulator::start() {
-    const auto file = fileOfEnvironment("I1PRO3_SIMULATOR");
-    substitute.reset();
+    failure.reset();
+    replay.reset();
     trace.reset();
     unplug.reset();
+    faults.clear();
     script = {};
-    model.attach(script);
+    instruments.clearError();
+    instruments.attach(script);
     try {
+        const auto file = common::fileOfEnvironment("I1PRO3_SIMULATOR");
         Script first = file ? readScript(*file) : Script();
-        if (!first.trace) first.trace = fileOfEnvironment("I1PRO3_TRACE");
+        if (!first.trace) first.trace = common::fileOfEnvironment("I1PRO3_TRACE");
         change(std::move(first));
     } catch (const std::exception& error) {
         description = std::string("simulated i1Pro 3, not set up: ") + error.what();
-        substitute = std::make_unique<Failure>(ErrorCode::invalidSetup, error.what(), lastError);
+        failure.emplace(ErrorCode::invalidSetup, error.what());
+        throw;
     }
-}
-
-void Simulator::use(const std::string& text) {
-    const Lock lock(mutex);
-    Script next = script;
-    applyScript("script", text, next);
-    change(std::move(next));
 }
 
 /// Puts a script in force. What happens once, like a fault, is taken out of it.
 void Simulator::change(Script next) {
-    if (next.trace) trace = std::make_unique<Trace>(*next.trace, descriptionOf(next), true);
-    description = descriptionOf(next);
-    next.trace.reset();
-    if (next.replay) substitute = std::make_unique<Replay>(*std::exchange(next.replay, std::nullopt), lastError);
-    for (Answer& fault : std::exchange(next.faults, {})) {
-        answers.push_back({std::move(fault)});
+    if (next.trace) {
+        trace = next.trace->empty() ? nullptr : std::make_unique<Trace>(*next.trace, descriptionOf(next), true);
+        next.trace.reset();
     }
+    description = descriptionOf(next);
+    if (next.replay) replay.emplace(*std::exchange(next.replay, std::nullopt));
+    if (next.faults) faults = *std::exchange(next.faults, std::nullopt);
     if (next.unplug) unplug = std::exchange(next.unplug, std::nullopt);
     const bool isSameSet = next.instruments == script.instruments;
     script = std::move(next);
-    if (!isSameSet) model.attach(script);
+    if (!isSameSet) instruments.attach(script);
 }
 
-std::vector<Call> Simulator::calls() const {
-    const Lock lock(mutex);
-    return recorded;
-}
-
-void Simulator::clearCalls() {
-    const Lock lock(mutex);
-    recorded.clear();
-}
-
-void Simulator::answer(const Answer& answer) {
-    const Lock lock(mutex);
-    answers.push_back({answer});
-}
-
-void Simulator::clearAnswers() {
-    const Lock lock(mutex);
-    answers.clear();
-}
-
-void Simulator::watch() {
-    const Lock lock(mutex);
-    isWatched = true;
-}
-
-const char* Simulator::describe() {
+const char* Simulator::describe() const {
     const Lock lock(mutex);
     return description.c_str();
 }
 
-std::int32_t Simulator::perform(const SdkCall& call) {
+std::string Simulator::nameOf(I1PRO3_DeviceHandle device) const {
+    const Lock lock(mutex);
+    const auto found =
+        std::find_if(handles.begin(), handles.end(), [&](const auto& entry) { return &entry.second == device; });
+    return found != handles.end() ? found->first : "unknown";
+}
+
+Answer Simulator::perform(const Call& call) {
     const auto begin = std::chrono::steady_clock::now();
     wait(call.function);
     const Lock lock(mutex);
-    const Request request = requestOf(call, [&](I1PRO3_DeviceHandle device) { return devices.nameOf(device); });
-    const auto work = [&] { return answerTo(request); };
-    const Reply reply = trace ? trace->record(request, begin, work) : work();
-    devices.handOut(reply.outputs, call);
-    return reply.result;
+    Answer answer = answerTo(call);
+    if (trace) trace->write(call, answer, begin);
+    handOut(answer, call);
+    if (answer.devices && call.list != nullptr) *call.list = listOf(*answer.devices);
+    return answer;
 }
 
 void Simulator::wait(Function function) const {
     std::chrono::milliseconds latency{0};
     {
         const Lock lock(mutex);
-        const auto found = script.latency.find(signatureOf(function).name);
+        const auto found = script.latency.find(function);
         if (found != script.latency.end()) latency = found->second;
     }
-    if (latency.count() > 0) std::this_thread::sleep_for(latency);
+    std::this_thread::sleep_for(latency);
 }
 
-Reply Simulator::answerTo(const Request& request) {
-    const Call call = callOf(request);
-    if (isWatched) recorded.push_back(call);
+Answer Simulator::answerTo(const Call& call) {
+    if (failure) return failure->answer(call);
     countToUnplug(call.function);
-    model.notice(request);
-    if (const Answer* const answer = findAnswer(call)) return give(*answer, request);
-    return lastError.answerOf(substitute ? *substitute : model, request);
+    instruments.notice(call);
+    std::optional<Answer> answer = answerOf(faults, call);
+    if (!answer) answer = replay ? replay->answer(call) : instruments.answer(call);
+    instruments.keepError(call, *answer);
+    return *answer;
 }
 
-void Simulator::countToUnplug(const std::string& function) {
-    if (!unplug || unplug->function != function) return;
-    if (--unplug->call == 0) model.unplug();
+void Simulator::countToUnplug(Function function) {
+    if (!unplug || unplug->function != function || --unplug->call > 0) return;
+    instruments.unplug();
+    unplug.reset();
 }
 
-const Answer* Simulator::findAnswer(const Call& call) {
-    const Answer* found = nullptr;
-    for (PendingAnswer& pending : answers) {
-        const Answer& answer = pending.answer;
-        if (!matches(answer, call)) continue;
-        ++pending.seen;
-        if (found != nullptr || pending.seen < answer.position) continue;
-        if (answer.times == 0 || pending.seen - answer.position < answer.times) found = &answer;
+I1PRO3_DeviceHandle* Simulator::listOf(const std::vector<std::string>& names) {
+    std::vector<I1PRO3_DeviceHandle>& list = lists[names];
+    if (list.empty()) {
+        std::transform(names.begin(), names.end(), std::back_inserter(list),
+                       [this](const std::string& name) { return &handles[name]; });
     }
-    return found;
+    return list.data();
 }
 
-Reply Simulator::give(const Answer& answer, const Request& request) {
-    const std::string function = signatureOf(request.function).name;
-    if (answer.throws) throw std::runtime_error("simulated exception of " + function);
-    if (answer.result != 0) {
-        lastError.keep(request, answer.errorText.value_or("Simulated failure of " + function),
-                       answer.errorNumber.value_or(std::to_string(answer.result)));
-    }
-    return {answer.result, outputsOf(answer, request)};
+std::string nameOf(I1PRO3_DeviceHandle device) {
+    return Simulator::instance().nameOf(device);
 }
 
-std::int32_t perform(const SdkCall& call) {
-    return Simulator::instance().perform(call);
+/// No lock is held where the exception begins: a foreign one passes this compiler's destructors.
+std::int32_t perform(const Call& call) {
+    const Answer answer = Simulator::instance().perform(call);
+    if (answer.isForeign) common::throwForeign(*answer.exception);
+    if (answer.exception) throw std::runtime_error(*answer.exception);
+    return answer.result;
 }
 
 } // namespace simulator
 
-simulator::Control* I1PRO3_SimulatorControl() {
-    simulator::Simulator::instance().watch();
-    return &simulator::Simulator::instance();
+const char* I1PRO3_SimulatorUse(const char* script) {
+    return simulator::Simulator::instance().use(script);
 }
 
 const char* I1PRO3_SimulatorDescription() {

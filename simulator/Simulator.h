@@ -1,60 +1,49 @@
 #pragma once
 
-#include "simulator/Control.h"
-#include "simulator/Model.h"
-#include "simulator/Trace.h"
+#include "simulator/Instruments.h"
+#include "simulator/Replay.h"
 
 #include <memory>
 #include <mutex>
 
 namespace simulator {
 
-/// The library behind the fourteen functions: what a script and a test's control make of each call.
-class Simulator : public Control {
+/// What stands behind the simulated library's functions: the instruments, and what a script makes of each call.
+class Simulator {
 public:
     static Simulator& instance();
 
-    void reset() override;
-    std::vector<Call> calls() const override;
-    void clearCalls() override;
-    void answer(const Answer& answer) override;
-    void clearAnswers() override;
-    void use(const std::string& text) override;
-
-    /// From here on, calls are kept.
-    void watch();
-    const char* describe();
-    std::int32_t perform(const SdkCall& call);
+    const char* use(const char* text);
+    const char* describe() const;
+    std::string nameOf(I1PRO3_DeviceHandle device) const;
+    /// Answers a call, and hands out the outputs; the exception is the caller's to throw.
+    Answer perform(const Call& call);
 
 private:
-    struct PendingAnswer {
-        Answer answer;
-        std::uint32_t seen = 0;
-    };
-
-    Simulator() { start(); }
+    Simulator() { use(nullptr); }
     void start();
     void change(Script next);
     void wait(Function function) const;
-    Reply answerTo(const Request& request);
-    void countToUnplug(const std::string& function);
-    const Answer* findAnswer(const Call& call);
-    Reply give(const Answer& answer, const Request& request);
+    Answer answerTo(const Call& call);
+    void countToUnplug(Function function);
+    I1PRO3_DeviceHandle* listOf(const std::vector<std::string>& names);
 
     mutable std::mutex mutex;
-    Script script;
+    /// What was wrong with the last script that was used.
+    std::string scriptError;
+    /// What answers when the environment's script or trace is wrong.
+    std::optional<LastingFailure> failure;
     std::string description;
-    /// What is still to come: at zero calls, the instruments are gone.
+    Script script;
+    /// Calls until the instruments are gone.
     std::optional<Unplug> unplug;
-    Devices devices;
-    LastError lastError;
-    Model model{lastError};
-    /// What answers in place of the model: a replay, or the failure that a wrong script is.
-    std::unique_ptr<Backend> substitute;
+    std::vector<Fault> faults;
+    std::optional<Replay> replay;
+    Instruments instruments;
     std::unique_ptr<Trace> trace;
-    bool isWatched = false;
-    std::vector<Call> recorded;
-    std::vector<PendingAnswer> answers;
+    /// By name. A device has the same handle for as long as the library is loaded.
+    std::map<std::string, char> handles;
+    std::map<std::vector<std::string>, std::vector<I1PRO3_DeviceHandle>> lists;
 };
 
 } // namespace simulator

@@ -1,7 +1,6 @@
 #include "simulator/Trace.h"
 
-#include "simulator/Json.h"
-#include "simulator/System.h"
+#include "common/System.h"
 
 #include <cerrno>
 #include <charconv>
@@ -24,7 +23,7 @@ constexpr int version = 1;
 std::FILE* createNumbered(std::filesystem::path& path) {
     const std::filesystem::path wanted = path;
     for (int number = 2; true; ++number) {
-        std::FILE* const file = createFile(path);
+        std::FILE* const file = common::createFile(path);
         if (file != nullptr) return file;
         const int error = errno;
         if (error != EEXIST || !std::filesystem::is_regular_file(path)) {
@@ -36,7 +35,7 @@ std::FILE* createNumbered(std::filesystem::path& path) {
 }
 
 /// In UTC, by ISO 8601.
-std::string textOf(std::chrono::system_clock::time_point time) {
+std::string timestamp(std::chrono::system_clock::time_point time) {
     const auto since = duration_cast<microseconds>(time.time_since_epoch());
     return fmt::format("{:%Y-%m-%dT%H:%M:%S}.{:06}Z", fmt::gmtime(std::chrono::system_clock::to_time_t(time)),
                        since.count() % 1'000'000);
@@ -51,167 +50,123 @@ Json jsonOfValue(float value) {
     return readable;
 }
 
-Json jsonOfOutputs(const Outputs& outputs) {
+Json outputsOf(const Answer& answer) {
     Json json;
-    if (outputs.count) json["count"] = *outputs.count;
-    if (outputs.devices) json["devices"] = *outputs.devices;
-    if (outputs.size) json["size"] = *outputs.size;
-    if (outputs.text) json["text"] = jsonOf(*outputs.text);
-    if (!outputs.isTerminated) json["terminated"] = false;
-    for (const float value : outputs.values) {
+    if (answer.count) json["count"] = *answer.count;
+    if (answer.devices) json["devices"] = *answer.devices;
+    if (answer.size) json["size"] = *answer.size;
+    if (answer.text) json["text"] = jsonOf(*answer.text);
+    if (!answer.isTerminated) json["terminated"] = false;
+    for (const float value : answer.values) {
         json["values"].push_back(jsonOfValue(value));
     }
     return json;
 }
 
-std::uint32_t readCount(const Value& value) {
-    return static_cast<std::uint32_t>(value.integer(0, std::numeric_limits<std::uint32_t>::max()));
+std::uint32_t readCount(const Json& json) {
+    return numberIn(json, 0U, std::numeric_limits<std::uint32_t>::max());
 }
 
-/// A text or its bytes.
-std::string readText(const Value& value) {
-    if (!value.json().is_array()) return value.text();
-    std::string text;
-    for (const Value& byte : value.elements()) {
-        text.push_back(static_cast<char>(byte.integer(0, 255)));
-    }
-    return text;
-}
-
-float readValue(const Value& value) {
-    constexpr double most = std::numeric_limits<double>::max();
-    if (!value.json().is_string()) return static_cast<float>(value.number(-most, most));
+float readValue(const Json& json) {
+    if (!json.is_string()) return json.get<float>();
     for (const float special : {std::numeric_limits<float>::infinity(), -std::numeric_limits<float>::infinity(),
                                 std::numeric_limits<float>::quiet_NaN()}) {
-        if (value.json() == jsonOfValue(special)) return special;
+        if (json == jsonOfValue(special)) return special;
     }
-    value.fail(value.shown() + " is neither a number nor \"inf\", \"-inf\" or \"nan\"");
+    throw ValueError(json, R"(must be a number, "inf", "-inf" or "nan")");
 }
 
-void readValues(const Value& value, Outputs& outputs) {
-    for (const Value& element : value.elements()) {
-        outputs.values.push_back(readValue(element));
-    }
-}
-
-void readDevices(const Value& value, Outputs& outputs) {
-    outputs.devices.emplace();
-    for (const Value& element : value.elements()) {
-        outputs.devices->push_back(element.text());
+void readValues(const Json& json, Answer& answer) {
+    for (const Json& element : elementsOf(json)) {
+        answer.values.push_back(readValue(element));
     }
 }
 
-const std::vector<Field<Outputs>> outputsFields{
-    {"count", [](const Value& value, Outputs& outputs) { outputs.count = readCount(value); }},
-    {"devices", readDevices},
-    {"size", [](const Value& value, Outputs& outputs) { outputs.size = readCount(value); }},
-    {"text", [](const Value& value, Outputs& outputs) { outputs.text = readText(value); }},
-    {"terminated", [](const Value& value, Outputs& outputs) { outputs.isTerminated = value.truth(); }},
+const std::vector<Field<Answer>> outputFields{
+    {"count", [](const Json& json, Answer& answer) { answer.count = readCount(json); }},
+    {"devices", [](const Json& json, Answer& answer) { answer.devices = json.get<std::vector<std::string>>(); }},
+    {"size", [](const Json& json, Answer& answer) { answer.size = readCount(json); }},
+    {"text", [](const Json& json, Answer& answer) { answer.text = textOf(json); }},
+    {"terminated", [](const Json& json, Answer& answer) { answer.isTerminated = json.get<bool>(); }},
     {"values", readValues},
 };
 
-void readResult(const Value& value, TracedCall& call) {
-    call.reply.result = static_cast<std::int32_t>(
-        value.integer(std::numeric_limits<std::int32_t>::min(), std::numeric_limits<std::int32_t>::max()));
+void readResult(const Json& json, TracedCall& line) {
+    using Limits = std::numeric_limits<std::int32_t>;
+    line.answer.result = numberIn(json, Limits::min(), Limits::max());
 }
 
-void ignore(const Value& /*value*/, TracedCall& /*call*/) {}
+void ignore(const Json& /*json*/, TracedCall& /*line*/) {}
 
 const std::vector<Field<TracedCall>> callFields{
     {"call", ignore},
     {"time", ignore},
     {"microseconds", ignore},
-    {"function", [](const Value& value, TracedCall& call) { call.function = value.text(); }},
-    {"arguments", [](const Value& value, TracedCall& call) { call.arguments = value.json(); }},
+    {"function", [](const Json& json, TracedCall& line) { line.call.function = functionNamed(json); }},
+    {"arguments", [](const Json& json, TracedCall& line) { line.call.arguments = membersOf(json); }},
     {"result", readResult},
-    {"exception", [](const Value& value, TracedCall& call) { call.reply.exception = readText(value); }},
-    {"outputs", [](const Value& value, TracedCall& call) { readMembers(value, outputsFields, call.reply.outputs); }},
+    {"exception", [](const Json& json, TracedCall& line) { line.answer.exception = textOf(json); }},
+    {"outputs", [](const Json& json, TracedCall& line) { readMembers(json, outputFields, line.answer); }},
 };
 
-void expectHeading(const Value& line) {
-    const Json& json = line.json();
-    if (!json.is_object() || !json.contains("trace") || json["trace"] != version) {
-        line.fail("this is no trace: the first line of one begins with {\"trace\":1");
+/// Expects outputs that the function hands out, and as many as it says.
+void expectRightOutputs(const Json& json, const Call& call, const Answer& answer) {
+    const bool hasList = takes(call.function, "list");
+    const bool hasBuffer = takes(call.function, "buffer");
+    if (((answer.count || answer.devices) && !hasList) || ((answer.size || answer.text) && !hasBuffer)) {
+        throw ValueError(json, fmt::format("{} has other outputs", signatureOf(call.function).name));
+    }
+    const std::size_t expected = numberOfValues(call.function);
+    if (!answer.values.empty() && answer.values.size() != expected) {
+        throw ValueError(json, fmt::format("{} values; expected {}", answer.values.size(), expected));
+    }
+    const bool hasDevices = answer.devices && !answer.devices->empty();
+    if (hasDevices && answer.count != answer.devices->size()) {
+        throw ValueError(json, R"("count" is not that of the "devices")");
     }
 }
 
-Function functionOf(const Value& line, const std::string& name) {
-    const Signature* const found = findSignature(name);
-    if (found == nullptr) line.fail(Value::quoted(name) + " is no function of the SDK library");
-    return static_cast<Function>(found - signatures.data());
-}
-
-/// Outputs that the function hands out, and as many as it says.
-void expectRightOutputs(const Value& line, Function function, const Outputs& outputs) {
-    const Signature& signature = signatureOf(function);
-    const bool hasList = takes(signature, Parameter::list);
-    const bool hasBuffer = takes(signature, Parameter::buffer);
-    if (((outputs.count || outputs.devices) && !hasList) || ((outputs.size || outputs.text) && !hasBuffer)) {
-        line.fail(fmt::format("{} does not hand out all of these \"outputs\"", signature.name));
+TracedCall readCall(const Json& json, std::size_t number) {
+    TracedCall line{.line = number};
+    readMembers(json, callFields, line);
+    if (json.contains("result") == json.contains("exception")) {
+        throw ValueError(json, R"(expected either a "result" or an "exception")");
     }
-    const std::size_t expected = valuesOf(function);
-    if (!outputs.values.empty() && outputs.values.size() != expected) {
-        line.fail(fmt::format("there are {} values; {} has {}", outputs.values.size(), signature.name, expected));
-    }
-    const bool hasDevices = outputs.devices && !outputs.devices->empty();
-    if (hasDevices && outputs.count != outputs.devices->size()) line.fail("\"count\" is not that of the \"devices\"");
-}
-
-void expectWhole(const Value& line, const TracedCall& call) {
-    for (const char* const name : {"function", "arguments"}) {
-        if (!line.json().contains(name)) line.fail(fmt::format("the \"{}\" of the call is missing", name));
-    }
-    if (line.json().contains("result") == line.json().contains("exception")) {
-        line.fail("a call has either a \"result\" or an \"exception\"");
-    }
-    expectRightOutputs(line, functionOf(line, call.function), call.reply.outputs);
+    json.at("arguments");
+    expectRightOutputs(json.at("function"), line.call, line.answer);
+    return line;
 }
 
 } // namespace
 
 Trace::Trace(std::filesystem::path file, const std::string& library, bool isSimulated)
     : path(std::move(file)), open(createNumbered(path)) {
-    const bool isWritten = write({{"trace", version},
-                                  {"simulated", isSimulated},
-                                  {"library", jsonOf(library)},
-                                  {"time", textOf(std::chrono::system_clock::now())}});
+    const bool isWritten = writeLine({{"trace", version},
+                                      {"simulated", isSimulated},
+                                      {"library", jsonOf(library)},
+                                      {"time", timestamp(std::chrono::system_clock::now())}});
     if (!isWritten) throw ScriptError("the trace " + path.string() + " can't be written to");
 }
 
-Reply Trace::record(const Request& request, Time begin, const std::function<Reply()>& work) {
-    Reply reply;
-    try {
-        reply = work();
-    } catch (const std::exception& error) {
-        writeCall(request, {.exception = error.what()}, begin);
-        throw;
-    } catch (...) {
-        writeCall(request, {.exception = "an exception of an unknown kind"}, begin);
-        throw;
-    }
-    writeCall(request, reply, begin);
-    return reply;
-}
-
-void Trace::writeCall(const Request& request, const Reply& reply, Time begin) {
+void Trace::write(const Call& call, const Answer& answer, Time begin) {
     const auto took = duration_cast<microseconds>(std::chrono::steady_clock::now() - begin);
     const std::lock_guard<std::mutex> lock(mutex);
     Json line{{"call", ++calls},
-              {"time", textOf(std::chrono::system_clock::now() - took)},
+              {"time", timestamp(std::chrono::system_clock::now() - took)},
               {"microseconds", took.count()},
-              {"function", signatureOf(request.function).name},
-              {"arguments", request.arguments}};
-    if (reply.exception) {
-        line["exception"] = jsonOf(*reply.exception);
+              {"function", signatureOf(call.function).name},
+              {"arguments", call.arguments}};
+    if (answer.exception) {
+        line["exception"] = jsonOf(*answer.exception);
     } else {
-        line["result"] = reply.result;
+        line["result"] = answer.result;
     }
-    if (Json outputs = jsonOfOutputs(reply.outputs); !outputs.is_null()) line["outputs"] = std::move(outputs);
-    write(line);
+    if (Json outputs = outputsOf(answer); !outputs.is_null()) line["outputs"] = std::move(outputs);
+    writeLine(line);
 }
 
 /// Writes a line as a whole: what is left of one that could not be written is taken back, and nothing follows it.
-bool Trace::write(const Json& line) {
+bool Trace::writeLine(const Json& line) {
     if (!open) return false;
     const std::string text = line.dump() + '\n';
     const bool isWritten = std::fwrite(text.data(), 1, text.size(), open.get()) == text.size();
@@ -227,16 +182,19 @@ bool Trace::write(const Json& line) {
 
 Recording readTrace(const std::filesystem::path& path) {
     Recording recording{path.string(), {}};
-    std::istringstream lines(readFile(path));
-    std::string line;
-    std::getline(lines, line);
-    expectHeading(Value::parse(recording.fileName, line));
-    for (std::size_t number = 2; std::getline(lines, line); ++number) {
-        const Value value = Value::parse(recording.fileName, line, number);
-        TracedCall call{.line = number};
-        readMembers(value, callFields, call);
-        expectWhole(value, call);
-        recording.calls.push_back(std::move(call));
+    std::istringstream lines(common::readFile(path));
+    std::string text;
+    for (std::size_t number = 1; std::getline(lines, text) || number == 1; ++number) {
+        const Json json = parseJson(recording.fileName, text, number);
+        try {
+            if (number > 1) {
+                recording.calls.push_back(readCall(json, number));
+            } else if (!json.is_object() || json.value("trace", Json()) != version) {
+                throw ValueError(json, "not a trace; the first line of one begins with {\"trace\":1");
+            }
+        } catch (const Json::exception& error) {
+            throw errorIn(fmt::format("{}, line {}", recording.fileName, number), error);
+        }
     }
     return recording;
 }

@@ -3,7 +3,7 @@
 // Traces: JSON Lines files of the calls of a run, written as they are made, and read to be replayed. The first line
 // tells what was traced, each other line of one call.
 
-#include "simulator/Request.h"
+#include "simulator/Call.h"
 
 #include <chrono>
 #include <cstdio>
@@ -24,16 +24,16 @@ public:
     /// @throws ScriptError  when the file can't be created and written to
     Trace(std::filesystem::path file, const std::string& library, bool isSimulated);
 
-    /// Does what answers a call, and writes a line of it. What the work throws is written, too, and passed on.
-    Reply record(const Request& request, Time begin, const std::function<Reply()>& work);
+    /// Writes the line of a call that was just answered.
+    /// @param begin  when it was made
+    void write(const Call& call, const Answer& answer, Time begin);
 
 private:
     struct Closer {
         void operator()(std::FILE* file) const { std::fclose(file); }
     };
 
-    void writeCall(const Request& request, const Reply& reply, Time begin);
-    bool write(const Json& line);
+    bool writeLine(const Json& line);
 
     std::mutex mutex;
     std::filesystem::path path;
@@ -42,12 +42,11 @@ private:
     std::uint64_t calls = 0;
 };
 
-/// A line of a trace: a call and how it was answered.
+/// A line of a trace: a call and its answer.
 struct TracedCall {
+    Call call{};
+    Answer answer{};
     std::size_t line = 0;
-    std::string function{};
-    Json arguments{};
-    Reply reply{};
 };
 
 struct Recording {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "simulator/Backend.h"
+#include "simulator/Call.h"
 #include "simulator/Instrument.h"
 
 #include <memory>
@@ -8,33 +8,36 @@
 namespace simulator {
 
 /// The simulated instruments, and what the SDK library has beside them.
-class Model : public Backend {
+class Instruments {
 public:
-    explicit Model(LastError& common) : lastError(common) {}
-
-    /// Attaches the instruments of a script in place of the ones before.
+    /// Attaches a script's instruments in place of the ones before.
     /// @param script  read by the instruments for as long as they live
     void attach(const Script& script);
     /// Takes all instruments away.
     void unplug() { isUnplugged = true; }
 
     /// Sees each call, also one that a fault answers: the person at the button presses it again for the next.
-    void notice(const Request& request);
-    Reply answer(const Request& request) override;
+    void notice(const Call& call);
+    Answer answer(const Call& call);
+
+    /// Keeps what a call failed with. That asking for the last failure failed, too, is not kept.
+    void keepError(const Call& call, const Answer& answer);
+    void clearError() { lastError = {}; }
 
 private:
-    Instrument* find(const Request& request) const;
-    Instrument& instrumentOf(const Request& request) const;
-    Reply listDevices() const;
-    Reply globalOption(const Request& request) const;
+    Answer perform(const Call& call);
+    Instrument* find(const Call& call) const;
+    Instrument& instrumentOf(const Call& call) const;
+    Answer listDevices() const;
+    Answer globalOption(const Call& call) const;
     void setGlobalOption(const std::string& key, const std::string& value);
-    Reply tristimulus(const Request& request) const;
-    Reply spectrum(const Request& request) const;
+    Answer tristimulus(const Call& call) const;
+    Answer spectrum(const Call& call) const;
 
-    LastError& lastError;
     const Weights d65TenDegree = parseWeights(d65TenDegreeCsv);
     std::vector<std::unique_ptr<Instrument>> instruments;
     bool isUnplugged = false;
+    ErrorReport lastError;
 };
 
 } // namespace simulator

@@ -1,18 +1,16 @@
 #pragma once
 
+#include "i1pro3/I1PRO3_SDK.h"
+
 #include <array>
-#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace simulator {
 
-/// 380 nm to 730 nm in steps of 10 nm.
-inline constexpr std::size_t wavelengths = 36;
-
-/// Reflectance factors, 1 for a perfect diffuser.
-using Reflectance = std::array<double, wavelengths>;
+/// Reflectance factors, 1 for a perfect diffuser, at the wavelengths of I1PRO3_SDK.h.
+using Reflectance = std::array<double, I1PRO3_NUMBER_OF_REFLECTIONS>;
 
 struct Patch {
     std::string name;
@@ -25,17 +23,17 @@ struct Weight {
     double y;
     double z;
 };
-using Weights = std::array<Weight, wavelengths>;
+using Weights = std::array<Weight, I1PRO3_NUMBER_OF_REFLECTIONS>;
 
-/// The patches of a chart in reading order.
-/// @param csv  a header line with the wavelengths, then a line per patch: its name (without commas) and 36 reflectance
-///             factors from 0 to 2
-/// @throws std::runtime_error  with the line's number and what is wrong
-std::vector<Patch> parseChart(std::string_view csv);
+/// The patches of a chart in reading order, at least one.
+/// @param text  a header line with the wavelengths, then a line per patch: its name and its factors from 0 to 2
+/// @param what  what the text is, as errors tell it: "the chart chart.csv"
+/// @throws common::CsvError
+std::vector<Patch> parseChart(std::string_view text, const std::string& what);
 
-/// @param csv  a header line, then a line per wavelength: its number in nm, x, y, z
-/// @throws std::runtime_error  with the line's number and what is wrong
-Weights parseWeights(std::string_view csv);
+/// @param text  a header line, then a line per wavelength: its number in nm, x, y, z
+/// @throws common::CsvError
+Weights parseWeights(std::string_view text);
 
 /// The ColorChecker Classic chart: 24 patches in four rows of six. Spectral reflectance measured by N. Ohta (1997) and
 /// published by the Munsell Color Science Laboratory; also in ISO 17321-1.
