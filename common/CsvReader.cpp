@@ -1,0 +1,63 @@
+#include "common/CsvReader.h"
+
+#include <algorithm>
+
+namespace common {
+
+namespace {
+
+std::string_view takeUntil(std::string_view& text, char separator) {
+    const std::string_view taken = text.substr(0, text.find(separator));
+    text.remove_prefix(taken.size());
+    return taken;
+}
+
+} // namespace
+
+std::optional<CsvReader::Fields> CsvReader::next() {
+    if (!nextLine()) return std::nullopt;
+    Fields taken{takeField()};
+    while (line.starts_with(',')) {
+        line.remove_prefix(1);
+        taken.push_back(takeField());
+    }
+    if (!line.empty()) fail("text follows a closing quote; write a quote in a name as \"\"");
+    return taken;
+}
+
+void CsvReader::fail(std::string_view what) const {
+    throw CsvError(name + ", line " + std::to_string(number) + ": " + std::string(what));
+}
+
+/// Goes to the next line that is not empty; false at the end.
+bool CsvReader::nextLine() {
+    constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+    if (number == 0 && rest.starts_with(byteOrderMark)) rest.remove_prefix(byteOrderMark.size());
+    do {
+        if (rest.empty()) return false;
+        line = takeUntil(rest, '\n');
+        rest.remove_prefix(std::min<std::size_t>(rest.size(), 1));
+        ++number;
+        if (line.ends_with('\r')) line.remove_suffix(1);
+    } while (line.empty());
+    return true;
+}
+
+std::string CsvReader::takeField() {
+    return line.starts_with('"') ? takeQuoted() : std::string(takeUntil(line, ','));
+}
+
+/// Begins at the opening quote, and at the second of two quotes again.
+std::string CsvReader::takeQuoted() {
+    std::string taken;
+    do {
+        line.remove_prefix(1);
+        taken += takeUntil(line, '"');
+        if (line.empty()) fail("a quote is not closed; end the field with another one");
+        line.remove_prefix(1);
+        if (line.starts_with('"')) taken += '"';
+    } while (line.starts_with('"'));
+    return taken;
+}
+
+} // namespace common

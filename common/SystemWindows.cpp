@@ -1,0 +1,107 @@
+#include "common/System.h"
+#include "platform/win32.h"
+
+#include <array>
+#include <cstdlib>
+#include <fcntl.h>
+#include <io.h>
+#include <string>
+#include <sys/stat.h>
+#include <system_error>
+
+namespace common {
+
+const char* const moduleFileName = "spm_i1pro3.dll";
+const char* const sdkFileName = "i1Pro364.dll";
+
+namespace {
+
+constexpr DWORD longestText = 32'767;
+
+HMODULE handle(void* library) {
+    return static_cast<HMODULE>(library);
+}
+
+/// The path of just this file: the system would add ".dll" to a name without an extension, and refuses slashes.
+std::wstring exactPath(const std::filesystem::path& path) {
+    const std::wstring absolute = std::filesystem::absolute(path).make_preferred().native();
+    return path.has_extension() ? absolute : absolute + L'.';
+}
+
+/// Makes a damaged file an error, for the object's life, where the system would show a dialogue.
+class NoDialogues {
+public:
+    NoDialogues() { SetThreadErrorMode(SEM_FAILCRITICALERRORS, &earlier); }
+    NoDialogues(const NoDialogues&) = delete;
+    NoDialogues& operator=(const NoDialogues&) = delete;
+    ~NoDialogues() { SetThreadErrorMode(earlier, nullptr); }
+
+private:
+    DWORD earlier = 0;
+};
+
+} // namespace
+
+// The libraries that this one needs are looked for beside it and among the system's own: never in the working folder
+// or on the path, where anybody may have put one of the same name.
+SharedLibrary::SharedLibrary(const std::filesystem::path& path) {
+    const NoDialogues quiet;
+    library = LoadLibraryExW(exactPath(path).c_str(), nullptr,
+                             LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_SYSTEM32);
+    if (library != nullptr) return;
+    const auto error = static_cast<int>(GetLastError());
+    throw LoadError(path.string() + ": " + std::system_category().message(error) + " (error " + std::to_string(error) +
+                    ')');
+}
+
+SharedLibrary::~SharedLibrary() {
+    FreeLibrary(handle(library));
+}
+
+void* SharedLibrary::find(const char* name) const {
+    return reinterpret_cast<void*>(GetProcAddress(handle(library), name));
+}
+
+void* SharedLibrary::findInSdk(const char* name) const {
+    HMODULE const sdk = GetModuleHandleA(sdkFileName);
+    return sdk != nullptr ? reinterpret_cast<void*>(GetProcAddress(sdk, name)) : nullptr;
+}
+
+std::filesystem::path fileOf(const void* address) {
+    HMODULE module = nullptr;
+    if (GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+                           static_cast<LPCWSTR>(address), &module) == 0) {
+        return {};
+    }
+    std::wstring file(longestText, L'\0');
+    file.resize(GetModuleFileNameW(module, file.data(), longestText));
+    return file;
+}
+
+void throwForeign(const std::string& /*what*/) {
+    constexpr DWORD visualCppException = 0xE06D7363;
+    static int object = 0;
+    std::array<ULONG_PTR, 4> arguments{0x19930520, reinterpret_cast<ULONG_PTR>(&object), 0, 0};
+    RaiseException(visualCppException, EXCEPTION_NONCONTINUABLE, 4, arguments.data());
+    std::abort(); // not reached
+}
+
+std::filesystem::path programFolder() {
+    return fileOf(reinterpret_cast<const void*>(&programFolder)).parent_path();
+}
+
+std::optional<std::filesystem::path> fileOfEnvironment(const char* variable) {
+    const std::wstring name = std::filesystem::path(variable).native();
+    std::wstring value(longestText, L'\0');
+    value.resize(GetEnvironmentVariableW(name.c_str(), value.data(), longestText));
+    if (value.empty()) return std::nullopt;
+    return value;
+}
+
+std::FILE* createFile(const std::filesystem::path& path) {
+    const int file =
+        _wopen(path.c_str(), _O_CREAT | _O_EXCL | _O_WRONLY | _O_BINARY | _O_NOINHERIT, _S_IREAD | _S_IWRITE);
+    return file >= 0 ? _fdopen(file, "wb") : nullptr;
+}
+
+} // namespace common

@@ -1,0 +1,66 @@
+#include "spm/Console.h"
+
+#include <array>
+#include <csignal>
+#include <poll.h>
+#include <unistd.h>
+
+namespace spm {
+
+namespace {
+
+struct CaughtSignal {
+    int signal;
+    struct sigaction earlier {};
+};
+std::array<CaughtSignal, 3> caught{{{SIGINT}, {SIGTERM}, {SIGHUP}}};
+
+} // namespace
+
+std::vector<std::string> arguments(int argc, const char* const* argv) {
+    return {argv + 1, argv + argc};
+}
+
+bool isTerminal(std::FILE* stream) {
+    return isatty(fileno(stream)) == 1;
+}
+
+void catchEnd(void (*handler)(int)) {
+    for (CaughtSignal& each : caught) {
+        struct sigaction action {};
+        action.sa_handler = handler;
+        action.sa_flags = static_cast<int>(SA_RESETHAND);
+        sigaction(each.signal, nullptr, &each.earlier);
+        if (each.earlier.sa_handler != SIG_IGN) sigaction(each.signal, &action, nullptr);
+    }
+}
+
+void releaseEnd() {
+    for (const CaughtSignal& each : caught) {
+        sigaction(each.signal, &each.earlier, nullptr);
+    }
+}
+
+void waitForInput(bool (*hasCome)()) {
+    sigset_t signals;
+    sigset_t earlier;
+    sigemptyset(&signals);
+    for (const CaughtSignal& each : caught) {
+        sigaddset(&signals, each.signal);
+    }
+    // A signal that comes after the look at it stays pending until ppoll lets it in, and ends that.
+    pthread_sigmask(SIG_BLOCK, &signals, &earlier);
+    pollfd input{STDIN_FILENO, POLLIN, 0};
+    if (!hasCome()) ppoll(&input, 1, nullptr, &earlier);
+    pthread_sigmask(SIG_SETMASK, &earlier, nullptr);
+}
+
+void prepareStreams() {
+    std::signal(SIGPIPE, SIG_IGN);
+}
+
+bool isColourConsole() {
+    return false;
+}
+
+} // namespace spm

@@ -1,0 +1,77 @@
+#include "spm/Instrument.h"
+
+#include "spm/Error.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace spm {
+
+void ErrorListener::HandleMessage(ICAPLoggingSource* /*source*/, const ICAPLoggingMessage& message) {
+    last = message.GetText();
+    if (!message.GetDetail().empty()) last += "; " + message.GetDetail();
+}
+
+std::string ErrorListener::take(const std::string& otherwise) {
+    const std::string text = std::exchange(last, {});
+    return text.empty() ? otherwise : text;
+}
+
+Instrument::Instrument(const Module& loaded) : module(loaded), handle(loaded.create()) {
+    if (handle == nullptr) throw Error("the module could not be started: out of memory");
+    handle->AddListener(&listener);
+    if (module.open(handle, "USB")) return;
+    const std::string reason = listener.take("");
+    module.destroy(handle);
+    if (reason.empty()) throw Error("no instrument was found", "connect one by USB and try again");
+    throw Error("the instrument could not be opened: " + reason);
+}
+
+Instrument::~Instrument() {
+    module.close(handle);
+    module.destroy(handle);
+}
+
+void Instrument::calibrate(const Wait& wait) {
+    SPM_CALIBRATION dialogue{};
+    dialogue.step = SPM_STEP_BEGIN;
+    module.calibrate(handle, &dialogue);
+    while (dialogue.step == SPM_STEP_CONTINUE) {
+        wait();
+        module.calibrate(handle, &dialogue);
+    }
+    if (dialogue.step != SPM_STEP_DONE) {
+        throw Error("calibrating failed: " + listener.take("the connection to the instrument was lost"));
+    }
+}
+
+std::vector<SPM_LAB> Instrument::read(std::int32_t patches, const Wait& wait) {
+    std::vector<SPM_LAB> values(static_cast<std::size_t>(patches));
+    const auto read = [&](std::int32_t* count) { return module.read(handle, values.data(), count); };
+    values.resize(static_cast<std::size_t>(poll(read, patches, wait)));
+    return values;
+}
+
+std::vector<Instrument::Spectrum> Instrument::readSpectra(std::int32_t patches, const Wait& wait) {
+    const auto points = static_cast<std::size_t>(module.getNumberOfReflections(handle));
+    std::vector<Spectrum> spectra(static_cast<std::size_t>(patches), Spectrum(points));
+    std::vector<SPM_SPECTRUM> records(spectra.size());
+    std::transform(spectra.begin(), spectra.end(), records.begin(), [](Spectrum& spectrum) {
+        return SPM_SPECTRUM{static_cast<std::int32_t>(spectrum.size()), spectrum.data()};
+    });
+    const auto read = [&](std::int32_t* count) { return module.readSpectrum(handle, records.data(), count); };
+    spectra.resize(static_cast<std::size_t>(poll(read, patches, wait)));
+    return spectra;
+}
+
+std::int32_t Instrument::poll(const std::function<bool(std::int32_t*)>& read, std::int32_t patches, const Wait& wait) {
+    for (;;) {
+        std::int32_t count = patches;
+        if (!read(&count)) throw Error("measuring failed: " + listener.take("the module gave no reason"));
+        if (count > 0) return count;
+        if (!module.isOpened(handle)) throw Error("measuring failed: the instrument is not open");
+        wait();
+    }
+}
+
+} // namespace spm

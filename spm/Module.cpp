@@ -1,0 +1,49 @@
+#include "spm/Module.h"
+
+#include "spm/Error.h"
+
+namespace spm {
+
+template <class Function>
+Function Module::find(const char* name) const {
+    void* const address = library.find(name);
+    if (address == nullptr) throw Error(file.string() + " is not a spectrophotometer module: it has no " + name);
+    return reinterpret_cast<Function>(address);
+}
+
+namespace {
+
+common::SharedLibrary load(const std::filesystem::path& path) try {
+    return common::SharedLibrary(path);
+} catch (const common::LoadError& error) {
+    throw Error("can't load the module " + std::string(error.what()),
+                "name another one with --module, or see what \"spm doctor\" finds");
+}
+
+} // namespace
+
+std::filesystem::path defaultModule() {
+    std::filesystem::path beside = common::programFolder() / common::moduleFileName;
+    if (std::filesystem::exists(beside)) return beside;
+    return (common::programFolder() / SPM_INSTALLED_MODULE_FOLDER / common::moduleFileName).lexically_normal();
+}
+
+// The type is that of the function: it must be that of the member, the pointer type in SPM.h.
+#define FIND(name) name(find<decltype(&SPM_##name)>("SPM_" #name))
+
+Module::Module(const std::filesystem::path& path)
+    : file(path), library(load(path)), FIND(create), FIND(destroy), FIND(open), FIND(close), FIND(isOpened),
+      FIND(calibrate), FIND(isCalibrated), FIND(getStatus), FIND(getNumberOfReflections), FIND(read),
+      FIND(readSpectrum), FIND(setOptions), FIND(getOptionMasks), FIND(getVersion), FIND(getMinorVersion),
+      FIND(getType) {}
+
+#undef FIND
+
+std::string Module::simulation() const {
+    using Description = const char* (*)();
+    const auto description = reinterpret_cast<Description>(findInSdk("I1PRO3_SimulatorDescription"));
+    const char* const text = description != nullptr ? description() : nullptr;
+    return text != nullptr ? text : "";
+}
+
+} // namespace spm

@@ -1,0 +1,10 @@
+#pragma once
+
+#include <span>
+
+namespace spm {
+
+/// The names of the functions that the module needs of the vendor's library.
+extern const std::span<const char* const> sdkFunctions;
+
+} // namespace spm

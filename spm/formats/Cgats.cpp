@@ -1,0 +1,131 @@
+#include "spm/formats/Formats.h"
+
+#include <algorithm>
+#include <fmt/format.h>
+#include <iterator>
+
+namespace spm {
+
+namespace {
+
+/// The columns of values that a reading has, and so its table.
+struct Columns {
+    bool lab = false;
+    std::vector<std::int32_t> wavelengths{};
+
+    bool operator==(const Columns&) const = default;
+    std::size_t size() const { return (lab ? 3 : 0) + wavelengths.size(); }
+};
+
+Columns columnsOf(const Reading& reading) {
+    Columns columns{reading.lab.has_value()};
+    std::transform(reading.spectrum.begin(), reading.spectrum.end(), std::back_inserter(columns.wavelengths),
+                   [](const SPM_REFLECTION& point) { return point.wavelength; });
+    std::sort(columns.wavelengths.begin(), columns.wavelengths.end());
+    return columns;
+}
+
+/// The columns of each table: the widest first, since there are programs that read the first alone.
+std::vector<Columns> tablesOf(const Run& run) {
+    std::vector<Columns> tables;
+    for (const Reading& reading : run.readings) {
+        Columns columns = columnsOf(reading);
+        if (std::find(tables.begin(), tables.end(), columns) == tables.end()) tables.push_back(std::move(columns));
+    }
+    std::stable_sort(tables.begin(), tables.end(),
+                     [](const Columns& one, const Columns& other) { return one.size() > other.size(); });
+    return tables;
+}
+
+std::string quoted(std::string text) {
+    if (text.empty()) text = "-"; // there are readers that take an empty text for the one before it
+    for (char& character : text) {
+        const auto code = static_cast<unsigned char>(character);
+        if (character == '"') character = '\'';
+        if (code < 0x20 || code == 0x7F) character = ' ';
+    }
+    return '"' + text + '"';
+}
+
+std::string line(std::string_view keyword, const std::string& text) {
+    return fmt::format("{}\t{}\n", keyword, quoted(text));
+}
+
+/// A keyword that is not the standard's must be declared.
+std::string ownLine(const std::string& keyword, std::string_view text) {
+    return line("KEYWORD", keyword) + line(keyword, std::string(text));
+}
+
+std::string descriptor(const Run& run, std::size_t patches) {
+    const std::string arrangement = run.patchesInRow > 0 ? fmt::format(" in rows of {}", run.patchesInRow) : "";
+    const std::size_t all = run.readings.size();
+    if (patches == all) return fmt::format("patches: {}{}", all, arrangement);
+    return fmt::format("patches: {} of {}{}; those with other values stand in tables of their own", patches, all,
+                       arrangement);
+}
+
+std::string instrumentation(const Run& run) {
+    const std::string source = run.simulation.empty() ? "" : fmt::format("simulated: {}; ", run.simulation);
+    return fmt::format("{}module {}, version {}", source, run.module, run.version);
+}
+
+std::string header(const Run& run, const Columns& columns, std::size_t patches) {
+    std::string text = "CGATS.17\n";
+    text += line("ORIGINATOR", "spm");
+    text += line("FILE_DESCRIPTOR", "Measured colours");
+    text += line("DESCRIPTOR", descriptor(run, patches));
+    text += line("CREATED", run.started);
+    text += line("INSTRUMENTATION", instrumentation(run));
+    if (columns.lab) {
+        text += line("WEIGHTING_FUNCTION", fmt::format("ILLUMINANT, {}", illuminant));
+        text += line("WEIGHTING_FUNCTION", fmt::format("OBSERVER, {}", observer));
+        text += ownLine("ILLUMINATION_NAME", illuminant);
+        text += ownLine("OBSERVER_ANGLE", observer.substr(0, observer.find(' ')));
+    }
+    if (!columns.wavelengths.empty()) text += ownLine("SPECTRAL_NORM", "1.0");
+    return text;
+}
+
+std::string format(const Columns& columns) {
+    std::string text = "SAMPLE_ID\tSAMPLE_NAME";
+    if (columns.lab) text += "\tLAB_L\tLAB_A\tLAB_B";
+    for (const std::int32_t wavelength : columns.wavelengths) {
+        text += fmt::format("\tSPECTRAL_NM{}", wavelength);
+    }
+    return text + '\n';
+}
+
+std::string dataLine(std::size_t id, const Reading& reading, const Columns& columns) {
+    std::string text = fmt::format("{}\t{}", id, quoted(reading.name));
+    if (reading.lab) text += fmt::format("\t{:.4f}\t{:.4f}\t{:.4f}", reading.lab->L, reading.lab->a, reading.lab->b);
+    for (const std::int32_t wavelength : columns.wavelengths) {
+        text += fmt::format("\t{:.6f}", static_cast<double>(reflectance(reading, wavelength).value()) / 100);
+    }
+    return text + '\n';
+}
+
+std::string table(const Run& run, const Columns& columns) {
+    std::string lines;
+    std::size_t patches = 0;
+    for (std::size_t i = 0; i < run.readings.size(); ++i) {
+        if (columnsOf(run.readings[i]) != columns) continue;
+        lines += dataLine(i + 1, run.readings[i], columns);
+        ++patches;
+    }
+    return header(run, columns, patches) + fmt::format("NUMBER_OF_FIELDS\t{}\n", 2 + columns.size()) +
+           fmt::format("BEGIN_DATA_FORMAT\n{}END_DATA_FORMAT\n", format(columns)) +
+           fmt::format("NUMBER_OF_SETS\t{}\nBEGIN_DATA\n{}END_DATA\n", patches, lines);
+}
+
+} // namespace
+
+std::string formatCgats(const Run& run) {
+    requireValues(run);
+    std::string text;
+    for (const Columns& columns : tablesOf(run)) {
+        text += table(run, columns);
+    }
+    return text;
+}
+
+} // namespace spm

@@ -1,0 +1,54 @@
+#include "spm/formats/Formats.h"
+
+#include <fmt/format.h>
+
+namespace spm {
+
+namespace {
+
+std::string field(const std::string& text) {
+    if (text.find_first_of("\",\r\n") == std::string::npos) return text;
+    std::string quoted = "\"";
+    for (const char character : text) {
+        quoted += character;
+        if (character == '"') quoted += character;
+    }
+    return quoted + '"';
+}
+
+std::string numberAfterComma(float value) {
+    return fmt::format(",{:.4f}", value);
+}
+
+std::string labFields(const Reading& reading) {
+    if (!reading.lab) return ",,,";
+    return numberAfterComma(reading.lab->L) + numberAfterComma(reading.lab->a) + numberAfterComma(reading.lab->b);
+}
+
+} // namespace
+
+std::string formatCsv(const Run& run) {
+    requireValues(run);
+    const bool withLab = hasLab(run);
+    const std::set<std::int32_t> columns = wavelengths(run);
+    std::string text = withLab ? "name,L*,a*,b*" : "name";
+    for (const std::int32_t wavelength : columns) {
+        text += fmt::format(",nm{}_percent", wavelength);
+    }
+    text += withLab ? ",illuminant,observer,simulated\n" : ",simulated\n";
+
+    const std::string conditions = (withLab ? fmt::format(",{},{},", illuminant, observer) : ",") +
+                                   (run.simulation.empty() ? "no" : field(run.simulation)) + '\n';
+    for (const Reading& reading : run.readings) {
+        text += field(reading.name);
+        if (withLab) text += labFields(reading);
+        for (const std::int32_t wavelength : columns) {
+            const std::optional<float> value = reflectance(reading, wavelength);
+            text += value ? numberAfterComma(*value) : ",";
+        }
+        text += conditions;
+    }
+    return text;
+}
+
+} // namespace spm

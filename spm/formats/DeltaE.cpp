@@ -1,0 +1,107 @@
+#include "spm/formats/DeltaE.h"
+
+#include <cmath>
+#include <numbers>
+
+// Step by step as in Sharma, Wu and Dalal, Color Research and Application 30 (2005), 21-30. Angles are in degrees.
+
+namespace spm {
+
+namespace {
+
+constexpr double radians = std::numbers::pi / 180;
+
+double cosine(double degrees) {
+    return std::cos(degrees * radians);
+}
+
+double sine(double degrees) {
+    return std::sin(degrees * radians);
+}
+
+/// A colour with a* stretched: L', C' and h', the hue from 0 to 360. Whatever hue a grey has, it has no effect: its
+/// chroma, 0, is a factor of the hue difference.
+struct Colour {
+    double lightness;
+    double chroma;
+    double hue;
+};
+
+/// Near 0 for greys, near 1 for saturated colours.
+double saturation(double chroma) {
+    constexpr double pow25To7 = 6103515625;
+    const double power = std::pow(chroma, 7);
+    return std::sqrt(power / (power + pow25To7));
+}
+
+double chromaOf(const SPM_LAB& lab) {
+    return std::hypot(static_cast<double>(lab.a), static_cast<double>(lab.b));
+}
+
+double hueOf(double a, double b) {
+    const double hue = std::atan2(b, a) / radians;
+    return hue < 0 ? hue + 360 : hue;
+}
+
+Colour stretched(const SPM_LAB& lab, double factor) {
+    const double a = factor * static_cast<double>(lab.a);
+    const auto b = static_cast<double>(lab.b);
+    return {static_cast<double>(lab.L), std::hypot(a, b), hueOf(a, b)};
+}
+
+/// Whether the shorter way between the hues goes through 0. What rounding makes of opposite hues must not decide.
+bool isThroughZero(const Colour& sample, const Colour& reference) {
+    return std::abs(sample.hue - reference.hue) > 180 + 1e-9;
+}
+
+double hueDifference(const Colour& sample, const Colour& reference) {
+    const double difference = sample.hue - reference.hue;
+    if (!isThroughZero(sample, reference)) return difference;
+    return difference > 0 ? difference - 360 : difference + 360;
+}
+
+double meanHue(const Colour& sample, const Colour& reference) {
+    const double sum = sample.hue + reference.hue;
+    if (!isThroughZero(sample, reference)) return sum / 2;
+    return sum < 360 ? (sum + 360) / 2 : (sum - 360) / 2;
+}
+
+double lightnessWeight(double lightness) {
+    const double square = (lightness - 50) * (lightness - 50);
+    return 1 + 0.015 * square / std::sqrt(20 + square);
+}
+
+double hueWeight(double chroma, double hue) {
+    const double t =
+        1 - 0.17 * cosine(hue - 30) + 0.24 * cosine(2 * hue) + 0.32 * cosine(3 * hue + 6) - 0.20 * cosine(4 * hue - 63);
+    return 1 + 0.015 * chroma * t;
+}
+
+/// How far chroma and hue differences depend on each other: in blue.
+double rotation(double chroma, double hue) {
+    const double distance = (hue - 275) / 25;
+    const double angle = 30 * std::exp(-distance * distance);
+    return -sine(2 * angle) * 2 * saturation(chroma);
+}
+
+double deltaE(const Colour& sample, const Colour& reference) {
+    const double lightness = (sample.lightness + reference.lightness) / 2;
+    const double chroma = (sample.chroma + reference.chroma) / 2;
+    const double hue = meanHue(sample, reference);
+
+    const double deltaHue =
+        2 * std::sqrt(sample.chroma * reference.chroma) * sine(hueDifference(sample, reference) / 2);
+    const double l = (sample.lightness - reference.lightness) / lightnessWeight(lightness);
+    const double c = (sample.chroma - reference.chroma) / (1 + 0.045 * chroma);
+    const double h = deltaHue / hueWeight(chroma, hue);
+    return std::sqrt(l * l + c * c + h * h + rotation(chroma, hue) * c * h);
+}
+
+} // namespace
+
+double deltaE2000(const SPM_LAB& sample, const SPM_LAB& reference) {
+    const double factor = 1 + 0.5 * (1 - saturation((chromaOf(sample) + chromaOf(reference)) / 2));
+    return deltaE(stretched(sample, factor), stretched(reference, factor));
+}
+
+} // namespace spm

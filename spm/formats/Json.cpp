@@ -1,0 +1,37 @@
+#include "spm/formats/Formats.h"
+
+#include <nlohmann/json.hpp>
+
+namespace spm {
+
+namespace {
+
+/// In the order of insertion, and with the module's float: a double would show digits that were never measured.
+using Json =
+    nlohmann::basic_json<nlohmann::ordered_map, std::vector, std::string, bool, std::int64_t, std::uint64_t, float>;
+
+Json readingJson(const Reading& reading) {
+    Json json{{"name", reading.name}};
+    if (reading.lab) json["lab"] = Json{{"L", reading.lab->L}, {"a", reading.lab->a}, {"b", reading.lab->b}};
+    for (const SPM_REFLECTION& point : reading.spectrum) {
+        json["reflectancePercent"][std::to_string(point.wavelength)] = point.value;
+    }
+    return json;
+}
+
+} // namespace
+
+std::string formatJson(const Run& run) {
+    requireValues(run);
+    Json json{{"started", run.started}, {"module", run.module}, {"version", run.version}};
+    json["simulated"] = run.simulation.empty() ? Json() : Json(run.simulation);
+    json["illuminant"] = hasLab(run) ? Json(illuminant) : Json();
+    json["observer"] = hasLab(run) ? Json(observer) : Json();
+    json["patchesInRow"] = run.patchesInRow;
+    for (const Reading& reading : run.readings) {
+        json["readings"].push_back(readingJson(reading));
+    }
+    return json.dump(2, ' ', false, Json::error_handler_t::replace) + '\n';
+}
+
+} // namespace spm

@@ -1,0 +1,187 @@
+// The page is the template in report.html. Its elements are closed as in XML, so that tools for either can read it;
+// its lines and tints are half transparent: they show on a light ground and on a dark one. Sections that may be left
+// out don't begin on a line of their own, since a blank one would stay.
+
+#include "spm/formats/Report.h"
+
+#include "spm/formats/Swatch.h"
+
+#include <algorithm>
+#include <cmath>
+#include <fmt/format.h>
+#include <kainjow/mustache.hpp>
+
+namespace spm {
+
+namespace {
+
+using kainjow::mustache::data;
+using kainjow::mustache::list;
+using kainjow::mustache::object;
+
+/// What stands for a value that was not measured, or that is no number.
+constexpr const char* noValue = "&#8211;";
+
+std::string escapedCharacter(char character) {
+    switch (character) {
+    case '&':
+        return "&amp;";
+    case '<':
+        return "&lt;";
+    case '>':
+        return "&gt;";
+    case '"':
+        return "&quot;";
+    case '\'':
+        return "&#39;";
+    default:
+        // Control characters are no text in HTML, however they are written.
+        const auto code = static_cast<unsigned char>(character);
+        return {code < ' ' || code == 0x7f ? ' ' : character};
+    }
+}
+
+std::string escaped(const std::string& text) {
+    std::string result;
+    for (const char character : text) {
+        result += escapedCharacter(character);
+    }
+    return result;
+}
+
+bool hasColour(const Reading& reading) {
+    return reading.lab && std::isfinite(reading.lab->L) && std::isfinite(reading.lab->a) &&
+           std::isfinite(reading.lab->b);
+}
+
+std::string colour(const SPM_LAB& lab) {
+    const auto rgb = toSrgb(lab);
+    return fmt::format("#{:02x}{:02x}{:02x}", rgb[0], rgb[1], rgb[2]);
+}
+
+std::string number(float value) {
+    return std::isfinite(value) ? fmt::format("{:.2f}", value) : noValue;
+}
+
+list labOf(const Reading& reading) {
+    list values;
+    for (const auto value : {&SPM_LAB::L, &SPM_LAB::a, &SPM_LAB::b}) {
+        values.push_back(object{{"value", reading.lab ? number((*reading.lab).*value) : noValue}});
+    }
+    return values;
+}
+
+list patchesOf(const Run& run) {
+    list patches;
+    for (const Reading& reading : run.readings) {
+        object patch{{"name", reading.name}, {"lab", labOf(reading)}};
+        if (hasColour(reading)) patch["colour"] = colour(*reading.lab);
+        patches.push_back(patch);
+    }
+    return patches;
+}
+
+/// The drawing's coordinates, in its own units; the template has them, too. It shows at least 380 nm to 730 nm and 0 to
+/// 100 percent.
+class Axes {
+public:
+    explicit Axes(const std::vector<Reading>& readings) {
+        for (const Reading& reading : readings) {
+            for (const SPM_REFLECTION& reflection : reading.spectrum) {
+                extendTo(reflection);
+            }
+        }
+    }
+
+    std::string x(std::int32_t wavelength) const {
+        return fmt::format("{:.1f}", left + width * (wavelength - first) / (last - first));
+    }
+    std::string y(double percent) const {
+        return fmt::format("{:.1f}", bottom - height * std::clamp(percent, 0.0, top) / top);
+    }
+
+    list percents() const {
+        list lines;
+        for (int percent = 0; percent <= top; percent += 20) {
+            lines.push_back(object{{"percent", std::to_string(percent)}, {"y", y(percent)}});
+        }
+        return lines;
+    }
+
+    list wavelengths() const {
+        list lines;
+        for (int wavelength = static_cast<int>(std::ceil(first / 50)) * 50; wavelength <= last; wavelength += 50) {
+            lines.push_back(object{{"wavelength", std::to_string(wavelength)}, {"x", x(wavelength)}});
+        }
+        return lines;
+    }
+
+private:
+    static constexpr double left = 56;
+    static constexpr double bottom = 352;
+    static constexpr double width = 560;
+    static constexpr double height = 320;
+
+    void extendTo(const SPM_REFLECTION& reflection) {
+        // A fluorescent patch gives more than the perfect diffuser; far more is an error that is not to flatten the
+        // other curves.
+        constexpr double highest = 200;
+        first = std::min(first, static_cast<double>(reflection.wavelength));
+        last = std::max(last, static_cast<double>(reflection.wavelength));
+        if (!std::isfinite(reflection.value)) return;
+        top = std::clamp(20 * std::ceil(static_cast<double>(reflection.value) / 20), top, highest);
+    }
+
+    double first = 380;
+    double last = 730;
+    double top = 100;
+};
+
+std::string pointsOf(const Reading& reading, const Axes& axes) {
+    std::string points;
+    for (const SPM_REFLECTION& reflection : reading.spectrum) {
+        if (!std::isfinite(reflection.value)) continue;
+        points += fmt::format("{}{},{}", points.empty() ? "" : " ", axes.x(reflection.wavelength),
+                              axes.y(static_cast<double>(reflection.value)));
+    }
+    return points;
+}
+
+/// Each in the patch's colour, or in the text's when it has none; the template's edge shows light curves on white and
+/// dark ones on black.
+list curvesOf(const std::vector<Reading>& readings, const Axes& axes) {
+    list curves;
+    for (const Reading& reading : readings) {
+        if (reading.spectrum.empty()) continue;
+        curves.push_back(object{{"name", reading.name},
+                                {"stroke", hasColour(reading) ? colour(*reading.lab) : "currentColor"},
+                                {"points", pointsOf(reading, axes)}});
+    }
+    return curves;
+}
+
+} // namespace
+
+std::string htmlReport(const Run& run) {
+    object page{{"title", run.simulation.empty() ? "Measurement" : "Simulated measurement"},
+                {"started", run.started},
+                {"module", run.module},
+                {"version", std::to_string(run.version)},
+                {"illuminant", std::string(illuminant)},
+                {"observer", std::string(observer)},
+                {"patches", patchesOf(run)},
+                {"values", hasLab(run)}};
+    if (!run.simulation.empty()) page["simulation"] = run.simulation;
+    if (run.patchesInRow > 0) page["patchesInRow"] = std::to_string(run.patchesInRow);
+    if (!wavelengths(run).empty()) {
+        const Axes axes(run.readings);
+        page["spectra"] = object{{"percents", axes.percents()},
+                                 {"wavelengths", axes.wavelengths()},
+                                 {"curves", curvesOf(run.readings, axes)}};
+    }
+    kainjow::mustache::mustache view(reportTemplate);
+    view.set_custom_escape(escaped);
+    return view.render(data(page));
+}
+
+} // namespace spm

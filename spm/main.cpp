@@ -1,0 +1,164 @@
+#include "spm/Console.h"
+#include "spm/doctor/Doctor.h"
+#include "spm/Error.h"
+#include "spm/measure/Measure.h"
+#include "spm/measure/OutputFile.h"
+#include "spm/Module.h"
+
+#include <algorithm>
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <cstdlib>
+#include <iostream>
+#include <map>
+#include <sstream>
+
+namespace {
+
+constexpr int failed = EXIT_FAILURE;
+constexpr int wrongUse = 2;
+constexpr int incomplete = 3;
+
+constexpr const char* measureHelp =
+    R"(Calibrates the instrument on its white reference, then measures a chart row by row, or spots one after another. What to
+do, and what goes wrong, is told on standard error; standard output has the values alone.
+
+With an output file, each row is in the file as soon as it was read. When a row fails, it can be measured again or
+skipped. Ctrl-C closes the instrument and keeps what was read.
+
+Exit status:
+  0  all was measured
+  1  something failed; what was read before is written all the same
+  2  the command line is wrong
+  3  rows were skipped, or the measuring was ended with Ctrl-C
+
+Examples:
+  spm measure --rows 4 --patches 6 --chart chart.csv
+  spm measure --lab --spectra --output chart.cgats --report chart.html
+  spm measure --spots 3 --names paper,black,red --format json
+  spm measure --chart chart.csv --reference expected.csv)";
+
+const std::map<std::string, spm::Format> formats{{"table", spm::Format::table},
+                                                 {"csv", spm::Format::csv},
+                                                 {"json", spm::Format::json},
+                                                 {"cgats", spm::Format::cgats}};
+
+constexpr const char* doctorHelp =
+    R"(Looks at everything that measuring needs: the module and the SDK library, the settings and the log file, the instrument
+and its calibration. Tells what is right and what is wrong, and what to do.
+
+Exit status:
+  0  ready to measure
+  1  something is wrong
+  2  the command line is wrong
+
+Examples:
+  spm doctor
+  spm doctor --module /opt/colour/spm_i1pro3.so)";
+
+std::vector<std::string> split(const std::string& names) {
+    std::vector<std::string> all;
+    std::istringstream stream(names);
+    for (std::string name; std::getline(stream, name, ',');) {
+        all.push_back(name);
+    }
+    return all;
+}
+
+CLI::Option* addFile(CLI::App& command, const char* name, std::filesystem::path& path, const char* text) {
+    const auto take = [&path, name](const std::string& given) {
+        if (given.empty()) throw CLI::ValidationError(name, "names no file");
+        path = std::u8string(given.begin(), given.end());
+    };
+    return command.add_option_function<std::string>(name, take, text)->option_text("FILE");
+}
+
+void addModule(CLI::App& command, std::filesystem::path& path) {
+    path = spm::defaultModule();
+    addFile(command, "--module", path, "module to load (default: the one beside this program, or installed with it)");
+}
+
+CLI::App* addDoctor(CLI::App& app, std::filesystem::path& module) {
+    CLI::App* const doctor = app.add_subcommand("doctor", "tell what is right and what is wrong with the installation");
+    doctor->footer(doctorHelp);
+    addModule(*doctor, module);
+    return doctor;
+}
+
+void addMeasure(CLI::App& app, spm::MeasureOptions& options) {
+    CLI::App* const measure = app.add_subcommand("measure", "measure a chart or spots");
+    measure->footer(measureHelp);
+    addModule(*measure, options.module);
+    auto* const rows = measure->add_option("--rows", options.rows, "rows of the chart");
+    auto* const patches = measure->add_option("--patches", options.patches, "patches in a row");
+    rows->check(CLI::Range(1, 1000))->option_text("1..1000 (default: 4)");
+    patches->check(CLI::Range(2, 1000))->option_text("2..1000 (default: 6)");
+    measure->add_option("--spots", options.spots, "measure so many spots in place of rows")
+        ->option_text("1..100000")
+        ->check(CLI::Range(1, 100'000))
+        ->excludes(rows)
+        ->excludes(patches);
+    auto* const chart = addFile(*measure, "--chart", options.chart,
+                                "CSV file of the patches: a header line, then lines that begin with a name");
+    measure
+        ->add_option_function<std::string>(
+            "--names", [&options](const std::string& names) { options.names = split(names); },
+            "the patches' names, separated by commas; names with commas stand in a chart file")
+        ->option_text("NAMES")
+        ->excludes(chart);
+    measure->add_flag("--lab", options.lab, "measure CIELab for D65 and 10 degree (the default)");
+    measure->add_flag("--spectra", options.spectra, "measure spectra; with --lab both, in two passes");
+    measure
+        ->add_option_function<std::string>(
+            "--format", [&options](const std::string& name) { options.format = formats.at(name); },
+            "how to write the values (default: as the output file's name ends, otherwise a table)")
+        ->option_text("table|csv|json|cgats")
+        ->check(CLI::IsMember(&formats));
+    addFile(*measure, "--output", options.output, "file to write the values to, in place of standard output");
+    addFile(*measure, "--report", options.report, "HTML page to make of the run");
+    addFile(*measure, "--reference", options.reference,
+            "CSV file of expected values (name, L*, a*, b*) to compare with");
+}
+
+int diagnose(const std::filesystem::path& module) {
+    const std::vector<spm::Finding> findings = spm::examine(module);
+    spm::writeOut(spm::formatFindings(findings, spm::colourDepth(spm::isTerminal(stdout))));
+    return spm::isSound(findings) ? EXIT_SUCCESS : failed;
+}
+
+int run(std::vector<std::string> arguments) {
+    CLI::App app{"spm - measures colour through the spectrophotometer module", "spm"};
+    app.require_subcommand(1);
+    std::filesystem::path module;
+    const CLI::App* const doctor = addDoctor(app, module);
+    spm::MeasureOptions options;
+    addMeasure(app, options);
+    try {
+        std::reverse(arguments.begin(), arguments.end()); // as the parser wants them
+        app.parse(arguments);
+    } catch (const CLI::ParseError& error) {
+        const bool isHelp = app.exit(error) == 0;
+        if (!std::cout.flush()) return failed;
+        return isHelp ? EXIT_SUCCESS : wrongUse;
+    }
+    if (doctor->parsed()) return diagnose(module);
+    return spm::measure(options) == spm::Outcome::complete ? EXIT_SUCCESS : incomplete;
+}
+
+int tell(const std::exception& error, int status) {
+    std::fprintf(stderr, "spm: %s\n", error.what());
+    return status;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    try {
+        spm::prepareStreams();
+        return run(spm::arguments(argc, argv));
+    } catch (const spm::UsageError& error) {
+        return tell(error, wrongUse);
+    } catch (const std::exception& error) {
+        return tell(error, failed);
+    }
+}

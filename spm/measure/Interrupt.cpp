@@ -1,0 +1,37 @@
+#include "spm/measure/Interrupt.h"
+
+#include "spm/Console.h"
+
+#include <csignal>
+
+namespace spm {
+
+namespace {
+
+volatile std::sig_atomic_t isInterrupted = 0;
+
+extern "C" void noteInterrupt(int /*signal*/) {
+    isInterrupted = 1;
+}
+
+} // namespace
+
+InterruptGuard::InterruptGuard() {
+    isInterrupted = 0;
+    catchEnd(noteInterrupt);
+}
+
+InterruptGuard::~InterruptGuard() {
+    releaseEnd();
+}
+
+void InterruptGuard::check() {
+    if (isInterrupted != 0) throw Interrupted();
+}
+
+void InterruptGuard::waitForInput() {
+    spm::waitForInput([] { return isInterrupted != 0; });
+    check();
+}
+
+} // namespace spm

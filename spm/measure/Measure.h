@@ -1,0 +1,43 @@
+#pragma once
+
+#include "spm/formats/Run.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace spm {
+
+enum class Format { byName, table, csv, json, cgats };
+
+/// What to measure, and what to make of it.
+struct MeasureOptions {
+    std::filesystem::path module;
+    /// The patches' names, or a CSV file with a header line and then a line per patch that begins with its name.
+    std::vector<std::string> names;
+    std::filesystem::path chart;
+    std::int32_t rows = 4;
+    std::int32_t patches = 6;
+    /// How many spots to measure in place of rows; 0 for rows.
+    std::int32_t spots = 0;
+    /// When neither is asked for: CIELab.
+    bool lab = false;
+    bool spectra = false;
+    /// Of the output file, or without one of standard output. Not given: as the file's name ends, or a table.
+    Format format = Format::byName;
+    /// Files to write; empty for none.
+    std::filesystem::path output;
+    std::filesystem::path report;
+    /// The expected values of the patches; empty for none.
+    std::filesystem::path reference;
+};
+
+/// Whether all was measured, or something was left out by the person's wish.
+enum class Outcome { complete, incomplete };
+
+/// Calibrates and measures. What was read is written even when something fails later.
+/// @throws Error  when something fails
+Outcome measure(const MeasureOptions& options);
+
+} // namespace spm

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+namespace spm {
+
+/// Replaces an ordinary file, where a link leads to one that one, or makes it: the content is written beside it first,
+/// so that at any time the whole of the earlier or of this content is there.
+/// @throws Error  with the file and the reason
+void replaceFile(const std::filesystem::path& file, const std::string& content);
+
+/// Writes to standard output, at once.
+/// @throws Error  with the reason
+void writeOut(const std::string& text);
+
+/// Looks whether a file can be replaced, without doing it.
+/// @throws Error  like replaceFile
+void requireWritable(const std::filesystem::path& file);
+
+} // namespace spm
