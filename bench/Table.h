@@ -1,36 +1,36 @@
 #pragma once
 
 #include <benchmark/benchmark.h>
-#include <functional>
 #include <map>
 #include <string>
 #include <vector>
 
-namespace bench {
+/// An operation of the module, and the least that could be done in its place.
+struct Row {
+    using Function = void (*)();
 
-/// How much more than the limit a row may cost: as a ratio, or in nanoseconds on top.
-struct Goal {
-    double ratio = 0;
-    double nanoseconds = 0;
-    /// Where there is no goal: how many patches the row's cost is for.
-    int patches = 0;
+    const char* name;
+    Function operation;
+    /// What the operation is compared with; null for nothing.
+    const char* referenceName = nullptr;
+    Function reference = nullptr;
+    /// How many times the reference's time the operation may take.
+    double limit = 0;
 };
 
-/// Registers a row: what the module does, and the limit for it. Both are measured in turns.
-void add(const std::string& row, const Goal& goal, const std::function<void()>& module,
-         const std::function<void()>& limit);
-
-/// Prints a line per row, with the medians of all repetitions.
+/// Measures the operations and references of all rows, and prints the rows with the medians of the repetitions.
 class Table : public benchmark::BenchmarkReporter {
 public:
+    explicit Table(std::vector<Row> rows);
+
     bool ReportContext(const Context& context) override;
     void ReportRuns(const std::vector<Run>& runs) override;
     void Finalize() override;
 
 private:
-    double median(const std::string& name);
+    void print(const Row& row) const;
 
-    std::map<std::string, std::vector<double>> times;
+    std::vector<Row> rows;
+    /// The medians in nanoseconds, by name.
+    std::map<std::string, double> medians;
 };
-
-} // namespace bench

@@ -1,9 +1,10 @@
-// Does one of two things so many times, for counting the instructions that it takes: a row of 24 patches read over an
-// SDK library that does nothing, or a line written to the log through the hub.
-// Use: instructions read|log TIMES
+// Does one thing so many times, for counting the instructions that it takes: reads a row of 24 patches over an SDK
+// library that does nothing, or writes a line to the log through the hub.
+// Use: instructions read|readSpectrum|log TIMES
 
 #include "cap/CAPLoggingFile.h"
 #include "cap/CAPLoggingHandler.h"
+#include "i1pro3/I1PRO3_SDK.h"
 #include "module/SPM.h"
 
 #include <array>
@@ -12,22 +13,37 @@
 
 namespace {
 
-bool readRows(long times) {
+constexpr std::int32_t patches = 24;
+
+/// Reads rows with SPM_read or SPM_readSpectrum.
+template <class Function, class Record>
+bool readRows(Function function, std::array<Record, patches>& records, long times) {
     SPM_HANDLE const handle = SPM_create();
     if (!SPM_open(handle, "USB")) return false;
-    std::array<SPM_LAB, 24> values{};
     for (long i = 0; i < times; ++i) {
-        std::int32_t count = values.size();
-        if (!SPM_read(handle, values.data(), &count) || count != 24) return false;
+        std::int32_t count = patches;
+        if (!function(handle, records.data(), &count) || count != patches) return false;
     }
     SPM_destroy(handle);
     return true;
 }
 
+bool readValues(long times) {
+    std::array<SPM_LAB, patches> values{};
+    return readRows(SPM_read, values, times);
+}
+
+bool readSpectra(long times) {
+    std::array<SPM_REFLECTION, I1PRO3_NUMBER_OF_REFLECTIONS> reflections{};
+    std::array<SPM_SPECTRUM, patches> spectra{};
+    spectra.fill({I1PRO3_NUMBER_OF_REFLECTIONS, reflections.data()});
+    return readRows(SPM_readSpectrum, spectra, times);
+}
+
 bool logLines(long times) {
     CAPLoggingFile file;
     CAPLoggingHandler hub;
-    file.OpenFile("/dev/null", "a");
+    file.OpenFile("instructions.log", "a");
     hub.AddListener(&file);
     for (long i = 0; i < times; ++i) {
         hub.Log(CAPLevel::error, 7, "open[%s] failed", "USB");
@@ -41,7 +57,8 @@ int main(int argc, char** argv) {
     if (argc != 3) return 2;
     const std::string_view what = argv[1];
     const long times = std::strtol(argv[2], nullptr, 10);
-    if (what == "read") return readRows(times) ? 0 : 1;
+    if (what == "read") return readValues(times) ? 0 : 1;
+    if (what == "readSpectrum") return readSpectra(times) ? 0 : 1;
     if (what == "log") return logLines(times) ? 0 : 1;
     return 2;
 }

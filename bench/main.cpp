@@ -1,186 +1,184 @@
-// The module's own cost, each row beside the least that could be done in its place, in the same process and in turns.
-// The module is the built library, over an SDK library that does nothing.
+// What the module's operations cost, each beside the least that it could: the bare calls of the SDK library, one write
+// of the same log line, a line of spdlog's. Both sides run in one process and in turns, so that their ratio hardly
+// depends on the machine. The SDK library does nothing: what is left of a call is the module's own part.
 
-#include "bench/Limits.h"
 #include "bench/Table.h"
-#include "cap/CAPLoggingFile.h"
-#include "cap/CAPLoggingHandler.h"
-#include "host/System.h"
+#include "common/System.h"
+#include "i1pro3/I1PRO3_SDK.h"
+#include "module/IScmSPM.h"
 
 #include <array>
 #include <cstdlib>
+#include <fcntl.h>
 #include <fmt/format.h>
 #include <fstream>
 #include <spdlog/sinks/basic_file_sink.h>
 #include <spdlog/spdlog.h>
+#include <unistd.h>
 
 namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::size_t rowLength = 24;
+void require(bool isMet, const char* what) {
+    if (!isMet) throw std::runtime_error(what);
+}
 
-/// The folder that the bench writes to, removed with the object.
-class Folder {
-public:
-    Folder() : path(fs::temp_directory_path() / fmt::format("spm bench {}", std::rand())) {
-        fs::create_directory(path);
+// Readings of a row of patches
+
+constexpr std::int32_t patches = 24;
+
+SPM_HANDLE instrument = nullptr;
+I1PRO3_DeviceHandle device = nullptr;
+std::array<SPM_LAB, patches> values;
+std::array<std::array<SPM_REFLECTION, I1PRO3_NUMBER_OF_REFLECTIONS>, patches> reflections;
+std::array<SPM_SPECTRUM, patches> spectra;
+
+void prepareReadings() {
+    instrument = SPM_create();
+    require(SPM_open(instrument, "USB"), "SPM_open failed");
+    I1PRO3_DeviceHandle* devices = nullptr;
+    std::uint32_t count = 0;
+    I1PRO3_GetDevices(&devices, &count);
+    device = devices[0];
+    for (std::size_t i = 0; i < spectra.size(); ++i) {
+        spectra[i] = {I1PRO3_NUMBER_OF_REFLECTIONS, reflections[i].data()};
     }
-    Folder(const Folder&) = delete;
-    Folder& operator=(const Folder&) = delete;
-    ~Folder() { fs::remove_all(path); }
+}
 
-    const fs::path path;
-};
+void readValues() {
+    std::int32_t count = patches;
+    require(SPM_read(instrument, values.data(), &count) && count == patches, "SPM_read failed");
+}
 
-/// A listener as a host has it, which does nothing.
+void readSpectra() {
+    std::int32_t count = patches;
+    require(SPM_readSpectrum(instrument, spectra.data(), &count) && count == patches, "SPM_readSpectrum failed");
+}
+
+void callScan() {
+    I1PRO3_GetConnectionStatus(device);
+    I1PRO3_SetOption(device, "RecognitionKey", "RecognitionPositionDark");
+    I1PRO3_SetOption(device, "PatchesPerLine", "24");
+    I1PRO3_SetOption(device, "MeasurementMode", "ReflectanceScan");
+    require(I1PRO3_GetButtonStatusD(device) != I1PRO3_BUTTON_NOT_PRESSED, "the button is not pressed");
+    I1PRO3_TriggerMeasurement(device);
+    require(I1PRO3_GetNumberOfAvailableSamples(device) == patches, "patches are missing");
+}
+
+void callForValues() {
+    callScan();
+    std::array<float, 3> lab{};
+    for (std::int32_t i = 0; i < patches; ++i) {
+        I1PRO3_GetTriStimulus(device, lab.data(), i);
+    }
+}
+
+void callForSpectra() {
+    callScan();
+    std::array<float, I1PRO3_NUMBER_OF_REFLECTIONS> factors{};
+    for (std::int32_t i = 0; i < patches; ++i) {
+        I1PRO3_GetSpectrum(device, factors.data(), i);
+        SPM_REFLECTION* const points = spectra[static_cast<std::size_t>(i)].reflections;
+        for (std::int32_t j = 0; j < I1PRO3_NUMBER_OF_REFLECTIONS; ++j) {
+            points[j] = {I1PRO3_FIRST_WAVELENGTH + I1PRO3_WAVELENGTH_STEP * j,
+                         factors[static_cast<std::size_t>(j)] * 100};
+        }
+    }
+}
+
+// Lines of the log
+
+/// A host's listener: without one the module logs nothing.
 class Listener : public ICAPLoggingListener {
     void HandleMessage(ICAPLoggingSource* /*source*/, const ICAPLoggingMessage& /*message*/) override {}
 };
 
-void useSettings(const fs::path& file, int logging) {
-    std::ofstream(file) << "REGEDIT4\n\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM]\n\"Logging\"=dword:0000000"
-                        << logging << "\n\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM\\xrite i1 Pro3]\n";
+Listener listener;
+SPM_HANDLE logging = nullptr;
+std::string line;
+int file = -1;
+std::shared_ptr<spdlog::logger> logger;
+
+/// Logs a line: closing an object that was never opened does nothing else.
+void logLine() {
+    SPM_close(logging);
 }
 
-/// Room for many patches, of which the host measures some.
-class Patches {
-public:
-    explicit Patches(std::size_t count) : lab(count), points(rowLength), spectra(rowLength) {
-        for (std::size_t i = 0; i < rowLength; ++i) {
-            spectra[i] = {36, points[i].data()};
-        }
-    }
+void writeLine() {
+    require(write(file, line.data(), line.size()) == static_cast<ssize_t>(line.size()), "can't write");
+}
 
-    std::vector<SPM_LAB> lab;
-    std::vector<std::array<SPM_REFLECTION, 36>> points;
-    std::vector<SPM_SPECTRUM> spectra;
+void logLineWithSpdlog() {
+    logger->debug("close");
+}
+
+/// All three logs are in one folder, the module's, for the sake of its file system.
+void prepareLogLines(const fs::path& folder) {
+    logging = SPM_create();
+    logging->AddListener(&listener);
+    logLine();
+    std::ifstream log(folder / "spm_i1pro3.log");
+    for (std::string next; std::getline(log, next);) {
+        line = next + '\n';
+    }
+    require(line.ends_with("M7 D: close\n"), "the module doesn't log");
+
+    file = open((folder / "write.log").c_str(), O_WRONLY | O_CREAT | O_APPEND, 0644);
+    logger = spdlog::basic_logger_st("55D0C8A0", folder / "spdlog.log");
+    logger->set_pattern("%Y-%m-%d %H:%M:%S (UTC%z) [%P:%t:%n] M7 D: %v");
+    logger->set_level(spdlog::level::debug);
+    logger->flush_on(spdlog::level::debug);
+}
+
+// The rest
+
+void createAndDestroy() {
+    SPM_destroy(SPM_create());
+}
+
+void getVersion() {
+    require(SPM_getVersion(nullptr) != 0, "SPM_getVersion failed");
+}
+
+void useSettings(const fs::path& settings, int isLogging) {
+    std::ofstream(settings) << "REGEDIT4\n\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM]\n\"Logging\"=dword:0000000"
+                            << isLogging << '\n';
+}
+
+const std::vector<Row> rows{
+    {"SPM_read, 24 patches", readValues, "its SDK calls", callForValues, 1.1},
+    {"SPM_readSpectrum, 24 patches", readSpectra, "its SDK calls and conversion", callForSpectra, 1.1},
+    {"a log line", logLine, "write(2) of the same line", writeLine, 3},
+    {"a log line", logLine, "spdlog's basic file sink", logLineWithSpdlog, 1.5},
+    {"SPM_create and SPM_destroy", createAndDestroy},
+    {"SPM_getVersion", getVersion},
 };
 
-void addReads(const host::Module& module, const bench::Sdk& sdk, SPM_HANDLE handle, Patches& patches) {
-    const auto read = [&module, handle, &patches](std::int32_t wanted) {
-        std::int32_t count = wanted;
-        module.read(handle, patches.lab.data(), &count);
-    };
-    const auto press = [&sdk](bool isPressed) { sdk.setGlobalOption("Button", isPressed ? "0" : "1001"); };
-    const auto unpressed = [press](const auto& operation) {
-        return [press, operation] {
-            press(false);
-            operation();
-            press(true);
-        };
-    };
-    bench::add(
-        "SPM_read, 24 patches", {.ratio = 1.10}, [read] { read(24); }, [&sdk] { sdk.read(24); });
-    const auto readSpectra = [&module, handle, &patches] {
-        std::int32_t count = rowLength;
-        module.readSpectrum(handle, patches.spectra.data(), &count);
-    };
-    bench::add("SPM_readSpectrum, 24 patches", {.ratio = 1.10}, readSpectra, [&sdk] { sdk.readSpectrum(24); });
-    bench::add("the same, against calls and conversion", {.ratio = 1.10}, readSpectra,
-               [&sdk, &patches] { sdk.readSpectrum(24, patches.spectra.data()); });
-    bench::add("SPM_read, a poll of 24", {.nanoseconds = 30}, unpressed([read] { read(24); }),
-               unpressed([&sdk] { sdk.read(24); }));
-    bench::add(
-        "SPM_read, a spot", {.nanoseconds = 30}, [read] { read(1); }, [&sdk] { sdk.read(1); });
-    for (const int count : {2, 10, 100, 1'000, 10'000, 100'000, 1'000'000}) {
-        bench::add(
-            fmt::format("SPM_read, {} patches", count), {.patches = count}, [read, count] { read(count); },
-            [&sdk, count] { sdk.read(count); });
-    }
-}
-
-void addObjects(const host::Module& module, const fs::path& moduleFile, const fs::path& folder) {
-    const auto pair = [&module](const fs::path& settings) {
-        return [&module, settings] {
-            setenv("SPM_REGISTRY", settings.c_str(), 1);
-            module.destroy(module.create());
-        };
-    };
-    const auto limit = [](const fs::path& settings, const auto& calls) {
-        return [settings, calls] {
-            setenv("SPM_REGISTRY", settings.c_str(), 1);
-            calls();
-        };
-    };
-    const fs::path quiet = folder / "quiet.reg";
-    const fs::path logging = folder / "logging.reg";
-    useSettings(quiet, 0);
-    useSettings(logging, 1);
-    bench::add("SPM_create and SPM_destroy", {.ratio = 1.5}, pair(quiet),
-               limit(quiet, [quiet] { bench::createAndDestroy(quiet); }));
-    bench::add("SPM_create and SPM_destroy, with a log", {.ratio = 1.5}, pair(logging),
-               limit(logging, [logging, folder] { bench::createAndDestroy(logging, folder / "raw.log"); }));
-    bench::add(
-        "SPM_getVersion", {.ratio = 1.5}, [&module] { module.getVersion(nullptr); },
-        [moduleFile] { bench::getVersion(moduleFile); });
-}
-
-/// What is logged: the message of a failure, as the instrument gives it.
-constexpr const char* text = "open[%s] failed";
-
-void addLogLines(const fs::path& folder) {
-    static CAPLoggingFile file;
-    static CAPLoggingHandler hub;
-    static CAPLoggingHandler idleHub;
-    file.OpenFile((folder / "hub.log").c_str(), "a");
-    hub.AddListener(&file);
-    const auto log = [] { hub.Log(CAPLevel::error, 7, text, "USB"); };
-    log();
-    std::string line;
-    std::ifstream written(folder / "hub.log");
-    while (std::getline(written, line) && line.find("open[USB]") == std::string::npos) {
-    }
-    line += '\n';
-
-    static const bench::RawFile raw(folder / "raw.log");
-    bench::add("a log line, against write(2)", {.ratio = 1.25}, log, [line] { raw.write(line); });
-    const auto logger = spdlog::basic_logger_st("bench", (folder / "spdlog.log").string());
-    logger->set_pattern("%Y-%m-%d %H:%M:%S (UTC%z) [%P:%t:%n] M7 E: %v");
-    logger->flush_on(spdlog::level::trace);
-    bench::add("a log line, against spdlog", {.ratio = 1.0}, log,
-               [logger] { logger->error("open[{}] failed", "USB"); });
-    bench::add(
-        "a log call without a listener", {.nanoseconds = 5}, [] { idleHub.Log(CAPLevel::error, 7, text, "USB"); },
-        [] { benchmark::ClobberMemory(); });
-}
-
-int run(int argc, char** argv) {
-    const Folder folder;
-    const fs::path moduleFile = host::programFolder() / "null" / host::moduleFileName;
-    useSettings(folder.path / "quiet.reg", 0);
-    setenv("SPM_REGISTRY", (folder.path / "quiet.reg").c_str(), 1);
-    const host::Module module(moduleFile);
-    const bench::Sdk sdk(module);
-    Patches patches(1'000'000);
-    SPM_HANDLE const handle = module.create();
-    if (!module.open(handle, "USB")) throw std::runtime_error("not open");
-    addReads(module, sdk, handle, patches);
-    addObjects(module, moduleFile, folder.path);
-    addLogLines(folder.path);
-
-    std::vector<std::string> arguments{argv, argv + argc};
-    arguments.insert(arguments.begin() + 1, {"--benchmark_enable_random_interleaving=true",
-                                             "--benchmark_repetitions=11", "--benchmark_min_time=0.02"});
-    std::vector<char*> pointers;
-    for (std::string& argument : arguments) {
-        pointers.push_back(argument.data());
-    }
-    auto count = static_cast<int>(pointers.size());
-    benchmark::Initialize(&count, pointers.data());
-    if (benchmark::ReportUnrecognizedArguments(count, pointers.data())) return 2;
-    bench::Table table;
+void run(const fs::path& folder) {
+    const fs::path settings = folder / "bench.reg";
+    setenv("SPM_REGISTRY", settings.c_str(), 1);
+    useSettings(settings, 1);
+    prepareLogLines(folder);
+    useSettings(settings, 0);
+    prepareReadings();
+    Table table(rows);
     benchmark::RunSpecifiedBenchmarks(&table);
-    module.destroy(handle);
-    fs::remove(fs::path(moduleFile).replace_extension(".log"));
-    return 0;
+    SPM_destroy(instrument);
+    SPM_destroy(logging);
+    for (const char* name : {"bench.reg", "spm_i1pro3.log", "write.log", "spdlog.log"}) {
+        fs::remove(folder / name);
+    }
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
     try {
-        return run(argc, argv);
+        run(common::programFolder());
+        return 0;
     } catch (const std::exception& error) {
         fmt::print(stderr, "bench: {}\n", error.what());
         return 1;
