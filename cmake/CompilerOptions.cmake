@@ -20,4 +20,6 @@ elseif(NOT WIN32)
     # Calls as on Windows: within a library direct, or not at all; to another library without a detour.
     add_compile_options(-fno-semantic-interposition -fno-plt)
     add_link_options(LINKER:--enable-new-dtags)
+    # What is bound is bound at load, and read-only from then on; no stack is executable.
+    add_link_options(LINKER:-z,relro,-z,now,-z,noexecstack)
 endif()

@@ -62,7 +62,7 @@ if(WIN32)
     # The licences of what is linked in, as Debian tells them.
     set(documents /usr/share/doc)
     set(licences_of libcli11-dev:CLI11 libfmt-dev:fmt gcc-mingw-w64-x86-64-posix-runtime:gcc
-        mingw-w64-x86-64-dev:mingw-w64 nlohmann-json3-dev:nlohmann-json)
+        libkainjow-mustache-dev:Mustache mingw-w64-x86-64-dev:mingw-w64 nlohmann-json3-dev:nlohmann-json)
     foreach(licence ${licences_of})
         string(REPLACE ":" ";" licence ${licence})
         list(GET licence 0 debian_package)

@@ -6,8 +6,8 @@ if(NOT CLANG_FORMAT OR NOT CLANG_TIDY)
     return()
 endif()
 
-set(folders cap host i1pro3 loader module platform platform/posix simulator tests tests/boundary tests/host tests/posix
-    tests/support tests/unit tests/windows)
+set(folders cap common i1pro3 module platform platform/posix platform/windows simulator spm spm/doctor spm/formats spm/measure tests tests/boundary tests/posix
+    tests/spm tests/support tests/unit tests/windows)
 list(TRANSFORM folders PREPEND ${PROJECT_SOURCE_DIR}/)
 list(TRANSFORM folders APPEND /*.c OUTPUT_VARIABLE c_sources)
 list(TRANSFORM folders APPEND /*.cpp OUTPUT_VARIABLE cpp_sources)
@@ -18,7 +18,7 @@ file(GLOB only_formatted CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/bench/*.cpp ${P
     ${PROJECT_SOURCE_DIR}/examples/*/*.c ${PROJECT_SOURCE_DIR}/examples/*/*.cpp ${PROJECT_SOURCE_DIR}/examples/*/*.h)
 set(rules ${PROJECT_SOURCE_DIR}/.clang-tidy ${PROJECT_SOURCE_DIR}/tests/.clang-tidy)
 
-set(only_windows "Windows\\.cpp$|/tests/windows/[^/]*$")
+set(only_windows "Windows\\.cpp$|/(platform|tests)/windows/[^/]*$")
 set(analysed ${sources})
 set(target_arguments)
 if(WIN32)

@@ -1,116 +1,112 @@
-// Fails every call of the SDK in a whole measuring run, one in each run, and checks what the host gets: answers,
-// records, counts, messages and log; each time the same object then runs without a failure.
+// A whole measuring run with its exact calls of the SDK; then each call in turn fails, by its result, by an exception,
+// and by one of another compiler. Every run is compared with the one without a fault: answers, counts, filled records
+// and messages; and the same object then runs without a fault.
 
 #include "tests/boundary/ModuleTest.h"
 
 #include <array>
+#include <fmt/format.h>
 
 namespace {
 
-constexpr std::size_t patches = 2;
-
-enum class Report { none, sdkError, sampleCount };
-
-/// A call of the run, and what its failure changes.
-struct Row {
-    std::string call;
-    Texts changed;
-    Report report;
+/// An operation of the run: what it gives when all goes well, when one of its calls fails, and without a connection.
+/// A measurement gives its answer, the count, and for each record whether it was filled.
+struct Operation {
+    std::string name;
+    std::string success;
+    std::string failure;
+    std::string closed;
+    Texts calls; ///< a "!" stands before those whose result decides
 };
 
-const Texts cleanRun{"open: true",         "status: 1",    "begin: 1",     "continue: 4",
-                     "isCalibrated: true", "spot: true 1", "scan: true 2", "spotSpectrum: true 1",
-                     "scanSpectra: true 2"};
-const Texts notOpened{"open: false",         "status: 0",    "begin: 3",     "continue: 3",
-                      "isCalibrated: false", "spot: true 0", "scan: true 0", "spotSpectrum: true 0",
-                      "scanSpectra: true 0"};
-const Texts notCalibrated{"continue: 3",   "isCalibrated: false",   "spot: false 0",
-                          "scan: false 0", "spotSpectrum: false 0", "scanSpectra: false 0"};
+const Texts opening{"!GetDevices",
+                    "!OpenDevice SIM1",
+                    "!SetOption SIM1 Colorimetric.Illumination D65",
+                    "!SetOption SIM1 Colorimetric.Observer TenDegree",
+                    "!SetOption SIM1 ColorSpaceDescription.Type CIELab",
+                    "GetConnectionStatus SIM1",
+                    "!GetOption SIM1 AvailableIlluminationsKey 65000",
+                    "GetConnectionStatus SIM1",
+                    "GetConnectionStatus SIM1"};
+const Texts readingStatus{"GetConnectionStatus SIM1", "!GetOption SIM1 AvailableIlluminationsKey 65000"};
+const Texts calibrating{"GetConnectionStatus SIM1", "GetButtonStatusD SIM1", "!SetOption SIM1 PrecisionCalibration 1",
+                        "!SetOption SIM1 MeasurementMode ReflectanceSpot", "!Calibrate SIM1"};
+const Texts asking{"GetConnectionStatus SIM1", "!SetOption SIM1 MeasurementMode ReflectanceSpot",
+                   "TriggerMeasurement SIM1"};
+const Texts spot{"GetConnectionStatus SIM1", "!SetOption SIM1 MeasurementMode ReflectanceSpot", "GetButtonStatusD SIM1",
+                 "!TriggerMeasurement SIM1", "!GetTriStimulus SIM1 0"};
+const Texts scan{"GetConnectionStatus SIM1",
+                 "!SetOption SIM1 RecognitionKey RecognitionPositionDark",
+                 "!SetOption SIM1 PatchesPerLine 2",
+                 "!SetOption SIM1 MeasurementMode ReflectanceScan",
+                 "GetButtonStatusD SIM1",
+                 "!TriggerMeasurement SIM1",
+                 "!GetNumberOfAvailableSamples SIM1",
+                 "!GetSpectrum SIM1 0",
+                 "!GetSpectrum SIM1 1"};
+const Texts closing{"GetConnectionStatus SIM1", "CloseDevice SIM1", "SetGlobalOption Reset All"};
 
-// clang-format off
-const std::vector<Row> rows{
-    {"GetDevices", notOpened, Report::sdkError},
-    {"OpenDevice SIM1", notOpened, Report::sdkError},
-    {"SetOption SIM1 Colorimetric.Illumination D65", notOpened, Report::sdkError},
-    {"SetOption SIM1 Colorimetric.Observer TenDegree", notOpened, Report::sdkError},
-    {"SetOption SIM1 ColorSpaceDescription.Type CIELab", notOpened, Report::sdkError},
-    {"GetConnectionStatus SIM1", {}, Report::none},
-    {"GetOption SIM1 AvailableIlluminationsKey 65000", notOpened, Report::sdkError},
-    {"GetConnectionStatus SIM1", {}, Report::none},
-    {"GetConnectionStatus SIM1", {}, Report::none},
-    // status
-    {"GetConnectionStatus SIM1", {}, Report::none},
-    {"GetOption SIM1 AvailableIlluminationsKey 65000", {"status: 0"}, Report::none},
-    // begin
-    {"GetConnectionStatus SIM1", {}, Report::none},
-    // continue
-    {"GetConnectionStatus SIM1", {}, Report::none},
-    {"GetButtonStatusD SIM1", {}, Report::none},
-    {"SetOption SIM1 PrecisionCalibration 1", notCalibrated, Report::sdkError},
-    {"SetOption SIM1 MeasurementMode ReflectanceSpot", notCalibrated, Report::sdkError},
-    {"Calibrate SIM1", notCalibrated, Report::sdkError},
-    // isCalibrated
-    {"GetConnectionStatus SIM1", {}, Report::none},
-    {"SetOption SIM1 MeasurementMode ReflectanceSpot", {"isCalibrated: false"}, Report::none},
-    {"TriggerMeasurement SIM1", {}, Report::none},
-    // spot
-    {"GetConnectionStatus SIM1", {}, Report::none},
-    {"SetOption SIM1 MeasurementMode ReflectanceSpot", {"spot: false 0"}, Report::sdkError},
-    {"GetButtonStatusD SIM1", {}, Report::none},
-    {"TriggerMeasurement SIM1", {"spot: false 0"}, Report::sdkError},
-    {"GetTriStimulus SIM1 0", {"spot: false 0"}, Report::sdkError},
-    // scan
-    {"GetConnectionStatus SIM1", {}, Report::none},
-    {"SetOption SIM1 RecognitionKey RecognitionPositionDark", {"scan: false 0"}, Report::sdkError},
-    {"SetOption SIM1 PatchesPerLine 2", {"scan: false 0"}, Report::sdkError},
-    {"SetOption SIM1 MeasurementMode ReflectanceScan", {"scan: false 0"}, Report::sdkError},
-    {"GetButtonStatusD SIM1", {}, Report::none},
-    {"TriggerMeasurement SIM1", {"scan: false 0"}, Report::sdkError},
-    {"GetNumberOfAvailableSamples SIM1", {"scan: false 0"}, Report::sampleCount},
-    {"GetTriStimulus SIM1 0", {"scan: false 0"}, Report::sdkError},
-    {"GetTriStimulus SIM1 1", {"scan: false 1"}, Report::sdkError},
-    // spotSpectrum
-    {"GetConnectionStatus SIM1", {}, Report::none},
-    {"SetOption SIM1 MeasurementMode ReflectanceSpot", {"spotSpectrum: false 0"}, Report::sdkError},
-    {"GetButtonStatusD SIM1", {}, Report::none},
-    {"TriggerMeasurement SIM1", {"spotSpectrum: false 0"}, Report::sdkError},
-    {"GetSpectrum SIM1 0", {"spotSpectrum: false 0"}, Report::sdkError},
-    // scanSpectra
-    {"GetConnectionStatus SIM1", {}, Report::none},
-    {"SetOption SIM1 RecognitionKey RecognitionPositionDark", {"scanSpectra: false 0"}, Report::sdkError},
-    {"SetOption SIM1 PatchesPerLine 2", {"scanSpectra: false 0"}, Report::sdkError},
-    {"SetOption SIM1 MeasurementMode ReflectanceScan", {"scanSpectra: false 0"}, Report::sdkError},
-    {"GetButtonStatusD SIM1", {}, Report::none},
-    {"TriggerMeasurement SIM1", {"scanSpectra: false 0"}, Report::sdkError},
-    {"GetNumberOfAvailableSamples SIM1", {"scanSpectra: false 0"}, Report::sampleCount},
-    {"GetSpectrum SIM1 0", {"scanSpectra: false 0"}, Report::sdkError},
-    {"GetSpectrum SIM1 1", {"scanSpectra: false 1"}, Report::sdkError},
-    // close
-    {"GetConnectionStatus SIM1", {}, Report::none},
-    {"CloseDevice SIM1", {}, Report::none},
-    {"SetGlobalOption Reset All", {}, Report::none},
+const std::vector<Operation> operations{
+    {"open", "1", "0", "0", opening},
+    {"status", "1", "0", "0", readingStatus},
+    {"begin", "1", "", "3", {"GetConnectionStatus SIM1"}},
+    {"continue", "4", "3", "3", calibrating},
+    {"isCalibrated", "1", "0", "0", asking},
+    {"spot", "1 1 1", "0 0 0", "1 0 0", spot},
+    {"scan", "1 2 11", "0 0 00", "1 0 00", scan},
+    {"close", "", "", "", closing},
 };
-// clang-format on
+
+/// What each operation of a run gives; behind that, the messages.
+Texts withoutFault() {
+    Texts outcome;
+    for (const Operation& operation : operations) {
+        outcome.push_back(operation.success);
+    }
+    return outcome;
+}
+
+/// The same when a call of an operation fails.
+Texts withFault(std::size_t index, std::size_t position, bool throws) {
+    const Operation& failing = operations[index];
+    const std::string& call = failing.calls[position];
+    Texts outcome = withoutFault();
+    if (!throws && !call.starts_with('!')) return outcome;
+    const bool disconnects = call == "GetConnectionStatus SIM1" || failing.name == "open";
+    const bool uncalibrates = !disconnects && failing.name == "continue";
+    const std::size_t end = disconnects || uncalibrates ? operations.size() : index + 1;
+    for (std::size_t i = index; i < end; ++i) {
+        outcome[i] = disconnects ? operations[i].closed : operations[i].failure;
+    }
+    if (call == "!GetSpectrum SIM1 1") outcome[index] = "0 1 10";
+    if (failing.name == "open" && throws && position == 5) {
+        outcome.emplace_back("M7 E1539: can't get xrite i1 Pro3 status");
+    } else if (call == "!GetNumberOfAvailableSamples SIM1" && !throws) {
+        outcome.emplace_back("M7 E1539: invalid number of samples");
+    } else if (!throws && failing.name != "status" && failing.name != "isCalibrated") {
+        outcome.emplace_back("M7 E1539: fault\nErrorNumber: -1");
+    }
+    if (uncalibrates)
+        outcome.resize(outcome.size() + 2, "M7 E1539: The device SIM1 is not calibrated\nErrorNumber: 13");
+    return outcome;
+}
 
 class FaultSweep : public ModuleTest {
 protected:
-    FaultSweep() { sdk.use(R"({"button": {"polls": 0}})"); }
-
-    /// A whole run but for the destruction; what each operation gave.
+    /// A whole run but for the creation and the destruction.
     Texts run() {
-        const auto word = [](bool answer) { return std::string(answer ? "true" : "false"); };
-        Texts results;
-        results.push_back("open: " + word(module.open(handle, "USB")));
-        results.push_back("status: " + std::to_string(module.getStatus(handle).aperture));
-        results.push_back("begin: " + calibrate(SPM_STEP_BEGIN));
-        results.push_back("continue: " + calibrate(SPM_STEP_CONTINUE));
-        results.push_back("isCalibrated: " + word(module.isCalibrated(handle)));
-        results.push_back("spot: " + read(1));
-        results.push_back("scan: " + read(patches));
-        results.push_back("spotSpectrum: " + readSpectrum(1));
-        results.push_back("scanSpectra: " + readSpectrum(patches));
+        listener.lines.clear();
+        Texts outcome{fmt::format("{:d}", module.open(handle, "USB")),
+                      std::to_string(module.getStatus(handle).aperture),
+                      calibrate(SPM_STEP_BEGIN),
+                      calibrate(SPM_STEP_CONTINUE),
+                      fmt::format("{:d}", module.isCalibrated(handle)),
+                      readSpot(),
+                      scanSpectra(),
+                      ""};
         module.close(handle);
-        return results;
+        outcome.insert(outcome.end(), listener.lines.begin(), listener.lines.end());
+        return outcome;
     }
 
 private:
@@ -120,74 +116,45 @@ private:
         return std::to_string(record.step);
     }
 
-    std::string read(int32_t count) {
-        std::array<SPM_LAB, patches> values{};
-        const bool answer = module.read(handle, values.data(), &count);
-        return outcome(answer, count, {values[0].L, values[1].L});
+    std::string readSpot() {
+        SPM_LAB values{};
+        int32_t count = 1;
+        const bool answer = module.read(handle, &values, &count);
+        return fmt::format("{:d} {} {:d}", answer, count, values.L > 0);
     }
 
-    std::string readSpectrum(int32_t count) {
-        std::array<std::array<SPM_REFLECTION, 36>, patches> reflections{};
-        std::array<SPM_SPECTRUM, patches> spectra{{{36, reflections[0].data()}, {36, reflections[1].data()}}};
+    std::string scanSpectra() {
+        std::array<std::array<SPM_REFLECTION, 36>, 2> reflections{};
+        std::array<SPM_SPECTRUM, 2> spectra{{{36, reflections[0].data()}, {36, reflections[1].data()}}};
+        int32_t count = 2;
         const bool answer = module.readSpectrum(handle, spectra.data(), &count);
-        return outcome(answer, count, {reflections[0][35].value, reflections[1][35].value});
-    }
-
-    /// The answer and the count, which must be the number of records that were filled, the first ones.
-    static std::string outcome(bool answer, int32_t count, const std::array<float, patches>& values) {
-        const bool agrees = (values[0] > 0) == (count > 0) && (values[1] > 0) == (count > 1);
-        return (answer ? "true " : "false ") + std::to_string(count) + (agrees ? "" : ", other records filled");
+        return fmt::format("{:d} {} {:d}{:d}", answer, count, reflections[0][35].value > 0,
+                           reflections[1][35].value > 0);
     }
 };
 
-Texts withChanges(const Texts& results, const Texts& changes) {
-    Texts changed = results;
-    for (const std::string& change : changes) {
-        const std::string operation = change.substr(0, change.find(':') + 1);
-        std::replace_if(
-            changed.begin(), changed.end(), [&](const auto& each) { return each.starts_with(operation); }, change);
-    }
-    return changed;
-}
-
 } // namespace
 
-TEST_F(FaultSweep, ACleanRunMakesTheCallsOfTheTable) {
-    EXPECT_EQ(run(), cleanRun);
-    Texts calls;
-    std::transform(rows.begin(), rows.end(), std::back_inserter(calls), [](const Row& row) { return row.call; });
-    EXPECT_EQ(takeCalls(), calls);
-    EXPECT_TRUE(listener.lines.empty());
-    EXPECT_EQ(log(), (Texts{"M7 D: close", "M7 D: open[USB]", "M7 D: open[USB] done", "M7 D: close"}));
-}
-
 TEST_F(FaultSweep, EachFailureShowsAndLeavesAWorkingObject) {
-    for (std::size_t i = 0; i < rows.size(); ++i) {
-        SCOPED_TRACE("call " + std::to_string(i) + ": " + rows[i].call);
-        module.destroy(handle);
-        std::filesystem::remove(logFile());
-        handle = module.create();
-        handle->AddListener(&listener);
-        listener.lines.clear();
-        sdk.clearAnswers();
-        sdk.answer({.position = static_cast<uint32_t>(i + 1), .result = -1, .errorText = "fault"});
-
-        EXPECT_EQ(run(), withChanges(cleanRun, rows[i].changed));
-        const std::string message = rows[i].report == Report::sampleCount ? "M7 E1539: invalid number of samples"
-                                                                          : "M7 E1539: fault\nErrorNumber: -1";
-        const Texts messages = rows[i].report == Report::none ? Texts{} : Texts{message};
-        const std::size_t followUps = rows[i].changed == notCalibrated ? 4 : 0; // reads that find it not calibrated
-        ASSERT_EQ(listener.lines.size(), messages.size() + followUps);
-        EXPECT_TRUE(std::equal(messages.begin(), messages.end(), listener.lines.begin()));
-        const std::string written = readText(logFile());
-        for (const std::string& line : listener.lines) {
-            EXPECT_NE(written.find("] " + line + "\n"), std::string::npos) << line;
+    EXPECT_EQ(run(), withoutFault());
+    const Texts callsWithoutFault = sdk.takeCalls();
+    Texts calls;
+    for (std::size_t i = 0; i < operations.size(); ++i) {
+        for (std::size_t position = 0; position < operations[i].calls.size(); ++position) {
+            const std::string& call = operations[i].calls[position];
+            calls.push_back(call.substr(call.starts_with('!') ? 1 : 0));
+            const std::string which = R"({"faults": [{"call": )" + std::to_string(calls.size());
+            for (const std::string fault : {R"("result": -1, "text": "fault")", R"("exception": "simulated")",
+                                            R"("exception": "simulated", "foreign": true)"}) {
+                SCOPED_TRACE(operations[i].name + ": " + call);
+                module.destroy(handle);
+                handle = module.create();
+                handle->AddListener(&listener);
+                sdk.use(which + ", " + fault + "}]}");
+                EXPECT_EQ(run(), withFault(i, position, fault.starts_with(R"("exception")")));
+                EXPECT_EQ(run(), withoutFault());
+            }
         }
-        const std::string verdict = rows[i].changed == notOpened ? "failed" : "done";
-        EXPECT_NE(written.find("] M7 D: open[USB] " + verdict + "\n"), std::string::npos);
-
-        listener.lines.clear();
-        EXPECT_EQ(run(), cleanRun);
-        EXPECT_TRUE(listener.lines.empty());
     }
+    EXPECT_EQ(callsWithoutFault, calls);
 }

@@ -7,49 +7,45 @@ TEST(Lifecycle, LoadsUsesAndUnloadsTenTimes) {
     const LoggingOn settings;
     const fs::path file = installModule(folder);
     for (int i = 0; i < 10; ++i) {
-        ASSERT_FALSE(isLoaded(file));
-        const host::Module module(file);
-        SPM_HANDLE const handle = module.create();
-        EXPECT_TRUE(module.open(handle, "USB"));
-        EXPECT_EQ(module.getVersion(nullptr), 3U);
-        module.destroy(handle);
-        EXPECT_TRUE(isLoaded(file));
+        std::optional<spm::Module> module(file);
+        const void* const function = reinterpret_cast<const void*>(module->create);
+        EXPECT_EQ(common::fileOf(function).filename(), file.filename());
+        SPM_HANDLE const handle = module->create();
+        EXPECT_TRUE(module->open(handle, "USB"));
+        module->destroy(handle);
         EXPECT_TRUE(fs::remove(folder / "spm_i1pro3.log")) << "Windows refuses while it is open";
+        module.reset();
+        ASSERT_EQ(common::fileOf(function), "") << "still loaded";
     }
-    EXPECT_FALSE(isLoaded(file));
 }
 
 TEST(Lifecycle, LogsBesideTheModuleWhateverItsName) {
-    struct Case {
-        std::string module;
-        std::string log;
-    };
     const TempFolder folder;
     const LoggingOn settings;
     const fs::path original = installModule(folder);
-    const std::string extension = fs::path(host::moduleFileName).extension().string();
+    const std::string extension = original.extension().string();
+    const fs::path place = folder / "v1.2";
+    fs::create_directory(place);
+    fs::copy_file(folder / common::sdkFileName, place / common::sdkFileName);
     // The longest path that the module can tell has 259 characters.
-    const std::size_t left = 259 - (folder / "").string().size() - 101;
-    const std::string subfolder = std::string(100, 'd') + '/';
-    const std::string longest = subfolder + std::string(left - extension.size(), 'm');
-    const std::string tooLong = subfolder + std::string(left - extension.size() + 1, 'n') + extension;
+    const std::size_t left = 259 - (place / "").string().size() - extension.size();
+    struct Case {
+        std::string module;
+        std::string log; ///< empty: none
+    };
     const std::vector<Case> cases{
-        {"v1.2/module", "v1.2/module.log"},
-        {"v1.2/module.1" + extension, "v1.2/module.1.log"},
-        {longest + extension, longest + ".log"},
-        {tooLong, ""},
+        {"module", "module.log"},
+        {"module.1" + extension, "module.1.log"},
+        {std::string(left, 'm') + extension, std::string(left, 'm') + ".log"},
+        {std::string(left + 1, 'n') + extension, ""},
     };
     for (const Case& each : cases) {
-        const fs::path file = folder / each.module;
-        fs::create_directories(file.parent_path());
-        fs::copy_file(original, file);
-        const fs::path sdk = file.parent_path() / host::sdkFileName;
-        if (!fs::exists(sdk)) fs::copy_file(folder / host::sdkFileName, sdk);
-        const host::Module module(file);
+        fs::copy_file(original, place / each.module);
+        const spm::Module module(place / each.module);
         module.destroy(module.create());
         EXPECT_EQ(module.getVersion(nullptr), each.log.empty() ? 0U : 3U) << each.module;
-        EXPECT_TRUE(each.log.empty() || fs::remove(folder / each.log)) << each.log;
-        for (const auto& entry : fs::directory_iterator(file.parent_path())) {
+        EXPECT_TRUE(each.log.empty() || fs::remove(place / each.log)) << each.log;
+        for (const auto& entry : fs::directory_iterator(place)) {
             EXPECT_NE(entry.path().extension(), ".log") << entry.path();
         }
     }

@@ -1,36 +1,21 @@
 #include "tests/boundary/ModuleTest.h"
 
-#include "tests/support/SimulatorOf.h"
-
 namespace fs = std::filesystem;
 
 fs::path installModule(const TempFolder& folder) {
-    for (const char* name : {host::moduleFileName, host::sdkFileName}) {
-        fs::copy_file(host::programFolder() / name, folder / name);
+    for (const char* name : {common::moduleFileName, common::sdkFileName}) {
+        fs::copy_file(common::programFolder() / name, folder / name);
     }
-    return folder / host::moduleFileName;
+    return folder / common::moduleFileName;
 }
 
-ModuleTest::ModuleTest() : module(installModule(folder)), sdk(simulatorOf(module)), handle(module.create()) {
+ModuleTest::ModuleTest() : module(installModule(folder)), sdk(module), handle(module.create()) {
     handle->AddListener(&listener);
+    sdk.use(R"({"button": {"polls": 0}, "light": {"noise": 0}})");
 }
 
 ModuleTest::~ModuleTest() {
     module.destroy(handle);
-}
-
-Texts ModuleTest::takeCalls() {
-    const std::string prefix = "I1PRO3_";
-    Texts texts;
-    for (const simulator::Call& call : sdk.calls()) {
-        std::string text = call.function.substr(prefix.size());
-        for (const std::string& argument : call.arguments) {
-            text += " " + argument;
-        }
-        texts.push_back(text);
-    }
-    sdk.clearCalls();
-    return texts;
 }
 
 Texts ModuleTest::log() const {
@@ -43,17 +28,20 @@ Texts ModuleTest::log() const {
     return messages;
 }
 
+void ModuleTest::fail(const std::string& function, int32_t result) {
+    sdk.use(R"({"faults": [{"function": "I1PRO3_)" + function + R"(", "result": )" + std::to_string(result) + "}]}");
+}
+
 void ModuleTest::open() {
     ASSERT_TRUE(module.open(handle, "USB"));
-    takeCalls();
+    sdk.takeCalls();
 }
 
 void ModuleTest::prepare() {
     open();
-    sdk.use(R"({"button": {"polls": 0}})");
     SPM_CALIBRATION calibration{};
     module.calibrate(handle, &calibration);
     module.calibrate(handle, &calibration);
     ASSERT_EQ(calibration.step, uint32_t{SPM_STEP_DONE});
-    takeCalls();
+    sdk.takeCalls();
 }

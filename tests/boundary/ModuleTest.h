@@ -1,11 +1,13 @@
 #pragma once
 
-#include "host/Module.h"
-#include "simulator/Control.h"
+#include "spm/Module.h"
+#include "tests/support/SimulatedSdk.h"
 #include "tests/support/Support.h"
 #include "tests/support/System.h"
 
 #include <gtest/gtest.h>
+
+using Texts = std::vector<std::string>;
 
 /// Copies the built module and the simulated SDK library into a folder.
 /// @return the module's copy
@@ -18,32 +20,30 @@ public:
 };
 
 /// A copy of the built module in a folder of its own, beside the simulated SDK library, with logging on; loaded as a
-/// host loads it, with one object and a listener.
+/// host loads it, with one object and a listener. The button is found pressed, and measurements have no noise.
 class ModuleTest : public testing::Test {
 protected:
     ModuleTest();
     ~ModuleTest() override;
 
-    std::filesystem::path moduleFile() const { return folder / host::moduleFileName; }
-
-    /// The calls of the SDK since the last time, such as "SetOption SIM1 MeasurementMode ReflectanceSpot".
-    std::vector<std::string> takeCalls();
-
-    /// What the log file says, without the heads of its lines and the first banner.
-    std::vector<std::string> log() const;
-
-    void open();
-    /// Opens and calibrates; the button is pressed from then on.
-    void prepare();
-
+    std::filesystem::path moduleFile() const { return folder / common::moduleFileName; }
     std::filesystem::path logFile() const { return folder / "spm_i1pro3.log"; }
 
+    /// What the log file says, without the heads of its lines and the first banner.
+    Texts log() const;
+
+    /// Makes the next call of a function, such as "OpenDevice", give a result. Earlier faults are dropped.
+    void fail(const std::string& function, int32_t result = 9);
+
+    void open();
+    /// Opens and calibrates.
+    void prepare();
+
     TempFolder folder;
+    EnvironmentVariable trace{"I1PRO3_TRACE", (folder / "calls.jsonl").string()};
     LoggingOn settings;
-    const host::Module module;
-    simulator::Control& sdk;
+    const spm::Module module;
+    SimulatedSdk sdk;
     Recorder listener;
     SPM_HANDLE handle;
 };
-
-using Texts = std::vector<std::string>;

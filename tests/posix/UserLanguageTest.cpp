@@ -1,31 +1,38 @@
 #include "platform/win32.h"
 #include "tests/support/Support.h"
+#include "tests/support/System.h"
 
 #include <gtest/gtest.h>
 
 TEST(UserLanguage, IsThatOfTheEnvironment) {
-    struct Case {
-        const char* locale;
-        LANGID language;
+    using Locales = std::array<const char*, 3>; // LC_ALL, LC_MESSAGES, LANG
+    const std::vector<std::pair<Locales, LANGID>> cases{
+        {{"de_DE.UTF-8", "fr_FR", "it_IT"}, 0x0407},
+        {{"", "fr_FR", "it_IT"}, 0x040C},
+        {{"", "", "it_IT"}, 0x0410},
+        {{"", "", ""}, 0x0409}, // US English without any
+        {{"de_CH@euro", "", ""}, 0x0807},
+        {{"de_LI", "", ""}, 0x0407},  // the language's first country for one that is not known
+        {{"fil_PH", "", ""}, 0x0409}, // not Finnish
     };
-    const std::vector<Case> cases{
-        {"de_DE.UTF-8", 0x0407},
-        {"de_DE", 0x0407},
-        {"de_CH@euro", 0x0807}, // a country of its own
-        {"en_GB", 0x0809},
-        {"de_LI", 0x0407},  // a country that is not known
-        {"C", 0x0409},      // no language is US English
-        {"", 0x0409},       // and so is none at all
-        {"xx_XX", 0x0409},  // and one that is not known
-        {"fil_PH", 0x0409}, // which is not Finnish
-    };
-    const EnvironmentVariable messages("LC_MESSAGES", "");
-    const EnvironmentVariable language("LANG", "");
-    for (const Case& each : cases) {
-        const EnvironmentVariable variable("LC_ALL", each.locale);
-        EXPECT_EQ(GetUserDefaultLangID(), each.language) << each.locale;
+    for (const auto& [locales, identifier] : cases) {
+        const EnvironmentVariable all("LC_ALL", locales[0]);
+        const EnvironmentVariable messages("LC_MESSAGES", locales[1]);
+        const EnvironmentVariable language("LANG", locales[2]);
+        EXPECT_EQ(GetUserDefaultLangID(), identifier) << locales[0] << locales[1] << locales[2];
     }
-    const EnvironmentVariable all("LC_ALL", "");
-    const EnvironmentVariable french("LC_MESSAGES", "fr_FR");
-    EXPECT_EQ(GetUserDefaultLangID(), 0x040C);
+}
+
+TEST(UserLanguage, HasTheIdentifiersThatPythonHas) {
+    const TempFolder folder;
+    const std::string script =
+        "import locale; [print(name, identifier) for identifier, name in locale.windows_locale.items()]";
+    ASSERT_EQ(run("/usr/bin/python3", {"-c", script}, {folder / "out", folder / "err"}), 0);
+    int known = 0;
+    for (const std::string& line : linesOf(readFile(folder / "out"))) {
+        const std::size_t blank = line.find(' ');
+        const EnvironmentVariable variable("LC_ALL", line.substr(0, blank));
+        if (GetUserDefaultLangID() == std::stoi(line.substr(blank))) ++known;
+    }
+    EXPECT_EQ(known, 34);
 }

@@ -1,94 +1,108 @@
 // The reader of version resources, on files that are damaged.
 
-#include "cap/CAPFileVersionInfo.h"
-#include "tests/support/Support.h"
 #include "tests/support/VersionedLibrary.h"
 
-#include <cstring>
 #include <elf.h>
-#include <gtest/gtest.h>
 
 namespace {
 
-class VersionResource : public testing::Test {
+class VersionResource : public VersionedLibrary {
 protected:
     VersionResource() {
-        writeCompleteLibrary(path);
+        writeLibrary(path, versions[2]);
         complete = readFile(path);
     }
 
-    int load(const std::string& file) {
+    int loadFile(const std::string& file) {
         writeFile(path, file);
         return info.loadFromFile(path.c_str());
     }
 
-    TempFolder folder;
-    std::string path = (folder / "library.so").string();
     std::string complete;
-    CAPFileVersionInfo info;
 };
 
 } // namespace
 
 TEST_F(VersionResource, MustStandInAnElfFile) {
-    const auto changed = [&](std::size_t offset) {
-        std::string file = complete;
-        ++file[offset];
-        return file;
-    };
     const std::size_t name = complete.find(".rsrc");
     for (const std::size_t offset :
          {std::size_t{0}, std::size_t{EI_CLASS}, offsetof(Elf64_Ehdr, e_shentsize), name, name + 5}) {
-        ASSERT_EQ(load(complete), 1);
-        EXPECT_EQ(load(changed(offset)), 0) << offset;
-        EXPECT_EQ(info.getFileVersionPart(0), 0);
-        EXPECT_EQ(info.getComments(), nullptr);
+        ASSERT_EQ(loadFile(complete), 1);
+        std::string changed = complete;
+        ++changed[offset];
+        EXPECT_EQ(loadFile(changed), 0) << offset;
     }
 }
 
 TEST_F(VersionResource, KeepsLengthsWithinWhatHoldsThem) {
     struct Case {
-        std::string_view node;
+        std::u16string node;
         std::uint16_t length;
         std::uint16_t valueLength;
         int loaded;
         const char* comments;
     };
     const std::vector<Case> cases{
-        {"VS_VERSION_INFO", 0xFFFF, 52, 0, nullptr},
-        {"VS_VERSION_INFO", 4, 52, 0, nullptr},
-        {"Comments", 0xFFFF, 0xFFFF, 1, nullptr},
-        {"Comments", 28, 0xFFFF, 1, "te"},
-        {"Comments", 24, 5, 1, ""},
-        {"Comments", 0, 5, 1, nullptr},
+        {u"VS_VERSION_INFO", 0xFFFF, 52, 0, nullptr},
+        {u"VS_VERSION_INFO", 5, 52, 0, nullptr},
+        {u"VS_VERSION_INFO", 6, 52, 1, nullptr},
+        {u"Comments", 0xFFFF, 0xFFFF, 1, nullptr},
+        {u"Comments", 30, 0xFFFF, 1, "\xFF?"},
+        {u"Comments", 26, 0xFFFF, 1, "\xFF"},
+        {u"Comments", 24, 3, 1, ""},
+        {u"Comments", 22, 3, 1, nullptr},
+        {u"Comments", 0, 3, 1, nullptr},
     };
     for (const Case& each : cases) {
+        SCOPED_TRACE(&each - cases.data());
         std::string file = complete;
-        std::string name;
-        for (const char character : each.node) {
-            name += {character, '\0'};
-        }
+        const std::string_view name(reinterpret_cast<const char*>(each.node.data()), 2 * each.node.size());
         const std::size_t header = file.find(name) - 6;
         std::memcpy(&file[header], &each.length, 2);
         std::memcpy(&file[header + 2], &each.valueLength, 2);
-        EXPECT_EQ(load(file), each.loaded) << each.node << " " << each.length;
-        EXPECT_STREQ(info.getComments(), each.comments) << each.node << " " << each.length;
+        EXPECT_EQ(loadFile(file), each.loaded);
+        EXPECT_STREQ(info.getComments(), each.comments);
     }
 }
 
 // The sanitizers watch: nothing outside the data may be touched, and every load must come to an end.
 TEST_F(VersionResource, SurvivesTruncatedAndHostileFiles) {
-    for (std::size_t length = 0; length < complete.size(); ++length) {
-        load(complete.substr(0, length));
-    }
     for (std::size_t i = 0; i < complete.size(); ++i) {
-        for (const char byte : {'\0', '\1', '\x7F', '\xFF'}) {
+        loadFile(complete.substr(0, i));
+        for (const char byte : {'\0', '\xFF'}) {
             std::string changed = complete;
             changed[i] = byte;
-            load(changed);
+            loadFile(changed);
             changed[i ^ 1] = byte;
-            load(changed);
+            loadFile(changed);
         }
     }
-    EXPECT_EQ(load(complete), 1);
+    EXPECT_EQ(loadFile(complete), 1);
+}
+
+TEST_F(VersionResource, NeedsRoomForAllOfIt) {
+    std::vector<char> block(GetFileVersionInfoSizeA(path.c_str(), nullptr));
+    const auto size = static_cast<DWORD>(block.size());
+    EXPECT_EQ(GetFileVersionInfoA(path.c_str(), 0, size - 1, block.data()), FALSE);
+    EXPECT_NE(GetFileVersionInfoA(path.c_str(), 0, size, block.data()), FALSE);
+}
+
+// The environment is the user's language here.
+TEST_F(VersionResource, HasTheTableOfTheUsersLanguage) {
+    const EnvironmentVariable variable("LC_ALL", "de_DE.UTF-8");
+    const std::vector<std::string> chosen{
+        "0407", // the same
+        "0C07", // the same primary language, the first such
+        "0807", // also before a neutral one
+        "0107", // of which the low 8 bits count
+        "0000", // neutral
+        "0400", // any with a neutral primary language
+        "0009", // English
+        "0809", // any English, the first such
+        "040C", // whichever comes first
+    };
+    for (std::size_t i = 0; i < chosen.size(); ++i) {
+        ASSERT_EQ(load(versions[3 + i]), 1);
+        EXPECT_EQ(info.getComments(), chosen[i]);
+    }
 }

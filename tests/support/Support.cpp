@@ -11,15 +11,6 @@
 
 namespace fs = std::filesystem;
 
-namespace {
-
-std::optional<std::string> variable(const std::string& name) {
-    const char* const value = std::getenv(name.c_str());
-    return value != nullptr ? std::optional<std::string>(value) : std::nullopt;
-}
-
-} // namespace
-
 TempFolder::TempFolder() : folder(fs::temp_directory_path() / ("spm test " + std::to_string(std::random_device{}()))) {
     fs::create_directory(folder);
 }
@@ -41,12 +32,9 @@ std::string readFile(const fs::path& path) {
 
 std::string readText(const fs::path& path) {
     std::string text = readFile(path);
-    for (std::size_t end = 0; (end = text.find('\n', end)) != std::string::npos; ++end) {
-        const std::size_t begin = end + 1 - std::min(lineEnd.size(), end + 1);
-        if (text.compare(begin, lineEnd.size(), lineEnd) != 0) throw std::runtime_error("a line end of another system");
-        text.replace(begin, lineEnd.size(), "\n");
-        end = begin;
-    }
+    const auto lines = static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
+    if (std::erase(text, '\r') != lines * (lineEnd.size() - 1))
+        throw std::runtime_error("a line end of another system");
     return text;
 }
 
@@ -60,16 +48,13 @@ std::vector<std::string> linesOf(const std::string& text) {
 }
 
 EnvironmentVariable::EnvironmentVariable(std::string variableName, const std::string& value)
-    : name(std::move(variableName)), earlier(variable(name)) {
+    : name(std::move(variableName)) {
+    if (const char* const before = std::getenv(name.c_str())) earlier = before;
     setVariable(name, value);
 }
 
 void Settings::setNumber(const std::string& name, std::uint32_t number) {
-    std::string data;
-    for (int bit = 0; bit < 32; bit += 8) {
-        data += static_cast<char>(number >> bit & 0xFF);
-    }
-    set(commonKey, name, REG_DWORD, data);
+    set(commonKey, name, REG_DWORD, std::string(reinterpret_cast<const char*>(&number), sizeof number));
 }
 
 void Settings::setText(const std::string& name, const std::string& text) {
@@ -78,4 +63,12 @@ void Settings::setText(const std::string& name, const std::string& text) {
 
 EnvironmentVariable::~EnvironmentVariable() {
     setVariable(name, earlier);
+}
+
+int run(const fs::path& program, const std::vector<std::string>& arguments, const Output& output) {
+    std::string command = inQuotes(program.string());
+    for (const std::string& argument : arguments) {
+        command += ' ' + inQuotes(argument);
+    }
+    return execute(command + " >" + inQuotes(output.out.string()) + " 2>" + inQuotes(output.err.string()));
 }

@@ -2,7 +2,7 @@
 
 // What the tests ask of the system; one source per system implements it.
 
-#include "platform/VersionBlock.h"
+#include "platform/win32.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -25,12 +25,15 @@ struct Output {
 };
 
 /// Runs a program, waits for its end and gives its exit status.
+/// @param arguments  in UTF-8, without single quotes
 int run(const std::filesystem::path& program, const std::vector<std::string>& arguments, const Output& output);
 
-bool isLoaded(const std::filesystem::path& library);
+/// What of this is the system's own: a word for its command interpreter, and having that execute a command.
+std::string inQuotes(const std::string& word);
+int execute(const std::string& command);
 
 /// Writes a library file with a version resource.
-void writeLibrary(const std::filesystem::path& path, const version_block::Block& resource);
+void writeLibrary(const std::filesystem::path& path, const std::string& resource);
 
 /// The module's keys below SOFTWARE.
 inline const std::string commonKey = "Kestrova\\SPM";
@@ -59,13 +62,6 @@ public:
     /// Back to no settings, with the right to write.
     void clear();
 
-    /// The keys below SOFTWARE.
-    std::vector<std::string> keys() const;
-    bool hasValues() const;
-
 private:
     std::string place;
 };
-
-/// Gives this process the settings of the test that runs it.
-void adoptSettings();

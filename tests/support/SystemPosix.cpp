@@ -1,11 +1,9 @@
 #include "tests/support/Support.h"
 #include "tests/support/System.h"
 
-#include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <cstring>
-#include <dlfcn.h>
 #include <elf.h>
 #include <random>
 #include <sstream>
@@ -21,10 +19,6 @@ namespace {
 const std::string variableName = "SPM_REGISTRY";
 const std::string software = "[HKEY_LOCAL_MACHINE\\SOFTWARE\\";
 
-std::string inQuotes(const std::string& text) {
-    return "'" + text + "'";
-}
-
 } // namespace
 
 void setVariable(const std::string& name, const std::optional<std::string>& value) {
@@ -36,25 +30,19 @@ void setVariable(const std::string& name, const std::optional<std::string>& valu
     tzset();
 }
 
-int run(const fs::path& program, const std::vector<std::string>& arguments, const Output& output) {
-    std::string command = inQuotes(program.string());
-    for (const std::string& argument : arguments) {
-        command += " " + inQuotes(argument);
-    }
-    command += " >" + inQuotes(output.out.string()) + " 2>" + inQuotes(output.err.string());
+std::string inQuotes(const std::string& word) {
+    return '\'' + word + '\'';
+}
+
+int execute(const std::string& command) {
     const int status = std::system(command.c_str());
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
-bool isLoaded(const fs::path& library) {
-    void* const loaded = dlopen(library.c_str(), RTLD_NOW | RTLD_NOLOAD);
-    if (loaded != nullptr) dlclose(loaded);
-    return loaded != nullptr;
-}
-
 /// An ELF file of three sections, the last with the resource.
-void writeLibrary(const fs::path& path, const version_block::Block& resource) {
+void writeLibrary(const fs::path& path, const std::string& resource) {
     constexpr std::string_view names("\0.names\0.rsrc\0", 14);
+    constexpr std::size_t begin = sizeof(Elf64_Ehdr) + 3 * sizeof(Elf64_Shdr);
     Elf64_Ehdr header{};
     std::memcpy(header.e_ident, ELFMAG, SELFMAG);
     header.e_ident[EI_CLASS] = ELFCLASS64;
@@ -64,14 +52,14 @@ void writeLibrary(const fs::path& path, const version_block::Block& resource) {
     header.e_shstrndx = 1;
     std::array<Elf64_Shdr, 3> sections{};
     sections[1].sh_name = 1;
-    sections[1].sh_offset = sizeof header + sizeof sections;
+    sections[1].sh_offset = begin;
     sections[1].sh_size = names.size();
     sections[2].sh_name = 8;
-    sections[2].sh_offset = sections[1].sh_offset + names.size();
+    sections[2].sh_offset = begin + names.size();
     sections[2].sh_size = resource.size();
     std::string file(reinterpret_cast<const char*>(&header), sizeof header);
     file.append(reinterpret_cast<const char*>(sections.data()), sizeof sections);
-    writeFile(path, file.append(names).append(resource.begin(), resource.end()));
+    writeFile(path, file.append(names).append(resource));
 }
 
 Settings::Settings()
@@ -102,18 +90,3 @@ void Settings::forbid() {
 void Settings::clear() {
     fs::remove(place);
 }
-
-std::vector<std::string> Settings::keys() const {
-    std::vector<std::string> keys;
-    for (const std::string& line : linesOf(readFile(place))) {
-        if (line.starts_with(software)) keys.push_back(line.substr(software.size(), line.size() - software.size() - 1));
-    }
-    return keys;
-}
-
-bool Settings::hasValues() const {
-    const std::vector<std::string> lines = linesOf(readFile(place));
-    return std::any_of(lines.begin(), lines.end(), [](const std::string& line) { return line.starts_with('"'); });
-}
-
-void adoptSettings() {} // they are the environment's

@@ -1,20 +1,36 @@
 #pragma once
 
-// Version resources for the tests that read them.
-
+#include "cap/CAPFileVersionInfo.h"
+#include "common/System.h"
+#include "tests/support/Support.h"
 #include "tests/support/System.h"
 
-/// A fixed part with file version 1.2.3.4.
-inline version_block::FixedPart someFixedPart() {
-    VS_FIXEDFILEINFO info{};
-    info.dwFileVersionMS = 1 << 16 | 2;
-    info.dwFileVersionLS = 3 << 16 | 4;
-    return version_block::fixedPart(info);
-}
+#include <cstring>
+#include <gtest/gtest.h>
 
-/// Writes a library with the fixed part and one text, "Comments" = "text".
-inline void writeCompleteLibrary(const std::filesystem::path& path) {
-    const std::array<version_block::Text, 1> texts{{{"Comments", "text"}}};
-    const std::array<version_block::Table, 1> tables{{{0x0409, 0x04B0, texts}}};
-    writeLibrary(path, version_block::build(someFixedPart(), tables));
-}
+/// A library file for version resources that the resource compiler made, and what is read from it.
+class VersionedLibrary : public testing::Test {
+protected:
+    /// The resources of versions.rc, in their order there. In the file that the compiler writes, each stands behind its
+    /// size, the size of its header, and the rest of that header.
+    VersionedLibrary() {
+        constexpr std::size_t fileHeader = 32;
+        const std::string file = readFile(common::programFolder() / "versions.res");
+        for (std::size_t entry = fileHeader; entry < file.size();) {
+            std::array<std::uint32_t, 2> sizes{};
+            std::memcpy(sizes.data(), &file[entry], sizeof sizes);
+            versions.push_back(file.substr(entry + sizes[1], sizes[0]));
+            entry += (sizes[0] + sizes[1] + 3) / 4 * 4;
+        }
+    }
+
+    int load(const std::string& resource) {
+        writeLibrary(path, resource);
+        return info.loadFromFile(path.c_str());
+    }
+
+    std::vector<std::string> versions;
+    TempFolder folder;
+    std::string path = (folder / "library").string();
+    CAPFileVersionInfo info;
+};

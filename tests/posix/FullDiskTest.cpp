@@ -1,0 +1,58 @@
+// What is written where a disk has no room left.
+
+#include "cap/CAPLoggingFile.h"
+#include "module/SPMRegistry.h"
+#include "tests/support/Support.h"
+
+#include <csignal>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+
+namespace {
+
+/// Does something while no file can grow beyond a size.
+template <class Operation>
+void withSizeLimit(std::size_t size, Operation operation) {
+    rlimit earlier{};
+    getrlimit(RLIMIT_FSIZE, &earlier);
+    const rlimit full{size, earlier.rlim_max};
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    setrlimit(RLIMIT_FSIZE, &full);
+    operation();
+    setrlimit(RLIMIT_FSIZE, &earlier);
+    std::signal(SIGXFSZ, handler);
+}
+
+} // namespace
+
+TEST(FullDisk, LosesLogLinesUntilThereIsRoom) {
+    const TempFolder folder;
+    const std::string path = (folder / "log").string();
+    for (const std::size_t room : {0U, 30U}) {
+        const std::string between = room > 0 ? "\n" : ""; // behind a part of a line
+        CAPLoggingFile file;
+        file.OpenFile(path.c_str(), "w");
+        file.LogText(0, 7, "first");
+        const std::size_t size = readFile(path).size();
+        withSizeLimit(size + room, [&] {
+            file.LogText(0, 7, "lost");
+            file.LogText(0, 7, "lost");
+        });
+        EXPECT_EQ(readFile(path).size(), size + room);
+        file.LogText(0, 7, "kept");
+        file.LogText(0, 7, "kept");
+        const std::string after = readFile(path).substr(size + room);
+        EXPECT_TRUE(after.starts_with(between + "2")) << after;
+        EXPECT_EQ(linesOf(after).size(), 2 + between.size()) << after;
+    }
+}
+
+TEST(FullDisk, LeavesTheSettingsAsTheyWere) {
+    const TempFolder folder;
+    const std::string path = (folder / "settings.reg").string();
+    const EnvironmentVariable variable("SPM_REGISTRY", path);
+    const std::string before = "REGEDIT4\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM]\n";
+    writeFile(path, before);
+    withSizeLimit(before.size() + 10, [] { const SPMRegistry key("xrite i1 Pro3"); });
+    EXPECT_EQ(readFile(path), before);
+}

@@ -1,0 +1,29 @@
+// What a log file refuses, keeps to its process and gets whole.
+
+#include "platform/LogStream.h"
+
+#include "tests/support/Support.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+TEST(LogStream, IsARegularFile) {
+    const TempFolder folder;
+    const std::string pipe = (folder / "pipe").string();
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    EXPECT_EQ(openLogStream(pipe.c_str(), "a"), nullptr) << "and nobody waits for a reader";
+    const int reader = open(pipe.c_str(), O_RDONLY | O_NONBLOCK);
+    EXPECT_EQ(openLogStream(pipe.c_str(), "a"), nullptr);
+    close(reader);
+    EXPECT_EQ(openLogStream("/dev/full", "a"), nullptr);
+}
+
+TEST(LogStream, IsNotInherited) {
+    const TempFolder folder;
+    std::FILE* const stream = openLogStream((folder / "log").string().c_str(), "a");
+    ASSERT_NE(stream, nullptr);
+    EXPECT_EQ(fcntl(fileno(stream), F_GETFD) & FD_CLOEXEC, FD_CLOEXEC);
+    std::fclose(stream);
+}

@@ -1,0 +1,110 @@
+#include "common/CsvReader.h"
+#include "spm/formats/DeltaE.h"
+#include "spm/formats/Reference.h"
+#include "tests/support/Support.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+/// Patches with CIELab values that are grey.
+spm::Run greys(const std::vector<std::pair<std::string, float>>& lightnesses) {
+    spm::Run run;
+    for (const auto& [name, lightness] : lightnesses) {
+        run.readings.push_back({name, SPM_LAB{lightness, 0, 0}, {}});
+    }
+    return run;
+}
+
+const spm::Reference reference{"chart.csv", {{"A1", {50, 0, 0}}}};
+
+} // namespace
+
+// Table 1 of Sharma, Wu and Dalal, Color Research and Application 30 (2005), 21-30.
+TEST(DeltaE, IsThatOfThePublishedPairs) {
+    const std::string text = readFile(SOURCE_FOLDER "/tests/spm/data/ciede2000.csv");
+    common::CsvReader csv(text, "ciede2000.csv");
+    csv.next();
+    int pairs = 0;
+    while (const auto pair = csv.next()) {
+        ++pairs;
+        const auto number = [&](std::size_t i) { return std::stof((*pair)[i]); };
+        const SPM_LAB one{number(0), number(1), number(2)};
+        const SPM_LAB other{number(3), number(4), number(5)};
+        const double deltaE = std::stod((*pair)[6]);
+        EXPECT_NEAR(spm::deltaE2000(one, other), deltaE, 1e-4) << "pair " << pairs;
+        EXPECT_NEAR(spm::deltaE2000(other, one), deltaE, 1e-4) << "pair " << pairs << " reversed";
+    }
+    EXPECT_EQ(pairs, 34);
+}
+
+TEST(Reference, SaysWhatIsWrongAndWhere) {
+    struct Case {
+        std::string content;
+        std::string message;
+    };
+    const std::string header = "name,L*,a*,b*\n";
+    const std::vector<Case> cases{
+        {header, " has no patches; give each a line below the header"},
+        {"name;L*;a*;b*\n", ", line 1: the number of fields is 1, but 4 belong there, separated by commas: "},
+        {header + "A1,1,2,3\n\nA2,1,2\n", ", line 4: the number of fields is 3, "},
+        {"name,,a,b\n", ", line 1: the header name,L*,a*,b* is missing; "},
+        {"name,L,,b\n", ", line 1: the header "},
+        {"name,L,a,c\n", ", line 1: the header "},
+        {header + "A1,1,2,\n", ", line 2: \"\" is not a number from -500 to 500; "},
+        {header + "A1,1,\"2,5\",3\n", ", line 2: \"2,5\" is not a number "},
+        {header + "A1,1,2,500.1\n", ", line 2: \"500.1\" is not a number "},
+        {header + "A1,nan,2,3\n", ", line 2: \"nan\" is not a number "},
+        {header + "A1,1,2,3\nA1,1,2,3\n", ", line 3: \"A1\" is the name of an earlier patch, too; "},
+        {header + "\"A1,1,2,3\n", ", line 2: a quote is not closed; "},
+        {header + "\"A1\" red,1,2,3\n", ", line 2: text follows a closing quote; "},
+    };
+    const TempFolder folder;
+    const std::filesystem::path file = folder / "reference.csv";
+    for (const Case& each : cases) {
+        writeFile(file, each.content);
+        try {
+            spm::readReference(file);
+            ADD_FAILURE() << each.content;
+        } catch (const std::exception& error) {
+            const std::string message = "the reference file " + file.string() + each.message;
+            EXPECT_TRUE(std::string(error.what()).starts_with(message)) << error.what();
+        }
+    }
+}
+
+TEST(Comparison, MatchesByNameAndSumsUp) {
+    const TempFolder folder;
+    const std::filesystem::path file = folder / "reference.csv"; // as spreadsheets write it
+    writeFile(file, "\xEF\xBB\xBF\"name, place\",L*,a*,b*\r\n"
+                    "white (.05\"),50,-0.5,.25,more\r\n"
+                    "\r\n"
+                    "\"red, \"\"signal\"\"\",\"50\",0,-0\n"
+                    "A2,5e1,0,0\n"
+                    "\"\",0,500,-500");
+    spm::Run run = greys({{"B1", 50}, {"white (.05\")", 50}, {"red, \"signal\"", 52}});
+    run.simulation = "simulated";
+    run.readings.push_back({"A2", std::nullopt, {{380, 5}}});
+    EXPECT_EQ(spm::formatComparison(spm::compare(run, spm::readReference(file))),
+              "Compared with " + file.string() +
+                  "\n"
+                  "                         CIEDE2000      dL*      da*      db*   (D65, 10 degree, simulated)\n"
+                  "red, \"signal\"                 1.99    +2.00    +0.00    +0.00\n"
+                  "white (.05\")                  0.78    +0.00    +0.50    -0.25\n"
+                  "\n"
+                  "mean                          1.39\n"
+                  "95th percentile               1.99   (nearest rank)\n"
+                  "maximum                       1.99\n"
+                  "Not compared, because not in the reference: \"B1\"\n"
+                  "Not compared, because not measured: \"\", \"A2\"\n");
+}
+
+TEST(Comparison, TakesThe95thPercentileByNearestRank) {
+    std::vector<std::pair<std::string, float>> patches(18, {"A1", 50});
+    patches.emplace_back("A1", 60);
+    const spm::Comparison of19 = spm::compare(greys(patches), reference);
+    EXPECT_EQ(of19.percentile95, of19.maximum);
+    patches.emplace_back("A1", 70);
+    const spm::Comparison of20 = spm::compare(greys(patches), reference);
+    EXPECT_EQ(of20.percentile95, of19.maximum) << "the second worst";
+}

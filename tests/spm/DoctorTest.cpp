@@ -1,0 +1,154 @@
+// Every installation that is broken in one place has a verdict of its own.
+
+#include "spm/doctor/Doctor.h"
+
+#include "common/System.h"
+#include "module/SPMRegistry.h"
+#include "tests/support/Support.h"
+#include "tests/support/System.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// An installation of the test's own, whole at first, with the simulated SDK library and without settings.
+class Installation {
+public:
+    Installation() {
+        fs::copy_file(common::programFolder() / common::moduleFileName, module());
+        replaceSdk("");
+    }
+
+    fs::path module() const { return folder / common::moduleFileName; }
+    fs::path sdk() const { return folder / common::sdkFileName; }
+    fs::path log() const { return module().replace_extension(".log"); }
+    /// Puts an SDK library from another folder of the built ones in the place of the installed one.
+    void replaceSdk(const std::string& built) const {
+        fs::remove(sdk());
+        fs::copy_file(common::programFolder() / built / common::sdkFileName, sdk());
+    }
+    void useScript(const std::string& text) const {
+        writeFile(folder / "script.json", text);
+        setVariable("I1PRO3_SIMULATOR", (folder / "script.json").string());
+    }
+
+    TempFolder folder;
+    Settings settings;
+
+private:
+    const EnvironmentVariable script{"I1PRO3_SIMULATOR", ""};
+};
+
+/// A change of a whole installation, and some of the findings then; of their texts and advice, a part that decides.
+struct Case {
+    void (*change)(Installation&);
+    std::vector<spm::Finding> findings;
+};
+
+const std::string key = R"(HKEY_LOCAL_MACHINE\SOFTWARE\Kestrova\SPM)";
+
+} // namespace
+
+TEST(Doctor, HasAVerdictOnEachPart) {
+    using enum spm::Verdict;
+    const std::string module = common::moduleFileName;
+    const std::string sdk = common::sdkFileName;
+    const std::string log = std::string(1, fs::path::preferred_separator) + "spm_i1pro3.log";
+    const std::string simulated = "simulated i1Pro 3 with the ColorChecker Classic chart";
+    const std::vector<Case> cases{
+        {[](Installation&) {},
+         {{good, "Module", module + "\nversion 3, minor version 0", ""},
+          {note, "SDK library", sdk + "\nSIMULATED: " + simulated, "to measure with an instrument, put the vendor's "},
+          {good, "Settings", SPMRegistry::place().substr(0, 1), ""},
+          {good, "Device", "the first by default, not set in " + key + "\\xrite i1 Pro3", ""},
+          {good, "Log file", log + ", not asked for", ""},
+          {good, "Instrument", "found and opened", ""},
+          {note, "Calibration", "not done", "have the white reference at hand: \"spm measure\" begins with it"}}},
+        {[](Installation& its) { fs::remove(its.module()); },
+         {{wrong, "Module", " is missing", "put it there, or name another one with --module"},
+          {note, "Instrument", "not looked for", "mend the module and the SDK library first"}}},
+        {[](Installation& its) { writeFile(its.module(), "text"); },
+         {{wrong, "Module", module, "install the module's file anew"}, {good, "SDK library", sdk, ""}}},
+        {[](Installation& its) { fs::remove(its.sdk()); },
+         {{wrong, "Module", module, "mend the SDK library first"},
+          {wrong, "SDK library", sdk + " is missing", "put the vendor's " + sdk + " into "}}},
+        {[](Installation& its) { writeFile(its.sdk(), "text"); },
+         {{wrong, "SDK library", "can't be loaded: ", "put "}}},
+        {[](Installation& its) { its.replaceSdk("incomplete"); },
+         {{wrong, "SDK library", sdk + " has no I1PRO3_GetSpectrum", "put the vendor's "}}},
+        {[](Installation& its) { its.replaceSdk("null"); },
+         {{good, "SDK library", sdk, ""}, {good, "Calibration", "done", ""}}},
+        {[](Installation& its) { its.settings.forbid(); },
+         {{note, "Settings", " can't be opened for reading and writing", "to have settings, make its folder, and "}}},
+        {[](Installation& its) {
+             its.settings.set(commonKey, "Logging", REG_SZ, {"1\0", 2});
+         },
+         {{wrong, "Logging", "0 by default, because what is set in " + key + " is no REG_DWORD", "set it as a REG_D"}}},
+        {[](Installation& its) { its.settings.set(deviceKey, "Device", REG_DWORD, "\1\1\1\1"); },
+         {{wrong, "Device", key + "\\xrite i1 Pro3 is no REG_SZ", "or remove it"}}},
+        {[](Installation& its) { its.settings.setNumber("Logging", 1); },
+         {{good, "Logging", "1, from " + key, ""}, {good, "Log file", ".log, written", ""}}},
+        {[](Installation& its) { fs::create_directory(its.log()); },
+         {{note, "Log file", ".log can't be written", "give this user the right to write to it and to its folder"}}},
+        {[](Installation& its) {
+             its.settings.setNumber("Logging", 1);
+             fs::create_directory(its.log());
+         },
+         {{wrong, "Log file", ".log can't be written", "give this user the right "}}},
+        {[](Installation& its) { its.useScript(R"({"instruments": []})"); },
+         {{wrong, "Instrument", "no instrument was found",
+           "it is simulated: look at the script that the environment "}}},
+        {[](Installation& its) {
+             its.useScript(R"({"faults": [{"function": "I1PRO3_SetOption", "call": 3, "result": 7}]})");
+         },
+         {{wrong, "Instrument", "the instrument could not be opened: ", "it is simulated"}}},
+        {[](Installation& its) {
+             its.useScript(R"({"faults": [{"function": "I1PRO3_GetOption", "call": 2, "result": 7}]})");
+         },
+         {{wrong, "Calibration", "the connection to the instrument was lost", "it is simulated"}}},
+    };
+    for (const Case& each : cases) {
+        Installation installation;
+        each.change(installation);
+        const std::vector<spm::Finding> findings = spm::examine(installation.module());
+        for (const auto& [verdict, subject, text, advice] : each.findings) {
+            const auto finding = std::ranges::find(findings, subject, &spm::Finding::subject);
+            ASSERT_NE(finding, findings.end()) << subject;
+            EXPECT_EQ(finding->verdict, verdict) << subject << ": " << text;
+            EXPECT_NE(finding->text.find(text), std::string::npos) << finding->text;
+            EXPECT_NE(finding->advice.find(advice), std::string::npos) << finding->advice;
+            EXPECT_EQ(finding->advice.empty(), advice.empty()) << finding->advice;
+        }
+    }
+}
+
+TEST(Doctor, LeavesTheLogFileAsItWas) {
+    Installation installation;
+    EXPECT_TRUE(spm::isSound(spm::examine(installation.module())));
+    EXPECT_FALSE(fs::exists(installation.log())) << "it was looked whether it can be written";
+    installation.settings.setNumber("Logging", 1);
+    writeFile(installation.log(), "earlier");
+    EXPECT_TRUE(spm::isSound(spm::examine(installation.module())));
+    EXPECT_TRUE(readFile(installation.log()).starts_with("earlier"));
+}
+
+TEST(Doctor, ShowsAParagraphPerFinding) {
+    std::vector<spm::Finding> findings{{spm::Verdict::good, "Module", "file\nversion 3", ""},
+                                       {spm::Verdict::note, "Settings", "defaults", "mend"},
+                                       {spm::Verdict::wrong, "Instrument", "lamp\nErrorNumber: 7\n", "look"}};
+    EXPECT_EQ(spm::formatFindings(findings, spm::ColourDepth::none), "ok     Module       file\n"
+                                                                     "                    version 3\n"
+                                                                     "note   Settings     defaults\n"
+                                                                     "                    > mend\n"
+                                                                     "WRONG  Instrument   lamp\n"
+                                                                     "                    ErrorNumber: 7\n"
+                                                                     "                    > look\n"
+                                                                     "\nNot ready: mend what is marked WRONG.\n");
+    findings.pop_back();
+    const std::string coloured = spm::formatFindings(findings, spm::ColourDepth::palette256);
+    EXPECT_TRUE(coloured.starts_with("\x1b[32mok    \x1b[0m Mod")) << coloured;
+    EXPECT_TRUE(coloured.ends_with("> mend\n\nReady to measure.\n")) << coloured;
+}

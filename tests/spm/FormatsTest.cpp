@@ -1,0 +1,111 @@
+// Each form of a run is compared with a file of tests/spm/data/.
+
+#include "spm/formats/Formats.h"
+
+#include "spm/Error.h"
+#include "spm/formats/Report.h"
+#include "spm/formats/Table.h"
+#include "tests/spm/SampleRuns.h"
+#include "tests/support/Support.h"
+#include "tests/support/System.h"
+
+#include <gtest/gtest.h>
+#include <limits>
+
+namespace {
+
+constexpr float notANumber = std::numeric_limits<float>::quiet_NaN();
+constexpr float infinite = std::numeric_limits<float>::infinity();
+
+std::string tables(const spm::Run& run) {
+    const bool isSimulated = !run.simulation.empty();
+    std::string all;
+    for (const auto depth : {spm::ColourDepth::none, spm::ColourDepth::palette256}) {
+        all += spm::labTable(run.readings, isSimulated, depth) + spm::spectraTable(run.readings, isSimulated, depth);
+    }
+    return all;
+}
+
+/// The page without its style, which is the same on each.
+std::string body(const spm::Run& run) {
+    const std::string page = spm::htmlReport(run);
+    return page.substr(page.find("<title>"));
+}
+
+bool contains(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
+
+} // namespace
+
+TEST(Formats, MatchTheirGoldenFiles) {
+    const std::vector<std::pair<std::string, std::string (*)(const spm::Run&)>> formats{{".csv", spm::formatCsv},
+                                                                                        {".json", spm::formatJson},
+                                                                                        {".cgats", spm::formatCgats},
+                                                                                        {".html", body},
+                                                                                        {".txt", tables}};
+    const std::string folder = SOURCE_FOLDER "/tests/spm/data/";
+    for (const auto& [extension, format] : formats) {
+        EXPECT_EQ(format(simulatedRows()), readFile(folder + "rows" + extension));
+        if (format == body) continue; // the spots' page differs too little to stand in a file of its own
+        EXPECT_EQ(format(measuredSpots()), readFile(folder + "spots" + extension));
+    }
+}
+
+TEST(Formats, RefuseWhatIsNoValue) {
+    struct Case {
+        std::vector<spm::Reading> readings;
+        std::string message;
+    };
+    const std::vector<Case> cases{
+        {{}, "there are no readings to write; measure at least one patch"},
+        {{{"x", std::nullopt, {}}}, "the patch \"x\" has no values; measure it again"},
+        {{{"x", SPM_LAB{notANumber, 0, 0}, {}}}, "the patch \"x\" has no finite number for L*: nan; measure it again"},
+        {{{"x", SPM_LAB{0, -infinite, 0}, {}}}, "for a*: -inf"},
+        {{{"x", SPM_LAB{0, 0, notANumber}, {}}}, "for b*: nan"},
+        {{{"x", std::nullopt, {{380, 1}, {730, infinite}}}}, "for 730 nm: inf"},
+    };
+    for (const Case& each : cases) {
+        spm::Run run;
+        run.readings = each.readings;
+        for (const auto format : {spm::formatCsv, spm::formatJson, spm::formatCgats}) {
+            try {
+                ADD_FAILURE() << format(run);
+            } catch (const spm::Error& error) {
+                EXPECT_TRUE(contains(error.what(), each.message)) << error.what();
+            }
+        }
+    }
+}
+
+TEST(Report, LeavesOutWhatWasNotMeasured) {
+    const std::string page = body(measuredSpots());
+    EXPECT_TRUE(page.starts_with("<title>Measurement 2026-")) << page;
+    EXPECT_TRUE(contains(page, "<h1>Measurement</h1>\n<dl>")) << page;
+    EXPECT_TRUE(contains(page, "<ol>\n<li>")) << page;
+    EXPECT_TRUE(contains(page, "</ol>\n<h2>Spectra</h2>")) << page;
+    EXPECT_TRUE(contains(page, "points=\"56.0,352.0 106.0,352.0 116.0,332.2 126.0,332.0 136.0,272.0 146.0,212.0 "
+                               "616.0,32.0\""))
+        << "the axes go from 330 nm to 890 nm, and from 0 to 200 percent: " << page;
+}
+
+TEST(Report, ShowsADashForWhatIsNoNumber) {
+    spm::Run run;
+    run.readings = {{"x", SPM_LAB{notANumber, infinite, 1}, {{380, 1}, {390, notANumber}}}};
+    const std::string page = body(run);
+    EXPECT_TRUE(contains(page, "<li><span></span>x</li>")) << page;
+    EXPECT_TRUE(contains(page, "<td>&#8211;</td><td>&#8211;</td><td>1.00</td>")) << page;
+    EXPECT_TRUE(contains(page, "<g stroke=\"currentColor\">")) << page;
+    EXPECT_TRUE(contains(page, "points=\"56.0,348.8\"")) << page;
+}
+
+TEST(ColourDepth, IsWhatTheTerminalCanShow) {
+    const EnvironmentVariable colours("COLORTERM", "");
+    const EnvironmentVariable terminal("TERM", "xterm-256color");
+    EXPECT_EQ(spm::colourDepth(true), spm::ColourDepth::palette256);
+    EXPECT_EQ(spm::colourDepth(false), spm::ColourDepth::none);
+    setVariable("COLORTERM", "24bit");
+    EXPECT_EQ(spm::colourDepth(true), spm::ColourDepth::trueColour);
+    const EnvironmentVariable none("NO_COLOR", "1");
+    EXPECT_EQ(spm::colourDepth(true), spm::ColourDepth::none);
+}

@@ -1,0 +1,194 @@
+// spm, run as a user runs it without a terminal, and the parts of it that no run reaches.
+
+#include "common/System.h"
+#include "spm/Error.h"
+#include "spm/measure/RunWriter.h"
+#include "tests/support/Support.h"
+#include "tests/support/System.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <map>
+#include <regex>
+
+namespace {
+
+namespace fs = std::filesystem;
+using Texts = std::vector<std::string>;
+
+const fs::path moduleFile = common::programFolder() / common::moduleFileName;
+const fs::path sdkFile = common::programFolder() / common::sdkFileName;
+
+class Spm : public testing::Test {
+protected:
+    /// Runs "spm measure" with these arguments and gives its exit status.
+    int measure(Texts arguments) {
+        arguments.insert(arguments.begin(), "measure");
+        return run(common::programFolder() / ("spm" + programExtension), arguments, {folder / "out", folder / "err"});
+    }
+    std::string file(const std::string& name) const { return (folder / name).string(); }
+    std::string output() const { return readText(folder / "out"); }
+    std::string errors() const { return readText(folder / "err"); }
+    void useScript(const std::string& text) const {
+        writeFile(folder / "script.json", text);
+        setVariable("I1PRO3_SIMULATOR", file("script.json"));
+    }
+
+    TempFolder folder;
+    Settings settings; // of this process; on Windows, spm itself reads the user's
+    const EnvironmentVariable script{"I1PRO3_SIMULATOR", ""};
+};
+
+bool contains(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
+
+} // namespace
+
+TEST_F(Spm, MeasuresTheChartInTwoPasses) {
+    const EnvironmentVariable colours("COLORTERM", "truecolor");
+    ASSERT_EQ(measure({"--chart", SOURCE_FOLDER "/simulator/data/colorchecker24.csv", "--lab", "--spectra"}), 0)
+        << errors();
+    const Texts lines = linesOf(output());
+    EXPECT_EQ(std::count(lines.begin(), lines.end(), lines.front()), 4);
+    EXPECT_EQ(lines.size(), 4U + 24 + 24 * 7);
+    EXPECT_TRUE(contains(output(), "\nwhite 9.5 (.05 D)           95.45    -0.49     1.03\n")) << output();
+    EXPECT_TRUE(contains(output(), "\nReflectance of \"black 2 (1.5 D)\" in percent, simulated:\n")) << output();
+    EXPECT_TRUE(
+        errors().starts_with("Module " + moduleFile.string() + ", version 3\nSIMULATED: no instrument is used."));
+    EXPECT_TRUE(contains(errors(), "\nAll is measured twice: first for the CIELab values, then for the spectra.\n"));
+    EXPECT_TRUE(contains(errors(), "\nRow 4 of 4, spectra: press the button and slide the instrument from "
+                                   "\"white 9.5 (.05 D)\" to \"black 2 (1.5 D)\".\n"))
+        << errors();
+}
+
+TEST_F(Spm, WritesWhatWasReadBeforeAFailure) {
+    useScript(R"({"button": {"polls": 0}, "faults": [)"
+              R"({"function": "I1PRO3_TriggerMeasurement", "call": 3, "result": 7, "text": "lamp"}]})");
+    const std::map<std::string, std::string> beginnings{
+        {"run.csv", "name,"}, {"run.json", "{"}, {"run.cgats", "CGATS.17\n"}, {"run.txt", "CGATS.17\n"}};
+    for (const auto& [name, beginning] : beginnings) {
+        EXPECT_EQ(measure({"--patches", "2", "--report", file("page.html"), "--output", file(name)}), 1) << name;
+        EXPECT_TRUE(errors().ends_with("\nspm: measuring failed: lamp\nErrorNumber: 7\n")) << errors();
+        EXPECT_TRUE(readText(file(name)).starts_with(beginning)) << name;
+        for (const std::string& written : {readFile(file(name)), readFile(file("page.html"))}) {
+            EXPECT_TRUE(contains(written, "patch 4")) << written;
+            EXPECT_FALSE(contains(written, "patch 5")) << written;
+        }
+        fs::remove(file("page.html"));
+    }
+}
+
+TEST_F(Spm, TakesItsOwnValuesAsChartAndReference) {
+    const std::string values = (folder / "" / u8"values \u8272.csv").string();
+    writeFile(file("chart.csv"), "name\n\"a, \"\"b\"\"\"\n\ngr\xC3\xBCn \xE7\xB7\x91\n");
+    ASSERT_EQ(measure({"--spots", "2", "--chart", file("chart.csv"), "--output", values}), 0) << errors();
+    EXPECT_EQ(output(), "");
+    EXPECT_TRUE(contains(errors(), "Spot 2 of 2, CIELab: place the instrument on \"gr\xC3\xBCn \xE7\xB7\x91\" and "));
+    ASSERT_EQ(measure({"--spots", "2", "--chart", values, "--reference", values}), 0) << errors();
+    EXPECT_TRUE(contains(output(), "(D65, 10 degree, simulated)\na, \"b\" ")) << output();
+    EXPECT_TRUE(contains(output(), "\n\nCompared with ")) << output();
+    EXPECT_TRUE(contains(output(), "\nmaximum                       0.00\n")) << output();
+    ASSERT_EQ(measure({"--spots", "1", "--names", "a, \"b\",x", "--format", "csv", "--reference", values}), 2);
+    ASSERT_EQ(measure({"--spots", "1", "--chart", values, "--format", "json", "--reference", values}), 0) << errors();
+    EXPECT_TRUE(contains(output(), "\"patchesInRow\": 0,")) << output();
+    EXPECT_TRUE(output().ends_with("]\n}\n")) << "the comparison stands apart from the data";
+    EXPECT_TRUE(contains(errors(), "\nmaximum                       0.00\n")) << errors();
+    EXPECT_FALSE(contains(errors(), "measured twice")) << errors();
+}
+
+TEST_F(Spm, SaysWhatFailedAndWithWhat) {
+    struct Case {
+        Texts arguments;
+        int status;
+        std::string message;
+        std::string fault{};
+    };
+    const std::string missing = file("missing.module");
+    const std::string chart = file("chart.csv");
+    const std::string place = (folder / "").parent_path().string();
+    writeFile(file("no module"), "text");
+    writeFile(chart, "name,L*,a*,b*\none,1,2,3\n");
+    const auto lampFails = [](const std::string& function) {
+        return R"({"result": 9, "text": "lamp", "function": "I1PRO3_)" + function + "\"}";
+    };
+    const std::string connectionLost = R"({"function": "I1PRO3_GetConnectionStatus", "call": 9, "exception": "x"})";
+    const Texts row{"--lab", "--spectra", "--patches", "2", "--report", file("page.html")};
+    const std::vector<Case> cases{
+        {{"--module", missing}, 1, "can't load the module " + missing + ": "},
+        {{"--module", file("no module")}, 1, "; name another one with --module, or see what \"spm doctor\" finds\n"},
+        {{"--module", sdkFile.string()}, 1, "is not a spectrophotometer module: it has no SPM_create"},
+        {{"--module", ""}, 2, "--module: names no file\n"},
+        {{"--chart", missing}, 1, "can't read the chart file " + missing + "; name a CSV file\n"},
+        {{"--chart", chart}, 2, " names 1 patches, but 24 are to be measured; "},
+        {{"--patches", "1"}, 2, "--patches"},
+        {{"--names", "a,b"}, 2, "--names has 2 patches, but 24 are to be measured; "},
+        {{"--spots", "2", "--rows", "2"}, 2, "--spots"},
+        {{"--output", "/tmp/values"}, 2, "the name /tmp/values does not tell the format; "},
+        {{"--format", "xml"}, 2, "--format"},
+        {{"--report", file("missing/page")}, 1, "page.part: No such file or directory; choose another file"},
+        {{"--report", place}, 1, "can't write " + place + ": it is no ordinary file; choose another file"},
+        {{"--report", missing, "--format", "csv", "--output", missing}, 2, missing + " would be written over; "},
+        {{"--spots", "1", "--chart", chart, "--output", chart}, 2, chart + " would be written over; give each file "},
+        {{"--reference", missing}, 1, "can't read the reference file " + missing + "; name a CSV file\n"},
+        {{"--reference", chart}, 2, "\"patch 1\" is to be measured, the reference has \"one\"; name the patches as "},
+        {{"--reference", missing, "--spectra"}, 2, "which are not measured; add --lab"},
+        {row, 1, "the instrument could not be opened: lamp\nErrorNumber: 9\n", lampFails("OpenDevice")},
+        {row, 1, "no instrument was found; connect one by USB and try again\n", R"({"function": "I1PRO3_GetDevices"})"},
+        {row, 1, "calibrating failed: lamp\nErrorNumber: 9\n", lampFails("Calibrate")},
+        {row, 1, "measuring failed: lamp\nErrorNumber: 9\n", lampFails("GetTriStimulus")},
+        {{"--spectra"}, 1, "measuring failed: lamp\nErrorNumber: 9\n", lampFails("GetSpectrum")},
+        {row, 1, "measuring failed: the instrument is not open\n", connectionLost},
+        {row, 1, "Row 1 of 4: 1 of 2 patches were found; slide more slowly, from white to white\n"},
+    };
+    for (const Case& each : cases) {
+        fs::remove(file("trace.jsonl"));
+        useScript(R"({"trace": "trace.jsonl", "samples": {"more": -1}, "faults": [)" + each.fault + "]}");
+        EXPECT_EQ(measure(each.arguments), each.status) << each.message;
+        EXPECT_TRUE(contains(errors(), each.message)) << errors();
+        EXPECT_EQ(output(), "");
+        const Texts calls = linesOf(readFile(file("trace.jsonl")));
+        EXPECT_TRUE(calls.empty() || contains(calls.back(), "SetGlobalOption")) << "the module's object is left";
+    }
+    EXPECT_FALSE(fs::exists(file("page.html"))) << "nothing was read";
+    EXPECT_FALSE(fs::exists(file("page.html.part")));
+    EXPECT_EQ(measure({"--help"}), 0);
+    EXPECT_TRUE(contains(output(), "Exit status:")) << output();
+}
+
+TEST_F(Spm, RefusesAReadingThatIsNoNumber) {
+    useScript(R"({"trace": "trace.jsonl"})");
+    ASSERT_EQ(measure({"--spots", "1"}), 0) << errors();
+    const std::regex firstValue(R"("values":\[[^,]*)");
+    writeFile(file("nan.jsonl"), std::regex_replace(readFile(file("trace.jsonl")), firstValue, R"("values":["nan")"));
+    useScript(R"({"replay": "nan.jsonl"})");
+    EXPECT_EQ(measure({"--spots", "1"}), 1);
+    EXPECT_TRUE(contains(errors(), "the patch \"patch 1\" has no finite number for L*: nan; ")) << errors();
+    EXPECT_EQ(output(), "");
+}
+
+TEST_F(Spm, WritesLaterWhatCouldNotBeSavedAtOnce) {
+    const spm::Strip spot{0, 1, "Spot"};
+    spm::MeasureOptions options;
+    options.output = folder / "later" / "run";
+    options.format = spm::Format::table;
+    const spm::Prompter prompter;
+    spm::RunWriter writer(options, prompter, {}, {"a", "b"});
+    writer.patches(spot)[0].lab = SPM_LAB{50, 1, 2};
+    testing::internal::CaptureStderr();
+    writer.save(spm::Quantity::lab, spot);
+    EXPECT_TRUE(contains(testing::internal::GetCapturedStderr(), "\nWhat was read is kept, and written with what "));
+    testing::internal::CaptureStdout();
+    EXPECT_THROW(writer.finish(), spm::Error);
+    EXPECT_TRUE(contains(testing::internal::GetCapturedStdout(), "\na      ")) << "what no file takes is not lost";
+    fs::create_directory(folder / "later");
+    writer.finish();
+    EXPECT_EQ(linesOf(readText(options.output)).size(), 2U);
+    fs::permissions(options.output, fs::perms::owner_read | fs::perms::owner_write);
+    const fs::perms earlier = fs::status(options.output).permissions();
+    writer.save(spm::Quantity::lab, spot);
+    EXPECT_EQ(fs::status(options.output).permissions(), earlier);
+    fs::remove(options.output);
+    writer.finish();
+    EXPECT_FALSE(fs::exists(options.output)) << "what is saved is not written again";
+}
