@@ -24,6 +24,10 @@ void require(bool isMet, const char* what) {
     if (!isMet) throw std::runtime_error(what);
 }
 
+void requireSuccess(std::int32_t result) {
+    require(result == 0, "the SDK library failed");
+}
+
 // Readings of a row of patches
 
 constexpr std::int32_t patches = 24;
@@ -58,11 +62,11 @@ void readSpectra() {
 
 void callScan() {
     I1PRO3_GetConnectionStatus(device);
-    I1PRO3_SetOption(device, "RecognitionKey", "RecognitionPositionDark");
-    I1PRO3_SetOption(device, "PatchesPerLine", "24");
-    I1PRO3_SetOption(device, "MeasurementMode", "ReflectanceScan");
+    requireSuccess(I1PRO3_SetOption(device, "RecognitionKey", "RecognitionPositionDark"));
+    requireSuccess(I1PRO3_SetOption(device, "PatchesPerLine", "24"));
+    requireSuccess(I1PRO3_SetOption(device, "MeasurementMode", "ReflectanceScan"));
     require(I1PRO3_GetButtonStatusD(device) != I1PRO3_BUTTON_NOT_PRESSED, "the button is not pressed");
-    I1PRO3_TriggerMeasurement(device);
+    requireSuccess(I1PRO3_TriggerMeasurement(device));
     require(I1PRO3_GetNumberOfAvailableSamples(device) == patches, "patches are missing");
 }
 
@@ -70,7 +74,8 @@ void callForValues() {
     callScan();
     std::array<float, 3> lab{};
     for (std::int32_t i = 0; i < patches; ++i) {
-        I1PRO3_GetTriStimulus(device, lab.data(), i);
+        requireSuccess(I1PRO3_GetTriStimulus(device, lab.data(), i));
+        values[static_cast<std::size_t>(i)] = {lab[0], lab[1], lab[2]};
     }
 }
 
@@ -78,7 +83,7 @@ void callForSpectra() {
     callScan();
     std::array<float, I1PRO3_NUMBER_OF_REFLECTIONS> factors{};
     for (std::int32_t i = 0; i < patches; ++i) {
-        I1PRO3_GetSpectrum(device, factors.data(), i);
+        requireSuccess(I1PRO3_GetSpectrum(device, factors.data(), i));
         SPM_REFLECTION* const points = spectra[static_cast<std::size_t>(i)].reflections;
         for (std::int32_t j = 0; j < I1PRO3_NUMBER_OF_REFLECTIONS; ++j) {
             points[j] = {I1PRO3_FIRST_WAVELENGTH + I1PRO3_WAVELENGTH_STEP * j,
