@@ -34,7 +34,7 @@ constexpr VS_FIXEDFILEINFO fixedInfo{
     .dwFileDateLS = 0,
 };
 
-constexpr std::array<version_block::Text, 8> texts{{
+constexpr auto texts = std::to_array<version_block::Text>({
     {"CompanyName", SPM_VERSION_COMPANY},
     {"FileDescription", SPM_VERSION_DESCRIPTION},
     {"FileVersion", SPM_VERSION_TEXT},
@@ -43,9 +43,9 @@ constexpr std::array<version_block::Text, 8> texts{{
     {"OriginalFilename", SPM_VERSION_FILE_NAME},
     {"ProductName", SPM_VERSION_PRODUCT},
     {"ProductVersion", SPM_VERSION_TEXT},
-}};
+});
 
-constexpr std::array<version_block::Table, 1> tables{{{0x0409, 0x04B0, texts}}};
+constexpr auto tables = std::to_array<version_block::Table>({{0x0409, 0x04B0, texts}});
 
 constexpr version_block::Block block = version_block::build(version_block::fixedPart(fixedInfo), tables);
 

@@ -100,8 +100,8 @@ TEST_F(LogFile, ShowsTheLocalTimeAndTheStandardOffsetOfTheZone) {
         log.SetDetailLevel(3);
         log.OpenFile(path.c_str(), "w");
         const std::string after = localTime();
-        const std::string head = readFile(path).substr(0, before.size() + 13);
-        EXPECT_EQ(head.substr(before.size()), std::string(" (") + zone.text + ") ") << zone.name;
+        const std::string head = readFile(path).substr(0, before.size() + 14);
+        EXPECT_EQ(head.substr(before.size()), std::string(" (") + zone.text + ") [") << zone.name;
         EXPECT_LE(before, head.substr(0, before.size())) << zone.name;
         EXPECT_GE(after, head.substr(0, before.size())) << zone.name;
     }
