@@ -29,6 +29,7 @@ Columns columnsOf(const Reading& reading) {
 std::vector<Columns> tablesOf(const Run& run) {
     std::vector<Columns> tables;
     for (const Reading& reading : run.readings) {
+        if (!reading.isMeasured()) continue;
         Columns columns = columnsOf(reading);
         if (std::find(tables.begin(), tables.end(), columns) == tables.end()) tables.push_back(std::move(columns));
     }
@@ -37,14 +38,18 @@ std::vector<Columns> tablesOf(const Run& run) {
     return tables;
 }
 
-std::string quoted(std::string text) {
-    if (text.empty()) text = "-"; // there are readers that take an empty text for the one before it
+/// A text as it may be in quotes or in a comment.
+std::string plain(std::string text) {
     for (char& character : text) {
         const auto code = static_cast<unsigned char>(character);
         if (character == '"') character = '\'';
         if (code < 0x20 || code == 0x7F) character = ' ';
     }
-    return '"' + text + '"';
+    return text;
+}
+
+std::string quoted(const std::string& text) {
+    return '"' + (text.empty() ? "-" : plain(text)) + '"'; // some readers take an empty text for the one before it
 }
 
 std::string line(std::string_view keyword, const std::string& text) {
@@ -57,11 +62,19 @@ std::string ownLine(const std::string& keyword, std::string_view text) {
 }
 
 std::string descriptor(const Run& run, std::size_t patches) {
-    const std::string arrangement = run.patchesInRow > 0 ? fmt::format(" in rows of {}", run.patchesInRow) : "";
-    const std::size_t all = run.readings.size();
-    if (patches == all) return fmt::format("patches: {}{}", all, arrangement);
-    return fmt::format("patches: {} of {}{}; those with other values stand in tables of their own", patches, all,
-                       arrangement);
+    std::string text = coverage(run) + " measured";
+    if (run.patchesInRow > 0) text += fmt::format(", in rows of {}", run.patchesInRow);
+    if (patches < measuredCount(run)) text += fmt::format("; {} in this table, as they have the same values", patches);
+    return text;
+}
+
+/// A reader skips comments, so that no patch is taken for one with values.
+std::string comments(const Run& run) {
+    std::string text;
+    for (const Gap& gap : gaps(run)) {
+        text += fmt::format("# {}\n", plain(describe(gap)));
+    }
+    return text;
 }
 
 std::string instrumentation(const Run& run) {
@@ -83,7 +96,7 @@ std::string header(const Run& run, const Columns& columns, std::size_t patches) 
         text += ownLine("OBSERVER_ANGLE", observer.substr(0, observer.find(' ')));
     }
     if (!columns.wavelengths.empty()) text += ownLine("SPECTRAL_NORM", "1.0");
-    return text;
+    return text + comments(run);
 }
 
 std::string format(const Columns& columns) {

@@ -35,10 +35,11 @@ std::string formatCsv(const Run& run) {
     for (const std::int32_t wavelength : columns) {
         text += fmt::format(",nm{}_percent", wavelength);
     }
-    text += withLab ? ",illuminant,observer,simulated\n" : ",simulated\n";
+    text += withLab ? ",illuminant,observer,simulated,not_measured\n" : ",simulated,not_measured\n";
 
     const std::string conditions = (withLab ? fmt::format(",{},{},", illuminant, observer) : ",") +
-                                   (run.simulation.empty() ? "no" : field(run.simulation)) + '\n';
+                                   (run.simulation.empty() ? "no" : field(run.simulation)) + ',';
+    const std::string measured = fmt::format(" ({} measured)", coverage(run));
     for (const Reading& reading : run.readings) {
         text += field(reading.name);
         if (withLab) text += labFields(reading);
@@ -46,7 +47,7 @@ std::string formatCsv(const Run& run) {
             const std::optional<float> value = reflectance(reading, wavelength);
             text += value ? numberAfterComma(*value) : ",";
         }
-        text += conditions;
+        text += conditions + field(reading.isMeasured() ? reading.gap : reasonOf(reading) + measured) + '\n';
     }
     return text;
 }

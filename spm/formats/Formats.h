@@ -10,17 +10,19 @@ namespace spm {
 
 // Lines end in '\n', numbers have a decimal point whatever the locale is, and each form tells whether the values were
 // simulated and, where there is CIELab, that it is for D65 and 10 degree.
-// All throw Error when there are no readings, or one of them has no values or one that is not finite.
+// All throw Error when no patch was measured, or a value is not finite.
 
-/// Comma-separated values with a header line, quoted by RFC 4180; the conditions are columns, too. A value that was
-/// not measured is an empty field. Names are kept byte by byte.
+/// Comma-separated values with a header line, quoted by RFC 4180, a line for each patch of the chart; the conditions
+/// are columns, too. A value that was not measured is an empty field, and the last column says why. Names are kept byte
+/// by byte.
 std::string formatCsv(const Run& run);
 
-/// What was not measured is not there. Bytes that are not UTF-8 become U+FFFD.
+/// All patches of the chart; one without values has a member "notMeasured" with the reason. Bytes that are not UTF-8
+/// become U+FFFD.
 std::string formatJson(const Run& run);
 
-/// The text form of ANSI CGATS.17, which has no missing values: readings with other columns stand in further tables,
-/// with the numbers that they have in the run.
+/// The text form of ANSI CGATS.17, which has no missing values: readings with other columns are in further tables, and
+/// patches that were not measured in comments. SAMPLE_ID is the patch's place in the chart, from 1.
 /// In texts, quotes become apostrophes and control characters blanks, since a text can't escape them; an empty one
 /// becomes "-". Bytes that are not ASCII are kept.
 std::string formatCgats(const Run& run);

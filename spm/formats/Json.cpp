@@ -10,12 +10,14 @@ namespace {
 using Json =
     nlohmann::basic_json<nlohmann::ordered_map, std::vector, std::string, bool, std::int64_t, std::uint64_t, float>;
 
-Json readingJson(const Reading& reading) {
-    Json json{{"name", reading.name}};
+Json readingJson(std::size_t place, const Reading& reading) {
+    Json json{{"place", place}, {"name", reading.name}};
     if (reading.lab) json["lab"] = Json{{"L", reading.lab->L}, {"a", reading.lab->a}, {"b", reading.lab->b}};
     for (const SPM_REFLECTION& point : reading.spectrum) {
         json["reflectancePercent"][std::to_string(point.wavelength)] = point.value;
     }
+    if (!reading.isMeasured()) json["notMeasured"] = reasonOf(reading);
+    if (reading.isMeasured() && !reading.gap.empty()) json["incomplete"] = reading.gap;
     return json;
 }
 
@@ -28,8 +30,10 @@ std::string formatJson(const Run& run) {
     json["illuminant"] = hasLab(run) ? Json(illuminant) : Json();
     json["observer"] = hasLab(run) ? Json(observer) : Json();
     json["patchesInRow"] = run.patchesInRow;
-    for (const Reading& reading : run.readings) {
-        json["readings"].push_back(readingJson(reading));
+    json["patchesInChart"] = run.readings.size();
+    json["patchesMeasured"] = measuredCount(run);
+    for (std::size_t i = 0; i < run.readings.size(); ++i) {
+        json["readings"].push_back(readingJson(i + 1, run.readings[i]));
     }
     return json.dump(2, ' ', false, Json::error_handler_t::replace) + '\n';
 }

@@ -3,6 +3,8 @@
 #include "common/CsvReader.h"
 #include "spm/Error.h"
 #include "spm/formats/DeltaE.h"
+#include "spm/formats/Printable.h"
+#include "spm/formats/Table.h"
 #include "spm/InputFile.h"
 
 #include <algorithm>
@@ -102,7 +104,8 @@ void summarise(Comparison& comparison) {
 }
 
 void append(std::string& text, std::string_view what, const std::vector<std::string>& names) {
-    if (!names.empty()) text += fmt::format("{}: \"{}\"\n", what, fmt::join(names, "\", \""));
+    if (!names.empty())
+        text += fmt::format("{}: \"{}\"\n", what, printable(fmt::format("{}", fmt::join(names, "\", \""))));
 }
 
 } // namespace
@@ -144,11 +147,10 @@ Comparison compare(const Run& run, const Reference& reference) {
 }
 
 std::string formatComparison(const Comparison& comparison) {
-    std::string text = fmt::format("Compared with {}\n{:<24} {:>9} {:>8} {:>8} {:>8}   ({}, {}{})\n",
-                                   comparison.file.string(), "", "CIEDE2000", "dL*", "da*", "db*", illuminant, observer,
-                                   comparison.isSimulated ? ", simulated" : "");
+    std::string text = fmt::format("Compared with {}\n{:<24} {:>9} {:>8} {:>8} {:>8}\n", comparison.file.string(),
+                                   conditions(comparison.isSimulated), "CIEDE2000", "dL*", "da*", "db*");
     for (const PatchDifference& patch : comparison.patches) {
-        text += fmt::format("{:<24} {:9.2f} {:+8.2f} {:+8.2f} {:+8.2f}\n", patch.name, patch.deltaE,
+        text += fmt::format("{:<24.24} {:9.2f} {:+8.2f} {:+8.2f} {:+8.2f}\n", printable(patch.name), patch.deltaE,
                             patch.measured.L - patch.expected.L, patch.measured.a - patch.expected.a,
                             patch.measured.b - patch.expected.b);
     }

@@ -163,14 +163,20 @@ list curvesOf(const std::vector<Reading>& readings, const Axes& axes) {
 } // namespace
 
 std::string htmlReport(const Run& run) {
+    list notMeasured;
     object page{{"title", run.simulation.empty() ? "Measurement" : "Simulated measurement"},
                 {"started", run.started},
                 {"module", run.module},
-                {"version", std::to_string(run.version)},
+                {"version", run.version},
                 {"illuminant", std::string(illuminant)},
                 {"observer", std::string(observer)},
+                {"coverage", coverage(run)},
                 {"patches", patchesOf(run)},
                 {"values", hasLab(run)}};
+    for (const Gap& gap : gaps(run)) {
+        notMeasured.push_back(object{{"text", describe(gap)}});
+    }
+    page["notMeasured"] = notMeasured;
     if (!run.simulation.empty()) page["simulation"] = run.simulation;
     if (run.patchesInRow > 0) page["patchesInRow"] = std::to_string(run.patchesInRow);
     if (!wavelengths(run).empty()) {

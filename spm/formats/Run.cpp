@@ -30,13 +30,43 @@ void requireFinite(const Reading& reading) {
 }
 
 void requireValues(const Run& run) {
-    if (run.readings.empty()) throw Error("there are no readings to write; measure at least one patch");
+    if (measuredCount(run) == 0) throw Error("there are no readings to write; measure at least one patch");
     for (const Reading& reading : run.readings) {
-        if (!reading.lab && reading.spectrum.empty()) {
-            throw Error(fmt::format("the patch \"{}\" has no values; measure it again", reading.name));
-        }
         requireFinite(reading);
     }
+}
+
+std::string reasonOf(const Reading& reading) {
+    return reading.gap.empty() ? "not reached" : reading.gap;
+}
+
+std::size_t measuredCount(const Run& run) {
+    return static_cast<std::size_t>(std::ranges::count_if(run.readings, &Reading::isMeasured));
+}
+
+std::string coverage(const Run& run) {
+    return fmt::format("{} of {} patches", measuredCount(run), run.readings.size());
+}
+
+std::vector<Gap> gaps(const Run& run) {
+    std::vector<Gap> all;
+    for (std::size_t i = 0; i < run.readings.size(); ++i) {
+        const Reading& reading = run.readings[i];
+        if (reading.isMeasured()) continue;
+        const std::string reason = reasonOf(reading);
+        if (!all.empty() && all.back().last == i && all.back().reason == reason) {
+            all.back().last = i + 1;
+        } else {
+            all.push_back({i + 1, i + 1, reason});
+        }
+    }
+    return all;
+}
+
+std::string describe(const Gap& gap) {
+    const std::string patches = gap.first == gap.last ? fmt::format("patch {}", gap.first)
+                                                      : fmt::format("patches {} to {}", gap.first, gap.last);
+    return fmt::format("{} not measured: {}", patches, gap.reason);
 }
 
 bool hasLab(const Run& run) {

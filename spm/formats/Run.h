@@ -17,34 +17,60 @@ namespace spm {
 inline constexpr std::string_view illuminant = "D65";
 inline constexpr std::string_view observer = "10 degree";
 
-/// A measured patch.
+/// A patch of the chart, and what was measured of it.
 struct Reading {
     std::string name;
     /// For illuminant D65 and the 10 degree observer.
     std::optional<SPM_LAB> lab;
     /// Reflectance in percent at each wavelength in nm; empty when it was not measured.
     std::vector<SPM_REFLECTION> spectrum;
+    /// Why values are missing, such as "skipped"; empty when none is, or when it is still to be measured.
+    std::string gap{};
+
+    bool isMeasured() const { return lab || !spectrum.empty(); }
+};
+
+/// Patches that follow one another and were not measured for the same reason.
+struct Gap {
+    /// Places in the chart, from 1.
+    std::size_t first;
+    std::size_t last;
+    std::string reason;
 };
 
 struct Run {
     /// When it began, in UTC by ISO 8601: "2026-11-23T09:30:00Z".
     std::string started;
-    /// The module's file and its version.
+    /// The module's file and its version, such as "5.9.0.3".
     std::string module;
-    std::uint32_t version = 0;
+    std::string version;
     /// What the values come from when they are simulated; empty for an instrument.
     std::string simulation;
     /// How many patches a row has; 0 when spots were measured.
     std::int32_t patchesInRow = 0;
-    /// In the order of the measurement.
+    /// All patches of the chart in their order, measured or not.
     std::vector<Reading> readings;
 };
 
-/// @throws Error  when there are no readings, or one of them has no values or one that is not finite
+/// @throws Error  when no patch was measured, or a value is not finite
 void requireValues(const Run& run);
 
 /// @throws Error  when one of the reading's values is not finite
 void requireFinite(const Reading& reading);
+
+/// Why a patch has no values.
+std::string reasonOf(const Reading& reading);
+
+std::size_t measuredCount(const Run& run);
+
+/// How much of the chart was measured: "12 of 18 patches".
+std::string coverage(const Run& run);
+
+/// The patches that were not measured.
+std::vector<Gap> gaps(const Run& run);
+
+/// A gap for people: "patches 7 to 12 not measured: skipped".
+std::string describe(const Gap& gap);
 
 /// Whether any reading has CIELab values.
 bool hasLab(const Run& run);

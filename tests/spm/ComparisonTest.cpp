@@ -88,7 +88,7 @@ TEST(Comparison, MatchesByNameAndSumsUp) {
     EXPECT_EQ(spm::formatComparison(spm::compare(run, spm::readReference(file))),
               "Compared with " + file.string() +
                   "\n"
-                  "                         CIEDE2000      dL*      da*      db*   (D65, 10 degree, simulated)\n"
+                  "D65/10 degree, simulated CIEDE2000      dL*      da*      db*\n"
                   "red, \"signal\"                 1.99    +2.00    +0.00    +0.00\n"
                   "white (.05\")                  0.78    +0.00    +0.50    -0.25\n"
                   "\n"

@@ -2,17 +2,18 @@
 
 #include "spm/formats/Run.h"
 
-/// Rows on a simulated instrument: values of all kinds, patches with only some of them, and names that could break a
-/// form.
+/// Rows on a simulated instrument: values of all kinds, patches with only some of them or none, and names that could
+/// break a form.
 inline spm::Run simulatedRows() {
     return {.started = "2026-11-23T09:30:00Z",
             .module = "C:\\new\\spm.dll",
-            .version = 5090003,
+            .version = "5.9.0.3",
             .simulation = "simulated \"i1\" & 24 patches",
             .patchesInRow = 2,
             .readings = {{"gr\xC3\xBCn", SPM_LAB{53.24F, -80.09F, 67.2F}, {{730, 120}, {380, 33.333333F}}},
                          {"a \"b\", 'c' <&>", std::nullopt, {{380, 0.00004F}, {730, 101}}},
-                         {"", SPM_LAB{0, 12.34567F, -100}, {}},
+                         {"", SPM_LAB{0, 12.34567F, -100}, {}, "spectra: skipped"},
+                         {"x", std::nullopt, {}, "skipped: lamp, \"7\""},
                          {"d\ne\tf\rg\x1F\x7F", SPM_LAB{50, 80, 60}, {{380, 4.8F}, {730, 100.5F}}}}};
 }
 
@@ -20,7 +21,7 @@ inline spm::Run simulatedRows() {
 inline spm::Run measuredSpots() {
     return {.started = "2026-11-23T09:30:00Z",
             .module = "/opt/spm.so",
-            .version = 3,
+            .version = "3",
             .simulation = "",
             .patchesInRow = 0,
             .readings = {{"gr\xFCn",
