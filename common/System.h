@@ -57,7 +57,12 @@ std::optional<std::filesystem::path> fileOfEnvironment(const char* variable);
 /// @throws std::system_error  with the system's reason, also for a folder
 std::string readFile(const std::filesystem::path& path);
 
-/// Creates a file and opens it for writing; null, and errno is set, when that can't be done or there is one already.
-std::FILE* createFile(const std::filesystem::path& path);
+/// Creates a file and opens it for writing; null, and errno is set, when that can't be done or there is one already,
+/// be it a link that leads nowhere.
+/// @param mode  "w", for lines that end as the system's do, or "wb"
+std::FILE* createFile(const std::filesystem::path& path, const char* mode);
+
+/// Whether two names in one folder are the same to the system.
+bool isSameName(const std::filesystem::path& one, const std::filesystem::path& other);
 
 } // namespace common

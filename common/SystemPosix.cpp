@@ -45,8 +45,12 @@ std::optional<std::filesystem::path> fileOfEnvironment(const char* variable) {
     return value;
 }
 
-std::FILE* createFile(const std::filesystem::path& path) {
-    return std::fopen(path.c_str(), "wxe");
+std::FILE* createFile(const std::filesystem::path& path, const char* mode) {
+    return std::fopen(path.c_str(), (std::string(mode) + "xe").c_str());
+}
+
+bool isSameName(const std::filesystem::path& one, const std::filesystem::path& other) {
+    return one == other;
 }
 
 } // namespace common

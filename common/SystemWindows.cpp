@@ -98,10 +98,20 @@ std::optional<std::filesystem::path> fileOfEnvironment(const char* variable) {
     return value;
 }
 
-std::FILE* createFile(const std::filesystem::path& path) {
+std::FILE* createFile(const std::filesystem::path& path, const char* mode) {
+    const int translation = std::string_view(mode).ends_with('b') ? _O_BINARY : _O_TEXT;
     const int file =
-        _wopen(path.c_str(), _O_CREAT | _O_EXCL | _O_WRONLY | _O_BINARY | _O_NOINHERIT, _S_IREAD | _S_IWRITE);
-    return file >= 0 ? _fdopen(file, "wb") : nullptr;
+        _wopen(path.c_str(), _O_CREAT | _O_EXCL | _O_WRONLY | _O_NOINHERIT | translation, _S_IREAD | _S_IWRITE);
+    return file >= 0 ? _fdopen(file, mode) : nullptr;
+}
+
+// The system ignores case, and dots and blanks at a name's end.
+bool isSameName(const std::filesystem::path& one, const std::filesystem::path& other) {
+    const auto stripped = [](const std::filesystem::path& name) {
+        const std::wstring& text = name.native();
+        return text.substr(0, text.find_last_not_of(L". ") + 1);
+    };
+    return CompareStringOrdinal(stripped(one).c_str(), -1, stripped(other).c_str(), -1, TRUE) == CSTR_EQUAL;
 }
 
 } // namespace common

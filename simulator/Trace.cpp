@@ -23,7 +23,7 @@ constexpr int version = 1;
 std::FILE* createNumbered(std::filesystem::path& path) {
     const std::filesystem::path wanted = path;
     for (int number = 2; true; ++number) {
-        std::FILE* const file = common::createFile(path);
+        std::FILE* const file = common::createFile(path, "wb");
         if (file != nullptr) return file;
         const int error = errno;
         if (error != EEXIST || !std::filesystem::is_regular_file(path)) {

@@ -1,12 +1,14 @@
 #include "spm/measure/OutputFile.h"
 
+#include "common/System.h"
 #include "spm/Error.h"
 
 #include <cerrno>
 #include <cstdio>
 #include <fmt/format.h>
-#include <fstream>
+#include <random>
 #include <system_error>
+#include <utility>
 
 namespace spm {
 
@@ -14,61 +16,89 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* advice = "choose another file or free its folder";
+Error failure(const std::string& file, const std::string& reason) {
+    return {fmt::format("can't write {}: {}", file, reason), "choose another file or make room in its folder"};
+}
 
-/// A file beside another, removed with the object unless it took the other's place.
+std::string lastReason() {
+    return std::generic_category().message(errno);
+}
+
+/// A new file beside another, removed with the object unless it took the other's place.
 class PartFile {
 public:
-    explicit PartFile(const fs::path& file) : whole(fs::weakly_canonical(file)), part(whole) {
-        if (fs::exists(whole) && !fs::is_regular_file(whole)) {
-            throw Error(fmt::format("can't write {}: it is no ordinary file", file.string()), advice);
-        }
-        part += ".part";
+    explicit PartFile(const fs::path& file) : whole(fs::weakly_canonical(file)) {
+        if (fs::exists(whole) && !fs::is_regular_file(whole)) throw failure(file.string(), "it is not a regular file");
+        do {
+            part = whole;
+            part += fmt::format(".{:08x}.part", std::random_device{}());
+            stream = common::createFile(part, "w");
+        } while (stream == nullptr && errno == EEXIST);
+        if (stream == nullptr) throw failure(file.string(), lastReason());
     }
     PartFile(const PartFile&) = delete;
     PartFile& operator=(const PartFile&) = delete;
     ~PartFile() {
+        if (stream != nullptr) std::fclose(stream);
         std::error_code ignored;
-        fs::remove(part, ignored);
+        if (!part.empty()) fs::remove(part, ignored);
     }
 
-    void write(const std::string& content) const try {
-        std::ofstream stream;
-        stream.exceptions(std::ios::badbit | std::ios::failbit);
-        stream.open(part);
-        stream << content;
-        stream.close();
-    } catch (const std::ios::failure&) {
-        throw Error(fmt::format("can't write {}: {}", part.string(), std::generic_category().message(errno)), advice);
+    void write(const std::string& content) {
+        const bool isWritten = std::fwrite(content.data(), 1, content.size(), stream) == content.size();
+        const int error = errno;
+        if (std::fclose(std::exchange(stream, nullptr)) == 0 && isWritten) return;
+        if (!isWritten) errno = error;
+        throw failure(whole.string(), lastReason());
     }
 
-    void takePlace() const {
-        std::error_code error;
-        if (fs::exists(whole)) fs::permissions(part, fs::status(whole).permissions(), error);
-        fs::rename(part, whole, error);
-        if (error) throw Error(fmt::format("can't write {}: {}", whole.string(), error.message()), advice);
+    void takePlace() {
+        if (fs::exists(whole)) fs::permissions(part, fs::status(whole).permissions());
+        fs::rename(part, whole);
+        part.clear();
     }
 
 private:
     fs::path whole;
     fs::path part;
+    std::FILE* stream = nullptr;
 };
+
+/// Runs what writes a file, and gives the system's errors the form of ours.
+template <class Operation>
+void writing(const fs::path& file, Operation operation) try {
+    operation();
+} catch (const fs::filesystem_error& error) {
+    throw failure(file.string(), error.code().message());
+}
 
 } // namespace
 
 void replaceFile(const fs::path& file, const std::string& content) {
-    const PartFile part(file);
-    part.write(content);
-    part.takePlace();
+    writing(file, [&] {
+        PartFile part(file);
+        part.write(content);
+        part.takePlace();
+    });
 }
 
 void writeOut(const std::string& text) {
     if (std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0) return;
-    throw Error(fmt::format("can't write to standard output: {}", std::generic_category().message(errno)));
+    throw Error(fmt::format("can't write to standard output: {}", lastReason()));
 }
 
 void requireWritable(const fs::path& file) {
-    PartFile(file).write("");
+    writing(file, [&] { const PartFile part(file); });
+}
+
+bool isSameFile(const fs::path& one, const fs::path& other) {
+    std::error_code ignored;
+    if (fs::equivalent(one, other, ignored)) return true;
+    const fs::path first = fs::weakly_canonical(one, ignored);
+    const fs::path second = fs::weakly_canonical(other, ignored);
+    return common::isSameName(first.filename(), second.filename()) &&
+           (first.parent_path() == second.parent_path() ||
+            fs::equivalent(first.parent_path(), second.parent_path(), ignored));
 }
 
 } // namespace spm
