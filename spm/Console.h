@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdio>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -14,8 +15,11 @@ std::vector<std::string> arguments(int argc, const char* const* argv);
 /// Whether a stream is shown to a person.
 bool isTerminal(std::FILE* stream);
 
+/// How many columns the terminal on standard error has; none when that can't be found out.
+std::optional<std::size_t> terminalWidth();
+
 /// Has a function called, once for each signal, when the program is asked to end: by Ctrl-C, by the system, by a
-/// terminal that is closed. What was ignored stays ignored; a wait for input ends.
+/// terminal that is closed. What was ignored stays ignored; waitForInput ends, reads and writes go on.
 void catchEnd(void (*handler)(int));
 void releaseEnd();
 

@@ -3,6 +3,7 @@
 #include <array>
 #include <csignal>
 #include <poll.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 namespace spm {
@@ -25,11 +26,17 @@ bool isTerminal(std::FILE* stream) {
     return isatty(fileno(stream)) == 1;
 }
 
+std::optional<std::size_t> terminalWidth() {
+    winsize size{};
+    if (ioctl(STDERR_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col == 0) return std::nullopt;
+    return size.ws_col;
+}
+
 void catchEnd(void (*handler)(int)) {
     for (CaughtSignal& each : caught) {
         struct sigaction action {};
         action.sa_handler = handler;
-        action.sa_flags = static_cast<int>(SA_RESETHAND);
+        action.sa_flags = static_cast<int>(SA_RESETHAND | SA_RESTART);
         sigaction(each.signal, nullptr, &each.earlier);
         if (each.earlier.sa_handler != SIG_IGN) sigaction(each.signal, &action, nullptr);
     }

@@ -23,6 +23,12 @@ bool isTerminal(std::FILE* stream) {
     return _isatty(_fileno(stream)) != 0;
 }
 
+std::optional<std::size_t> terminalWidth() {
+    CONSOLE_SCREEN_BUFFER_INFO info{};
+    if (GetConsoleScreenBufferInfo(GetStdHandle(STD_ERROR_HANDLE), &info) == 0) return std::nullopt;
+    return static_cast<std::size_t>(info.srWindow.Right - info.srWindow.Left + 1);
+}
+
 void catchEnd(void (*handler)(int)) {
     for (const int each : {SIGINT, SIGTERM, SIGBREAK}) {
         std::signal(each, handler);

@@ -22,6 +22,11 @@ private:
     std::size_t length = std::string::npos;
 };
 
+/// The first line of a text of several.
+inline std::string firstLine(const std::string& text) {
+    return text.substr(0, text.find('\n'));
+}
+
 /// A command line that can't be meant.
 class UsageError : public Error {
 public:

@@ -116,6 +116,10 @@ void addMeasure(CLI::App& app, spm::MeasureOptions& options) {
         ->check(CLI::IsMember(&formats));
     addFile(*measure, "--output", options.output, "file to write the values to, in place of standard output");
     addFile(*measure, "--report", options.report, "HTML page to make of the run");
+    measure->add_flag("--overwrite", options.overwrite, "replace output files that exist");
+    measure->add_option("--first-row", options.firstRow, "go on with this row or spot, and complete the output file")
+        ->option_text("1..100000")
+        ->check(CLI::Range(1, 100'000));
     addFile(*measure, "--reference", options.reference,
             "CSV file of expected values (name, L*, a*, b*) to compare with");
 }

@@ -1,4 +1,4 @@
-// A measuring run: the dialogue with the person.
+// A measuring run: the files before and after it.
 
 #include "spm/measure/Measure.h"
 
@@ -7,43 +7,33 @@
 #include "spm/measure/Interrupt.h"
 #include "spm/measure/OutputFile.h"
 #include "spm/measure/PatchNames.h"
-#include "spm/measure/Prompter.h"
-#include "spm/measure/RunWriter.h"
+#include "spm/measure/Session.h"
 
 #include <algorithm>
 #include <chrono>
+#include <exception>
 #include <fmt/chrono.h>
-#include <set>
+#include <iterator>
 
 namespace spm {
 
 namespace {
 
-std::vector<Strip> stripsOf(const MeasureOptions& options) {
-    const bool isSpots = options.spots > 0;
-    const std::int32_t strips = isSpots ? options.spots : options.rows;
-    const std::int32_t count = isSpots ? 1 : options.patches;
-    std::vector<Strip> all;
-    all.reserve(static_cast<std::size_t>(strips));
-    for (std::int32_t i = 0; i < strips; ++i) {
-        all.push_back({static_cast<std::size_t>(i) * static_cast<std::size_t>(count), count,
-                       fmt::format("{} {} of {}", isSpots ? "Spot" : "Row", i + 1, strips)});
-    }
-    return all;
-}
-
-/// Nothing that is read may be written over, and nothing written twice.
+/// Nothing that is read may be written over, nothing written twice, and an earlier file only when that is wanted.
 void requireDifferentFiles(const MeasureOptions& options) {
-    std::set<std::filesystem::path> files{options.module, options.chart, options.reference};
-    std::set<std::filesystem::path> taken;
-    std::transform(files.begin(), files.end(), std::inserter(taken, taken.end()),
-                   [](const std::filesystem::path& file) { return std::filesystem::weakly_canonical(file); });
+    std::vector<std::filesystem::path> taken{options.module, options.chart, options.reference};
     for (const std::filesystem::path& file : {options.output, options.report}) {
         if (file.empty()) continue;
-        if (!taken.insert(std::filesystem::weakly_canonical(file)).second) {
+        if (std::ranges::any_of(taken, [&](const auto& other) { return !other.empty() && isSameFile(file, other); })) {
             throw UsageError(fmt::format("{} would be written over; give each file a name of its own", file.string()));
         }
         requireWritable(file);
+        const bool isCompleted = options.firstRow > 1 && file == options.output;
+        if (std::filesystem::exists(file) && !options.overwrite && !isCompleted) {
+            throw UsageError(
+                fmt::format("{} exists; name another file, or replace it with --overwrite", file.string()));
+        }
+        taken.push_back(file);
     }
 }
 
@@ -68,112 +58,37 @@ std::string timeNow() {
                        fmt::gmtime(std::chrono::system_clock::to_time_t(std::chrono::system_clock::now())));
 }
 
-std::string promptFor(Quantity quantity, const Strip& strip, std::span<const Reading> patches) {
-    const std::string what = fmt::format("{}, {}", strip.name, quantity == Quantity::lab ? "CIELab" : "spectra");
-    if (strip.count == 1) {
-        return fmt::format("\n{}: place the instrument on \"{}\" and press the button.", what, patches.front().name);
-    }
-    return fmt::format("\n{}: press the button and slide the instrument from \"{}\" to \"{}\".", what,
-                       patches.front().name, patches.back().name);
-}
-
-/// Measuring on an open instrument, from the calibration to the last strip.
-class Session {
-public:
-    Session(Instrument& opened, const Prompter& shown, RunWriter& kept, const MeasureOptions& options)
-        : instrument(opened), prompter(shown), writer(kept), passes(passesOf(options)), strips(stripsOf(options)) {
-        progress.all = passes.size() * strips.size() * static_cast<std::size_t>(strips.front().count);
-    }
-
-    Outcome measure() {
-        calibrate();
-        Outcome outcome = Outcome::complete;
-        for (const Quantity quantity : passes) {
-            for (const Strip& strip : strips) {
-                if (!measure(quantity, strip)) outcome = Outcome::incomplete;
-                InterruptGuard::check();
-            }
-        }
-        return outcome;
-    }
-
-private:
-    void calibrate() const {
-        prompter.say("\nCalibration: place the instrument on its white reference and press the button.");
-        instrument.calibrate(prompter.wait(progress));
-        prompter.say("Calibrated.");
-        InterruptGuard::check();
-    }
-
-    /// Measures a strip until it was read or is not wanted any more.
-    /// @return false when it was skipped
-    bool measure(Quantity quantity, const Strip& strip) {
-        while (!read(quantity, strip)) {
-            if (prompter.askWhatNext() == Prompter::Choice::skip) return false;
-        }
-        prompter.clear();
-        progress.done += static_cast<std::size_t>(strip.count);
-        writer.save(quantity, strip);
-        return true;
-    }
-
-    /// @return false when it failed, and the person can say what to do
-    bool read(Quantity quantity, const Strip& strip) try {
-        const std::span<Reading> patches = writer.patches(strip);
-        prompter.say(promptFor(quantity, strip, patches));
-        std::vector<Reading> read(patches.begin(), patches.end());
-        const Instrument::Wait wait = prompter.wait(progress);
-        if (quantity == Quantity::lab) {
-            take(instrument.read(strip.count, wait), &Reading::lab, read, strip);
-        } else {
-            take(instrument.readSpectra(strip.count, wait), &Reading::spectrum, read, strip);
-        }
-        std::for_each(read.begin(), read.end(), requireFinite);
-        std::move(read.begin(), read.end(), patches.begin());
-        return true;
-    } catch (const Error& error) {
-        if (!prompter.canAsk()) throw;
-        prompter.say(error.what());
-        return false;
-    }
-
-    template <class Value, class Member>
-    static void take(std::vector<Value> values, Member member, std::span<Reading> patches, const Strip& strip) {
-        if (values.size() != patches.size()) {
-            throw Error(fmt::format("{}: {} of {} patches were found; slide more slowly, from white to white",
-                                    strip.name, values.size(), patches.size()));
-        }
-        for (std::size_t i = 0; i < patches.size(); ++i) {
-            patches[i].*member = std::move(values[i]);
-        }
-    }
-
-    Instrument& instrument;
-    const Prompter& prompter;
-    RunWriter& writer;
-    const std::vector<Quantity> passes;
-    const std::vector<Strip> strips;
-    Progress progress{};
+/// How the measuring ended.
+struct Ending {
+    Outcome outcome;
+    /// Why patches were not reached.
+    std::string reason;
+    std::exception_ptr failure{};
 };
 
-Outcome measureAll(const Module& module, const MeasureOptions& options, const Prompter& prompter, RunWriter& writer) {
+Ending measureAll(const Module& module, const MeasureOptions& options, const Prompter& prompter, RunWriter& writer,
+                  const Reference* reference) {
     const InterruptGuard interrupts;
     try {
-        Instrument instrument(module);
-        return Session(instrument, prompter, writer, options).measure();
+        return {Session(module, prompter, writer, options, reference).measure(), ""};
     } catch (const Interrupted&) {
         prompter.say("\nEnded; the instrument is closed, and what was read is kept.");
-        return Outcome::incomplete;
+        return {Outcome::incomplete, "the run was interrupted"};
+    } catch (const std::exception& error) {
+        return {Outcome::incomplete, "the run ended: " + firstLine(error.what()), std::current_exception()};
     }
 }
 
-Run begin(const Module& module, const MeasureOptions& options) {
+Run begin(const Module& module, const MeasureOptions& options, const std::vector<std::string>& names) {
     Run run;
     run.started = timeNow();
     run.module = options.module.string();
-    run.version = module.getVersion(nullptr);
+    run.version = std::to_string(module.getVersion(nullptr));
     run.simulation = module.simulation();
     run.patchesInRow = options.spots > 0 ? 0 : options.patches;
+    std::ranges::transform(names, std::back_inserter(run.readings), [](const std::string& name) {
+        return Reading{name, {}, {}};
+    });
     return run;
 }
 
@@ -187,6 +102,16 @@ void introduce(const Prompter& prompter, const Run& run, const MeasureOptions& o
     }
 }
 
+/// What was left out, and why.
+void sumUp(const Prompter& prompter, const Run& run) {
+    if (measuredCount(run) == 0) return;
+    std::string text = coverage(run) + " measured";
+    for (const Gap& gap : gaps(run)) {
+        text += "; " + describe(gap);
+    }
+    prompter.say(text);
+}
+
 } // namespace
 
 Outcome measure(const MeasureOptions& options) {
@@ -196,26 +121,20 @@ Outcome measure(const MeasureOptions& options) {
     const std::optional<Reference> reference = referenceOf(options, names);
     const Prompter prompter;
     const Module module(options.module);
-    const Run run = begin(module, options);
-    introduce(prompter, run, options);
-    RunWriter writer(options, prompter, run, names);
-    Outcome outcome = Outcome::incomplete;
-    std::optional<Error> failure;
+    RunWriter writer(options, prompter, begin(module, options, names));
+    introduce(prompter, writer.measured(), options);
+    const Ending ending = measureAll(module, options, prompter, writer, reference ? &*reference : nullptr);
     try {
-        outcome = measureAll(module, options, prompter, writer);
-    } catch (const Error& error) {
-        failure = error;
-        prompter.clear();
-    }
-    try {
-        writer.finish();
-        if (reference && !failure) writer.show(formatComparison(compare(writer.measured(), *reference)));
-    } catch (const Error& error) {
-        if (!failure) throw;
+        const InterruptGuard interrupts; // what was read is written all the same
+        writer.finish(ending.reason);
+        if (ending.outcome == Outcome::incomplete) sumUp(prompter, writer.measured());
+        if (reference && !ending.failure) writer.show(formatComparison(compare(writer.measured(), *reference)));
+    } catch (const std::exception& error) {
+        if (!ending.failure) throw;
         prompter.say(error.what());
     }
-    if (failure) throw Error(*failure);
-    return outcome;
+    if (ending.failure) std::rethrow_exception(ending.failure);
+    return ending.outcome;
 }
 
 } // namespace spm

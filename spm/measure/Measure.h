@@ -21,6 +21,8 @@ struct MeasureOptions {
     std::int32_t patches = 6;
     /// How many spots to measure in place of rows; 0 for rows.
     std::int32_t spots = 0;
+    /// The row or spot to begin with, from 1; values of earlier ones are taken from the output file, if there is one.
+    std::int32_t firstRow = 1;
     /// When neither is asked for: CIELab.
     bool lab = false;
     bool spectra = false;
@@ -29,6 +31,8 @@ struct MeasureOptions {
     /// Files to write; empty for none.
     std::filesystem::path output;
     std::filesystem::path report;
+    /// Whether these may be there already.
+    bool overwrite = false;
     /// The expected values of the patches; empty for none.
     std::filesystem::path reference;
 };

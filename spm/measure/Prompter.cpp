@@ -4,6 +4,7 @@
 #include "spm/Error.h"
 #include "spm/measure/Interrupt.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <fmt/format.h>
@@ -29,41 +30,45 @@ std::string bar(const Progress& progress) {
                        progress.all);
 }
 
+std::string questionOf(const std::vector<Choice>& choices) {
+    std::string question;
+    for (const Choice& choice : choices) {
+        question += fmt::format("{}{} ({})", question.empty() ? "" : ", ", choice.text, choice.letter);
+    }
+    return question + " or end (e)? ";
+}
+
 } // namespace
 
 Prompter::Prompter() : isShown(isTerminal(stderr)), isAnswered(isTerminal(stdin)) {}
 
 void Prompter::say(const std::string& text) const {
-    clear();
-    tell(text + '\n');
+    tell((isShown ? clearLine : "") + text + '\n');
 }
 
-void Prompter::clear() const {
-    if (isShown) tell(clearLine);
-}
-
-Instrument::Wait Prompter::wait(const Progress& progress) const {
-    return [this, line = bar(progress), begin = std::chrono::steady_clock::now()] {
+void Prompter::await(const Progress& progress, const std::function<void(const std::function<void()>&)>& measurement,
+                     const std::function<void()>& meanwhile) const {
+    LiveLine line(bar(progress), isShown);
+    measurement([&] {
+        line.noteLook();
         InterruptGuard::check();
-        if (isShown) {
-            const auto waited = std::chrono::steady_clock::now() - begin;
-            tell(fmt::format("{}{}; waiting for the button, {} s ", clearLine, line,
-                             std::chrono::duration_cast<std::chrono::seconds>(waited).count()));
-        }
+        meanwhile();
         std::this_thread::sleep_for(pause);
-    };
+    });
 }
 
-Prompter::Choice Prompter::askWhatNext() const {
+char Prompter::ask(const std::vector<Choice>& choices) const {
+    const std::string question = questionOf(choices);
     for (;;) {
-        tell("Measure it again (r), skip it (s) or end (e)? ");
+        tell(question);
         InterruptGuard::waitForInput();
         std::string answer;
         const bool isGiven = !!std::getline(std::cin, answer);
         InterruptGuard::check();
         if (!isGiven || answer == "e") throw Error("ended after a failure");
-        if (answer == "r") return Choice::retry;
-        if (answer == "s") return Choice::skip;
+        const auto choice =
+            std::ranges::find_if(choices, [&](const Choice& each) { return answer == std::string(1, each.letter); });
+        if (choice != choices.end()) return choice->letter;
     }
 }
 

@@ -1,9 +1,11 @@
 #pragma once
 
-#include "spm/Instrument.h"
+#include "spm/measure/LiveLine.h"
 
 #include <cstddef>
+#include <functional>
 #include <string>
+#include <vector>
 
 namespace spm {
 
@@ -13,29 +15,34 @@ struct Progress {
     std::size_t all;
 };
 
+/// An answer that a person can give.
+struct Choice {
+    char letter;
+    std::string text;
+};
+
 /// What is said to the person who measures. All of it goes to standard error: standard output has data alone.
 class Prompter {
 public:
-    enum class Choice { retry, skip };
-
     Prompter();
 
     void say(const std::string& text) const;
 
-    /// Takes the live line away, before something else is shown on the terminal.
-    void clear() const;
-
-    /// What to do while the button is waited for: on a terminal a live line shows what is done, and how long the wait
-    /// is. The wait throws Interrupted when the person ends the measuring.
-    Instrument::Wait wait(const Progress& progress) const;
+    /// Runs a measurement, and meanwhile shows on a terminal what is done and waited for.
+    /// @param measurement  is given what it has to call between two looks at the button: that throws Interrupted when
+    ///                     the person ends the measuring
+    /// @param meanwhile    what else is done between two looks
+    void await(const Progress& progress, const std::function<void(const std::function<void()>&)>& measurement,
+               const std::function<void()>& meanwhile) const;
 
     /// Whether a person sees questions and can answer them.
     bool canAsk() const { return isShown && isAnswered; }
 
-    /// Asks what to do after a failure.
-    /// @throws Error    when it is the end
+    /// Asks what to do: one of the choices, or "e" for the end.
+    /// @return the letter
+    /// @throws Error        when it is the end
     /// @throws Interrupted  when the person ends the measuring by Ctrl-C
-    Choice askWhatNext() const;
+    char ask(const std::vector<Choice>& choices) const;
 
 private:
     bool isShown;

@@ -9,9 +9,14 @@
 
 #include <algorithm>
 #include <fmt/format.h>
-#include <iterator>
 
 namespace spm {
+
+namespace {
+
+constexpr const char* keptText = "\nWhat was read is kept, and is written later.";
+
+} // namespace
 
 std::vector<Quantity> passesOf(const MeasureOptions& options) {
     if (options.lab && options.spectra) return {Quantity::lab, Quantity::spectrum};
@@ -30,54 +35,55 @@ Format formatOf(const MeasureOptions& options) {
                     options.output.string()));
 }
 
-RunWriter::RunWriter(const MeasureOptions& chosen, const Prompter& shown, Run begun,
-                     const std::vector<std::string>& names)
-    : options(chosen), prompter(shown), format(formatOf(chosen)), run(std::move(begun)) {
-    for (const std::string& name : names) {
-        readings.push_back({name, {}, {}});
-    }
-}
+RunWriter::RunWriter(const MeasureOptions& chosen, const Prompter& shown, Run begun)
+    : options(chosen), prompter(shown), format(formatOf(chosen)), run(std::move(begun)) {}
 
 std::span<Reading> RunWriter::patches(const Strip& strip) {
-    return std::span(readings).subspan(strip.first, static_cast<std::size_t>(strip.count));
-}
-
-Run RunWriter::measured() const {
-    Run part = run;
-    std::copy_if(readings.begin(), readings.end(), std::back_inserter(part.readings),
-                 [](const Reading& reading) { return reading.lab || !reading.spectrum.empty(); });
-    return part;
+    return std::span(run.readings).subspan(strip.first, static_cast<std::size_t>(strip.count));
 }
 
 void RunWriter::save(Quantity quantity, const Strip& strip) {
-    if (options.output.empty()) {
-        if (format == Format::table) writeOut(table(quantity, patches(strip)));
-        return;
-    }
-    try {
-        replaceFile(options.output, text(measured()));
-        isSaved = true;
-    } catch (const Error& error) {
+    hasFailed = false;
+    if (!options.output.empty()) {
         isSaved = false;
-        prompter.say(fmt::format("{}\nWhat was read is kept, and written with what comes next.", error.what()));
+        saveDue();
+    } else if (format == Format::table && isSaved) {
+        std::string failures;
+        isSaved = attempt([&] { writeOut(table(quantity, patches(strip))); }, failures);
+        if (!isSaved) prompter.say(failures + keptText);
     }
 }
 
-void RunWriter::finish() {
-    const Run whole = measured();
-    if (whole.readings.empty()) return;
-    if (options.output.empty() && format != Format::table) writeOut(text(whole));
-    if (!isSaved) saveOrShow(whole);
-    if (!options.report.empty()) replaceFile(options.report, htmlReport(whole));
+void RunWriter::saveDue() {
+    const Clock::time_point begin = Clock::now();
+    if (isSaved || hasFailed || begin < nextSave) return;
+    std::string failures;
+    isSaved = attempt([&] { replaceFile(options.output, text()); }, failures);
+    hasFailed = !isSaved;
+    nextSave = begin + std::max<Clock::duration>(std::chrono::seconds(1), 20 * (Clock::now() - begin));
+    if (hasFailed) prompter.say(failures + keptText);
 }
 
-void RunWriter::saveOrShow(const Run& whole) {
-    try {
-        replaceFile(options.output, text(whole));
-    } catch (const Error&) {
-        writeOut(text(whole));
-        throw;
+void RunWriter::finish(const std::string& reason) {
+    for (Reading& reading : run.readings) {
+        if (!reading.isMeasured() && reading.gap.empty()) reading.gap = reason;
     }
+    if (measuredCount(run) == 0) return;
+    std::string failures;
+    const bool isInFile = !options.output.empty() && attempt([&] { replaceFile(options.output, text()); }, failures);
+    if (!options.report.empty()) attempt([&] { replaceFile(options.report, htmlReport(run)); }, failures);
+    const bool isShown = options.output.empty() && format == Format::table && isSaved;
+    if (!isInFile && !isShown) attempt([&] { writeOut(text()); }, failures);
+    if (!failures.empty()) throw Error(failures);
+}
+
+/// Whether a write succeeded; if not, the reason is added to the failures.
+bool RunWriter::attempt(const std::function<void()>& write, std::string& failures) const try {
+    write();
+    return true;
+} catch (const std::exception& error) {
+    failures += (failures.empty() ? "" : "\n") + std::string(error.what());
+    return false;
 }
 
 void RunWriter::show(const std::string& text) const {
@@ -94,18 +100,18 @@ std::string RunWriter::table(Quantity quantity, std::span<const Reading> part) c
     return quantity == Quantity::lab ? labTable(part, isSimulated, depth) : spectraTable(part, isSimulated, depth);
 }
 
-std::string RunWriter::text(const Run& part) const {
+std::string RunWriter::text() const {
     switch (format) {
     case Format::csv:
-        return formatCsv(part);
+        return formatCsv(run);
     case Format::json:
-        return formatJson(part);
+        return formatJson(run);
     case Format::cgats:
-        return formatCgats(part);
+        return formatCgats(run);
     default: {
         std::string tables;
         for (const Quantity quantity : passesOf(options)) {
-            tables += table(quantity, part.readings);
+            tables += table(quantity, run.readings);
         }
         return tables;
     }

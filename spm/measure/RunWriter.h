@@ -3,6 +3,8 @@
 #include "spm/measure/Measure.h"
 #include "spm/measure/Prompter.h"
 
+#include <chrono>
+#include <functional>
 #include <span>
 
 namespace spm {
@@ -24,39 +26,48 @@ std::vector<Quantity> passesOf(const MeasureOptions& options);
 /// @throws UsageError  when the options don't tell it
 Format formatOf(const MeasureOptions& options);
 
-/// What is measured is kept here, and written whenever there is more of it.
+/// Keeps the run, and writes it whenever there is more of it.
 class RunWriter {
 public:
-    /// @param names  of all patches, in their order
-    RunWriter(const MeasureOptions& chosen, const Prompter& shown, Run begun, const std::vector<std::string>& names);
+    /// @param begun  the run with all its patches
+    RunWriter(const MeasureOptions& chosen, const Prompter& shown, Run begun);
 
     std::span<Reading> patches(const Strip& strip);
 
     /// The run with what was measured so far.
-    Run measured() const;
+    const Run& measured() const { return run; }
 
-    /// Writes a strip that was just measured. A file that can't be written at this time is told of, and tried again
-    /// with the next strip.
+    /// Writes a strip that was just measured: to standard output, or with all others to the output file. What can't be
+    /// written is reported, and tried again with the next strip.
     void save(Quantity quantity, const Strip& strip);
 
-    /// Writes what is made of the whole run. Values that the output file does not take go to standard output.
-    /// @throws Error  when something can't be written
-    void finish();
+    /// Writes to the output file what save left for later. A file that holds many strips is not written for each, but
+    /// for at most a twentieth of the time, and once a second.
+    void saveDue();
+
+    /// Writes what is made of the whole run. Each file is tried whatever becomes of the others; values that can't be
+    /// written anywhere else go to standard output, last.
+    /// @param reason  why patches were not reached, if so
+    /// @throws Error  with all that can't be written
+    void finish(const std::string& reason);
 
     /// Shows a text for people: on standard output where that has no data.
     void show(const std::string& text) const;
 
 private:
+    using Clock = std::chrono::steady_clock;
+
     std::string table(Quantity quantity, std::span<const Reading> part) const;
-    std::string text(const Run& part) const;
-    void saveOrShow(const Run& whole);
+    std::string text() const;
+    bool attempt(const std::function<void()>& write, std::string& failures) const;
 
     const MeasureOptions& options;
     const Prompter& prompter;
     Format format;
     Run run;
-    std::vector<Reading> readings;
     bool isSaved = true;
+    bool hasFailed = false;
+    Clock::time_point nextSave{};
 };
 
 } // namespace spm

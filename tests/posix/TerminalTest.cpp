@@ -4,9 +4,11 @@
 #include "tests/support/Support.h"
 #include "tests/support/System.h"
 
+#include <algorithm>
 #include <array>
 #include <csignal>
 #include <gtest/gtest.h>
+#include <iterator>
 #include <pty.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -20,15 +22,17 @@ const std::string killAtOnce = "(kill)";
 /// spm, measuring two rows of two patches on a terminal of its own.
 class Spm {
 public:
-    Spm(const std::string& argument, const std::string& another) {
+    explicit Spm(const std::vector<std::string>& more) {
         const std::string program = common::programFolder() / "spm";
+        std::vector<const char*> arguments{"spm", "measure", "--rows", "2", "--patches", "2"};
+        std::ranges::transform(more, std::back_inserter(arguments), &std::string::c_str);
+        arguments.push_back(nullptr);
         process = forkpty(&terminal, nullptr, nullptr, nullptr);
         if (process == 0) {
             alarm(30);               // ends a spm that hangs, and so the test's wait for it
             signal(SIGINT, SIG_DFL); // a shell's background jobs ignore it
             signal(SIGHUP, SIG_DFL);
-            execl(program.c_str(), "spm", "measure", "--rows", "2", "--patches", "2", argument.c_str(), another.c_str(),
-                  nullptr);
+            execv(program.c_str(), const_cast<char* const*>(arguments.data()));
             _exit(127);
         }
     }
@@ -81,11 +85,11 @@ private:
     std::size_t seen = 0;
 };
 
-/// The numbers of the patches that a CSV file has.
+/// The numbers of the patches that a CSV file has values of.
 std::string patchesIn(const std::filesystem::path& csv) {
     std::string numbers;
     for (const std::string& line : linesOf(readText(csv))) {
-        if (line.starts_with("patch ")) numbers += line[6];
+        if (line.starts_with("patch ") && line[8] != ',') numbers += line[6];
     }
     return numbers;
 }
@@ -95,12 +99,12 @@ std::string patchesIn(const std::filesystem::path& csv) {
 TEST(Terminal, ShowsWhatIsDoneAndTheColours) {
     const Settings settings;
     const EnvironmentVariable colours("COLORTERM", "truecolor");
-    Spm spm("--lab", "--spectra");
+    Spm spm({"--lab", "--spectra"});
     EXPECT_TRUE(spm.shows("place the instrument on its white reference and press the button.\r\n"));
-    EXPECT_TRUE(spm.shows("\r\x1b[K[........................] 0 of 8 patches; waiting for the button, 0 s "));
+    EXPECT_TRUE(spm.shows("\r\x1b[K[........................] 0 of 8 patches; waiting for the button, 0 s"));
     EXPECT_TRUE(spm.shows("\n\x1b[48;2;115;78;64m      \x1b[0m patch 1 "));
-    EXPECT_TRUE(spm.shows("\r\x1b[K[######..................] 2 of 8 patches; waiting for the button, 0 s "));
-    EXPECT_TRUE(spm.shows("in percent, simulated:  \u2581"));
+    EXPECT_TRUE(spm.shows("\r\x1b[K[######..................] 2 of 8 patches; waiting for the button, 0 s"));
+    EXPECT_TRUE(spm.shows("in percent, simulated:\r\n  \u2581"));
     EXPECT_EQ(spm.end(), 0) << spm.shown;
 }
 
@@ -112,16 +116,26 @@ TEST(Terminal, DoesWhatThePersonAnswers) {
         int status;
         std::string patches;
         std::string end;
+        std::string reference{};
     };
     const std::string fault = R"({"function": "I1PRO3_TriggerMeasurement", "result": 7, "text": "lamp", )";
     const std::string firstFails = R"("faults": [)" + fault + R"("times": 1}])";
-    const std::string firstFailsTwice = R"("faults": [)" + fault + R"("times": 2}])";
+    const std::string firstFailsTwice = R"("faults": [)" + fault + R"("times": 3}])";
     const std::string secondFails = R"("faults": [)" + fault + R"("call": 2}])";
+    const std::string someFound = R"("samples": {"more": -1})";
+    const std::string notCalibrated =
+        R"("faults": [{"function": "I1PRO3_TriggerMeasurement", "result": 13, "times": 2}])";
+    const std::string connectionLost =
+        R"("faults": [{"function": "I1PRO3_GetConnectionStatus", "call": 14, "exception": "x"}])";
+    const std::string calibrationFails = R"("faults": [{"function": "I1PRO3_Calibrate", "result": 7, "text": "lamp"}])";
     const std::string slow = R"("button": {"once per measurement": true, "milliseconds": 500})";
     const std::string atOnce = R"("button": {"polls": 0}, "latency": {"I1PRO3_TriggerMeasurement": 500, )"
                                R"("I1PRO3_Calibrate": 500})";
     const std::string lamp = "lamp\r\nErrorNumber: 7\r\n";
     const std::string question = "Measure it again (r), skip it (s) or end (e)? ";
+    const std::string keep = "Measure it again (r), keep what was read (k), skip it (s) or end (e)? ";
+    const std::string swapped = "name,L*,a*,b*\npatch 1,42.1,-12.3,21.8\npatch 2,51.6,-3.8,-20.2\n"
+                                "patch 3,65.8,13.4,17.7\npatch 4,36.8,13.9,14.7\n";
     const std::string failed = "spm: ended after a failure\r\n";
     const std::string kept = "Ended; the instrument is closed, and what was read is kept.\r\n";
     const std::string ctrlC = "\x03";
@@ -134,21 +148,37 @@ TEST(Terminal, DoesWhatThePersonAnswers) {
         {slow, {{"] 2 of 4 patches; waiting ", ctrlC}}, 3, "12", kept},
         {slow, {{"] 2 of 4 patches; waiting ", hangUp}}, 3, "12", ""},
         {slow, {{"Row 2 of 2, CIELab: ", killAtOnce}}, -1, "12", ""},
+        {someFound, {{"1 of 2 patches were found; ", ""}, {keep, "k\n"}, {keep, "k\n"}}, 3, "13", ""},
+        {notCalibrated, {{question, "r\n"}, {"Calibrated.", ""}, {"Row 1 of 2", ""}}, 0, "1234", ""},
+        {connectionLost, {{question, "r\n"}, {"Calibrated.", ""}, {"Row 1 of 2", ""}}, 0, "1234", ""},
+        {calibrationFails, {{lamp, ""}, {"Calibrate again (r) or end (e)? ", "r\n"}}, 0, "1234", ""},
+        {"",
+         {{"; Row 2 of 2 in the other direction fits it (0.0)", ""}, {keep, "k\n"}, {keep, "s\n"}},
+         3,
+         "12",
+         "",
+         swapped},
         {atOnce, {{"Calibration: ", ctrlC}}, 3, "", kept},
-        {atOnce, {{"Row 1 of 2, CIELab: ", ctrlC}}, 3, "12", kept},
+        {atOnce, {{"Row 1 of 2, CIELab: ", ""}, {"0 of 4 patches; measuring, 0 s", ctrlC}}, 3, "12", kept},
     };
     const Settings settings;
     for (const Case& each : cases) {
         const TempFolder folder;
         const EnvironmentVariable script("I1PRO3_SIMULATOR", (folder / "script.json").string());
-        writeFile(folder / "script.json", R"({"trace": "trace.jsonl", )" + each.script + "}");
-        Spm spm("--output", (folder / "values.csv").string());
+        writeFile(folder / "script.json",
+                  R"({"trace": "trace.jsonl")" + (each.script.empty() ? "" : ", " + each.script) + "}");
+        std::vector<std::string> arguments{"--output", folder / "values.csv"};
+        if (!each.reference.empty()) {
+            writeFile(folder / "reference.csv", each.reference);
+            arguments.insert(arguments.end(), {"--reference", folder / "reference.csv"});
+        }
+        Spm spm(arguments);
         for (const auto& [text, action] : each.steps) {
             EXPECT_TRUE(spm.shows(text));
-            spm.act(action);
+            if (!action.empty()) spm.act(action);
         }
         EXPECT_EQ(spm.end(), each.status) << spm.shown;
-        EXPECT_TRUE(spm.shown.ends_with(each.end)) << spm.shown;
+        EXPECT_NE(spm.shown.find(each.end), std::string::npos) << spm.shown;
         EXPECT_EQ(patchesIn(folder / "values.csv"), each.patches) << spm.shown;
         const bool isClosed = readFile(folder / "trace.jsonl").find("I1PRO3_CloseDevice") != std::string::npos;
         EXPECT_EQ(isClosed, each.status >= 0) << spm.shown;

@@ -51,7 +51,7 @@ TEST_F(Spm, MeasuresTheChartInTwoPasses) {
         << errors();
     const Texts lines = linesOf(output());
     EXPECT_EQ(std::count(lines.begin(), lines.end(), lines.front()), 4);
-    EXPECT_EQ(lines.size(), 4U + 24 + 24 * 7);
+    EXPECT_EQ(lines.size(), 4U + 24 + 24 * 9);
     EXPECT_TRUE(contains(output(), "\nwhite 9.5 (.05 D)           95.45    -0.49     1.03\n")) << output();
     EXPECT_TRUE(contains(output(), "\nReflectance of \"black 2 (1.5 D)\" in percent, simulated:\n")) << output();
     EXPECT_TRUE(
@@ -65,15 +65,18 @@ TEST_F(Spm, MeasuresTheChartInTwoPasses) {
 TEST_F(Spm, WritesWhatWasReadBeforeAFailure) {
     useScript(R"({"button": {"polls": 0}, "faults": [)"
               R"({"function": "I1PRO3_TriggerMeasurement", "call": 3, "result": 7, "text": "lamp"}]})");
-    const std::map<std::string, std::string> beginnings{
-        {"run.csv", "name,"}, {"run.json", "{"}, {"run.cgats", "CGATS.17\n"}, {"run.txt", "CGATS.17\n"}};
-    for (const auto& [name, beginning] : beginnings) {
+    const std::string ended = "the run ended: measuring failed: lamp";
+    const std::map<std::string, std::string> gaps{{"run.csv", "\npatch 5,,,,"},
+                                                  {"run.json", "\"patchesMeasured\": 4,"},
+                                                  {"run.cgats", "\n# patches 5 to 8 not measured: "},
+                                                  {"run.txt", "CGATS.17\n"}};
+    for (const auto& [name, gap] : gaps) {
         EXPECT_EQ(measure({"--patches", "2", "--report", file("page.html"), "--output", file(name)}), 1) << name;
         EXPECT_TRUE(errors().ends_with("\nspm: measuring failed: lamp\nErrorNumber: 7\n")) << errors();
-        EXPECT_TRUE(readText(file(name)).starts_with(beginning)) << name;
+        EXPECT_TRUE(contains(errors(), "\n4 of 8 patches measured; patches 5 to 8 not measured: " + ended)) << errors();
+        EXPECT_TRUE(contains(readText(file(name)), gap)) << name;
         for (const std::string& written : {readFile(file(name)), readFile(file("page.html"))}) {
-            EXPECT_TRUE(contains(written, "patch 4")) << written;
-            EXPECT_FALSE(contains(written, "patch 5")) << written;
+            EXPECT_TRUE(contains(written, ended)) << written;
         }
         fs::remove(file("page.html"));
     }
@@ -86,7 +89,7 @@ TEST_F(Spm, TakesItsOwnValuesAsChartAndReference) {
     EXPECT_EQ(output(), "");
     EXPECT_TRUE(contains(errors(), "Spot 2 of 2, CIELab: place the instrument on \"gr\xC3\xBCn \xE7\xB7\x91\" and "));
     ASSERT_EQ(measure({"--spots", "2", "--chart", values, "--reference", values}), 0) << errors();
-    EXPECT_TRUE(contains(output(), "(D65, 10 degree, simulated)\na, \"b\" ")) << output();
+    EXPECT_TRUE(contains(output(), " b*\na, \"b\" ")) << output();
     EXPECT_TRUE(contains(output(), "\n\nCompared with ")) << output();
     EXPECT_TRUE(contains(output(), "\nmaximum                       0.00\n")) << output();
     ASSERT_EQ(measure({"--spots", "1", "--names", "a, \"b\",x", "--format", "csv", "--reference", values}), 2);
@@ -112,7 +115,7 @@ TEST_F(Spm, SaysWhatFailedAndWithWhat) {
     const auto lampFails = [](const std::string& function) {
         return R"({"result": 9, "text": "lamp", "function": "I1PRO3_)" + function + "\"}";
     };
-    const std::string connectionLost = R"({"function": "I1PRO3_GetConnectionStatus", "call": 9, "exception": "x"})";
+    const std::string connectionLost = R"({"function": "I1PRO3_GetConnectionStatus", "call": 14, "exception": "x"})";
     const Texts row{"--lab", "--spectra", "--patches", "2", "--report", file("page.html")};
     const std::vector<Case> cases{
         {{"--module", missing}, 1, "can't load the module " + missing + ": "},
@@ -126,8 +129,8 @@ TEST_F(Spm, SaysWhatFailedAndWithWhat) {
         {{"--spots", "2", "--rows", "2"}, 2, "--spots"},
         {{"--output", "/tmp/values"}, 2, "the name /tmp/values does not tell the format; "},
         {{"--format", "xml"}, 2, "--format"},
-        {{"--report", file("missing/page")}, 1, "page.part: No such file or directory; choose another file"},
-        {{"--report", place}, 1, "can't write " + place + ": it is no ordinary file; choose another file"},
+        {{"--report", file("missing/page")}, 1, "page: No such file or directory; choose another file"},
+        {{"--report", place}, 1, "can't write " + place + ": it is not a regular file; choose another file"},
         {{"--report", missing, "--format", "csv", "--output", missing}, 2, missing + " would be written over; "},
         {{"--spots", "1", "--chart", chart, "--output", chart}, 2, chart + " would be written over; give each file "},
         {{"--reference", missing}, 1, "can't read the reference file " + missing + "; name a CSV file\n"},
@@ -171,24 +174,26 @@ TEST_F(Spm, WritesLaterWhatCouldNotBeSavedAtOnce) {
     const spm::Strip spot{0, 1, "Spot"};
     spm::MeasureOptions options;
     options.output = folder / "later" / "run";
+    options.report = folder / "page";
     options.format = spm::Format::table;
     const spm::Prompter prompter;
-    spm::RunWriter writer(options, prompter, {}, {"a", "b"});
-    writer.patches(spot)[0].lab = SPM_LAB{50, 1, 2};
+    spm::Run run;
+    run.readings = {{"a", SPM_LAB{50, 1, 2}, {}}, {"b", std::nullopt, {}}};
+    spm::RunWriter writer(options, prompter, run);
     testing::internal::CaptureStderr();
     writer.save(spm::Quantity::lab, spot);
-    EXPECT_TRUE(contains(testing::internal::GetCapturedStderr(), "\nWhat was read is kept, and written with what "));
+    writer.saveDue();
+    EXPECT_TRUE(
+        testing::internal::GetCapturedStderr().ends_with("folder\nWhat was read is kept, and is written later.\n"));
     testing::internal::CaptureStdout();
-    EXPECT_THROW(writer.finish(), spm::Error);
+    EXPECT_THROW(writer.finish("ended"), spm::Error);
     EXPECT_TRUE(contains(testing::internal::GetCapturedStdout(), "\na      ")) << "what no file takes is not lost";
+    EXPECT_TRUE(contains(readFile(options.report), "1 of 2 patches<br/>patch 2 not measured: ended"));
     fs::create_directory(folder / "later");
-    writer.finish();
+    writer.finish("");
     EXPECT_EQ(linesOf(readText(options.output)).size(), 2U);
     fs::permissions(options.output, fs::perms::owner_read | fs::perms::owner_write);
     const fs::perms earlier = fs::status(options.output).permissions();
-    writer.save(spm::Quantity::lab, spot);
+    writer.finish("");
     EXPECT_EQ(fs::status(options.output).permissions(), earlier);
-    fs::remove(options.output);
-    writer.finish();
-    EXPECT_FALSE(fs::exists(options.output)) << "what is saved is not written again";
 }
