@@ -112,6 +112,8 @@ TEST_F(Spm, SaysWhatFailedAndWithWhat) {
     const std::string place = (folder / "").parent_path().string();
     writeFile(file("no module"), "text");
     writeFile(chart, "name,L*,a*,b*\none,1,2,3\n");
+    writeFile(file("earlier.csv"), "");
+    fs::create_hard_link(chart, file("link.csv"));
     const auto lampFails = [](const std::string& function) {
         return R"({"result": 9, "text": "lamp", "function": "I1PRO3_)" + function + "\"}";
     };
@@ -133,6 +135,8 @@ TEST_F(Spm, SaysWhatFailedAndWithWhat) {
         {{"--report", place}, 1, "can't write " + place + ": it is not a regular file; choose another file"},
         {{"--report", missing, "--format", "csv", "--output", missing}, 2, missing + " would be written over; "},
         {{"--spots", "1", "--chart", chart, "--output", chart}, 2, chart + " would be written over; give each file "},
+        {{"--chart", chart, "--output", file("link.csv")}, 2, "link.csv would be written over; give each file "},
+        {{"--output", file("earlier.csv")}, 2, "earlier.csv exists; name another file, or replace it with --overwrite"},
         {{"--reference", missing}, 1, "can't read the reference file " + missing + "; name a CSV file\n"},
         {{"--reference", chart}, 2, "\"patch 1\" is to be measured, the reference has \"one\"; name the patches as "},
         {{"--reference", missing, "--spectra"}, 2, "which are not measured; add --lab"},
