@@ -7,6 +7,11 @@
 
 namespace common {
 
+bool doesExist(const std::filesystem::path& path) {
+    std::error_code ignored;
+    return std::filesystem::status(path, ignored).type() != std::filesystem::file_type::not_found;
+}
+
 std::string readFile(const std::filesystem::path& path) try {
     std::ifstream file;
     file.exceptions(std::ios::badbit | std::ios::failbit);

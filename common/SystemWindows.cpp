@@ -1,7 +1,9 @@
+#include "common/LibraryFile.h"
 #include "common/System.h"
 #include "platform/win32.h"
 
 #include <array>
+#include <cstddef>
 #include <cstdlib>
 #include <fcntl.h>
 #include <io.h>
@@ -42,6 +44,33 @@ private:
 
 } // namespace
 
+void requireLibrary(const std::filesystem::path& path) {
+    LibraryFile file(path);
+    file.requireLibrary(file.read<WORD>(0) == IMAGE_DOS_SIGNATURE);
+    const auto start = static_cast<std::uint64_t>(file.read<IMAGE_DOS_HEADER>(0).e_lfanew);
+    file.requireLibrary(file.read<DWORD>(start) == IMAGE_NT_SIGNATURE);
+    const auto headers = file.read<IMAGE_NT_HEADERS64>(start);
+    file.requireNative(headers.FileHeader.Machine == IMAGE_FILE_MACHINE_AMD64 &&
+                       headers.OptionalHeader.Magic == IMAGE_NT_OPTIONAL_HDR64_MAGIC);
+    file.requireLibrary((headers.FileHeader.Characteristics & IMAGE_FILE_DLL) != 0);
+    std::uint64_t next = start + offsetof(IMAGE_NT_HEADERS64, OptionalHeader) + headers.FileHeader.SizeOfOptionalHeader;
+    for (int i = 0; i < headers.FileHeader.NumberOfSections; ++i, next += sizeof(IMAGE_SECTION_HEADER)) {
+        const auto section = file.read<IMAGE_SECTION_HEADER>(next);
+        file.requireInside(section.PointerToRawData, section.SizeOfRawData);
+    }
+}
+
+std::filesystem::path sdkOf(const std::filesystem::path& module) {
+    return std::filesystem::absolute(module).parent_path() / sdkFileName;
+}
+
+bool hasSingleByteForm(const std::filesystem::path& path) {
+    BOOL isReplaced = FALSE;
+    const int length = WideCharToMultiByte(CP_ACP, WC_NO_BEST_FIT_CHARS, path.c_str(), -1, nullptr, 0, nullptr,
+                                           GetACP() == CP_UTF8 ? nullptr : &isReplaced);
+    return isReplaced == FALSE && length > 0 && length <= MAX_PATH;
+}
+
 // The libraries that this one needs are looked for beside it and among the system's own: never in the working folder
 // or on the path, where anybody may have put one of the same name.
 SharedLibrary::SharedLibrary(const std::filesystem::path& path) {
@@ -67,14 +96,18 @@ void* SharedLibrary::findInSdk(const char* name) const {
     return sdk != nullptr ? reinterpret_cast<void*>(GetProcAddress(sdk, name)) : nullptr;
 }
 
-std::filesystem::path fileOf(const void* address) {
+void* libraryOf(const void* address) {
     HMODULE module = nullptr;
-    if (GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-                           static_cast<LPCWSTR>(address), &module) == 0) {
-        return {};
-    }
+    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+                       static_cast<LPCWSTR>(address), &module);
+    return module;
+}
+
+std::filesystem::path fileOf(const void* address) {
+    void* const module = libraryOf(address);
+    if (module == nullptr) return {};
     std::wstring file(longestText, L'\0');
-    file.resize(GetModuleFileNameW(module, file.data(), longestText));
+    file.resize(GetModuleFileNameW(handle(module), file.data(), longestText));
     return file;
 }
 

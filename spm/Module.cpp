@@ -1,6 +1,9 @@
 #include "spm/Module.h"
 
+#include "cap/CAPFileVersionInfo.h"
 #include "spm/Error.h"
+
+#include <fmt/format.h>
 
 namespace spm {
 
@@ -13,11 +16,24 @@ Function Module::find(const char* name) const {
 
 namespace {
 
-common::SharedLibrary load(const std::filesystem::path& path) try {
-    return common::SharedLibrary(path);
+/// Does something to a library's file, or tells why it can't be loaded.
+template <class Action>
+auto withLibrary(const char* what, const std::filesystem::path& path, Action action) try {
+    return action(path);
 } catch (const common::LoadError& error) {
-    throw Error("can't load the module " + std::string(error.what()),
-                "name another one with --module, or see what \"spm doctor\" finds");
+    throw Error(fmt::format("can't load {} {}", what, error.what()),
+                error.advice.empty() ? "name another one with --module, or see what \"spm doctor\" finds"
+                                     : error.advice);
+}
+
+common::SharedLibrary load(const std::filesystem::path& path) {
+    const auto requireIfThere = [](const std::filesystem::path& file) {
+        if (common::doesExist(file)) common::requireLibrary(file);
+    };
+    withLibrary("the module", path, requireIfThere);
+    withLibrary("the SDK library", common::sdkOf(path), requireIfThere);
+    return withLibrary("the module", path,
+                       [](const std::filesystem::path& file) { return common::SharedLibrary(file); });
 }
 
 } // namespace
@@ -38,6 +54,16 @@ Module::Module(const std::filesystem::path& path)
       FIND(getType) {}
 
 #undef FIND
+
+std::string Module::version() const {
+    CAPFileVersionInfo info;
+    void* const loaded = common::libraryOf(reinterpret_cast<const void*>(create));
+    if (info.loadFromModule(static_cast<HMODULE>(loaded)) == 0) {
+        return fmt::format("{}.{}", getMinorVersion(), getVersion(nullptr));
+    }
+    return fmt::format("{}.{}.{}.{}", info.getFileVersionPart(3), info.getFileVersionPart(2),
+                       info.getFileVersionPart(1), info.getFileVersionPart(0));
+}
 
 std::string Module::simulation() const {
     using Description = const char* (*)();

@@ -23,10 +23,7 @@ namespace fs = std::filesystem;
 
 using Findings = std::vector<Finding>;
 
-bool doesExist(const fs::path& file) {
-    std::error_code ignored;
-    return fs::exists(file, ignored);
-}
+constexpr const char* reinstall = "install the module's file again";
 
 // The vendor's library
 
@@ -47,22 +44,33 @@ std::optional<Finding> findMissingFunction(const fs::path& file, const Find& fin
 
 /// Looks at the vendor's library alone, for why the module could not be loaded with it.
 Finding examineSdkFile(const fs::path& file) {
-    if (!doesExist(file)) return wrongSdk(file, fmt::format("{} is missing", file.string()));
+    if (!common::doesExist(file)) return wrongSdk(file, fmt::format("{} is missing", file.string()));
     try {
+        common::requireLibrary(file);
         const common::SharedLibrary library(file);
         const auto missing = findMissingFunction(file, [&](const char* name) { return library.find(name); });
         return missing.value_or(Finding{Verdict::good, "SDK library", file.string(), ""});
     } catch (const common::LoadError& error) {
-        return wrongSdk(file, fmt::format("can't be loaded: {}", error.what()));
+        Finding finding = wrongSdk(file, fmt::format("can't be loaded: {}", error.what()));
+        if (!error.advice.empty()) finding.advice = error.advice;
+        return finding;
     }
 }
 
-Finding examineSdk(const Module& module) {
+Finding examineSdk(const Module& module, const fs::path& moduleFile) {
     const fs::path file = common::fileOf(module.findInSdk(sdkFunctions.front()));
     if (auto missing = findMissingFunction(file, [&](const char* name) { return module.findInSdk(name); })) {
         return *missing;
     }
     const std::string simulation = module.simulation();
+    const fs::path beside = fs::absolute(moduleFile).parent_path() / common::sdkFileName;
+    std::error_code ignored;
+    if (common::doesExist(beside) && !fs::equivalent(file, beside, ignored)) {
+        return {Verdict::note, "SDK library",
+                fmt::format("{}\nin place of {}, because LD_LIBRARY_PATH names its folder{}{}", file.string(),
+                            beside.string(), simulation.empty() ? "" : "\nSIMULATED: ", simulation),
+                "unset LD_LIBRARY_PATH to measure with the one beside the module"};
+    }
     if (simulation.empty()) return {Verdict::good, "SDK library", file.string(), ""};
     return {Verdict::note, "SDK library", fmt::format("{}\nSIMULATED: {}", file.string(), simulation),
             "to measure with an instrument, put the vendor's library in its place"};
@@ -70,35 +78,53 @@ Finding examineSdk(const Module& module) {
 
 // The module
 
+constexpr const char* shorterPath = "move the module to a folder with a short path of ASCII letters";
+
 Finding describeModule(const Module& module) {
-    const std::uint32_t version = module.getVersion(nullptr);
-    const std::string file = common::fileOf(reinterpret_cast<const void*>(module.create)).string();
-    if (version == 0) {
-        return {Verdict::note, "Module", fmt::format("{}\nits version can't be read", file),
-                "install the module's file anew"};
+    const fs::path file = common::fileOf(reinterpret_cast<const void*>(module.create));
+    if (!common::hasSingleByteForm(file)) {
+        return {Verdict::note, "Module",
+                fmt::format("{}\nhas no version and no log file: its path has 260 characters or more, or some that are "
+                            "not in the code page",
+                            file.string()),
+                shorterPath};
     }
-    return {Verdict::good, "Module",
-            fmt::format("{}\nversion {}, minor version {}", file, version, module.getMinorVersion()), ""};
+    if (module.getVersion(nullptr) == 0) {
+        return {Verdict::note, "Module", fmt::format("{}\nits version can't be read", file.string()), reinstall};
+    }
+    return {Verdict::good, "Module", fmt::format("{}\nversion {}", file.string(), module.version()), ""};
+}
+
+/// Looks at the module's file without loading it.
+std::optional<Finding> findDefect(const fs::path& file) try {
+    if (!common::doesExist(file)) {
+        return Finding{Verdict::wrong, "Module", fmt::format("{} is missing", file.string()),
+                       "put it there, or name another one with --module"};
+    }
+    common::requireLibrary(file);
+    return std::nullopt;
+} catch (const common::LoadError& error) {
+    return Finding{Verdict::wrong, "Module", fmt::format("can't be loaded: {}", error.what()), error.advice};
 }
 
 /// Loads the module. @return null when that is not possible, or no use
 std::unique_ptr<Module> examineModule(const fs::path& file, Findings& findings) {
-    if (!doesExist(file)) {
-        findings.push_back({Verdict::wrong, "Module", fmt::format("{} is missing", file.string()),
-                            "put it there, or name another one with --module"});
+    const fs::path sdkFile = common::sdkOf(file);
+    if (const std::optional<Finding> defect = findDefect(file)) {
+        findings.push_back(*defect);
+        findings.push_back(examineSdkFile(sdkFile));
         return nullptr;
     }
     try {
         auto module = std::make_unique<Module>(file);
         findings.push_back(describeModule(*module));
-        findings.push_back(examineSdk(*module));
+        findings.push_back(examineSdk(*module, file));
         if (findings.back().verdict == Verdict::wrong) return nullptr;
         return module;
     } catch (const Error& error) {
-        const Finding sdk = examineSdkFile(fs::absolute(file).parent_path() / common::sdkFileName);
-        findings.push_back(
-            {Verdict::wrong, "Module", error.failure(),
-             sdk.verdict == Verdict::good ? "install the module's file anew" : "mend the SDK library first"});
+        const Finding sdk = examineSdkFile(sdkFile);
+        findings.push_back({Verdict::wrong, "Module", error.failure(),
+                            sdk.verdict == Verdict::good ? reinstall : "fix the SDK library first"});
         findings.push_back(sdk);
         return nullptr;
     }
@@ -106,10 +132,10 @@ std::unique_ptr<Module> examineModule(const fs::path& file, Findings& findings) 
 
 // The log file
 
-/// Whether a line could be appended to an ordinary file, or one be made. It is left as it was.
+/// Whether a line could be appended to a regular file, or one be made. It is left as it was.
 bool isWritable(const fs::path& file) {
     std::error_code ignored;
-    const bool isNew = !doesExist(file);
+    const bool isNew = !common::doesExist(file);
     if (!isNew && !fs::is_regular_file(file, ignored)) return false;
     const bool isOpen = std::ofstream(file, std::ios::app).is_open();
     if (isOpen && isNew) fs::remove(file, ignored);
@@ -117,10 +143,15 @@ bool isWritable(const fs::path& file) {
 }
 
 Finding examineLogFile(fs::path module) {
-    const std::string file = module.replace_extension(".log").string();
+    const fs::path log = module.replace_extension(".log");
+    const std::string file = log.string();
     const bool isWanted = isLoggingOn();
-    if (!isWritable(file)) {
-        return {isWanted ? Verdict::wrong : Verdict::note, "Log file", fmt::format("{} can't be written", file),
+    const Verdict verdict = isWanted ? Verdict::wrong : Verdict::note;
+    if (!common::hasSingleByteForm(fs::absolute(log))) {
+        return {verdict, "Log file", fmt::format("{} can't be written by the module", file), shorterPath};
+    }
+    if (!isWritable(log)) {
+        return {verdict, "Log file", fmt::format("{} can't be written", file),
                 "give this user the right to write to it and to its folder"};
     }
     return {Verdict::good, "Log file", fmt::format("{}, {}", file, isWanted ? "written" : "not asked for"), ""};
@@ -147,7 +178,7 @@ Finding examineCalibration(const Instrument& instrument, const Module& module) {
 void examineInstrument(const Module& module, Findings& findings) {
     try {
         const Instrument instrument(module);
-        findings.push_back({Verdict::good, "Instrument", "found and opened", ""});
+        findings.push_back({Verdict::good, "Instrument", fmt::format("found and opened\n{}", Instrument::reach), ""});
         findings.push_back(examineCalibration(instrument, module));
     } catch (const Error& error) {
         findings.push_back({Verdict::wrong, "Instrument", error.failure(), afterFailure(module)});
@@ -205,8 +236,7 @@ std::vector<Finding> examine(const fs::path& module) {
     if (loaded != nullptr) {
         examineInstrument(*loaded, findings);
     } else {
-        findings.push_back(
-            {Verdict::note, "Instrument", "not looked for", "mend the module and the SDK library first"});
+        findings.push_back({Verdict::note, "Instrument", "not looked for", "fix the module and the SDK library first"});
     }
     return findings;
 }
@@ -221,7 +251,7 @@ std::string formatFindings(std::span<const Finding> findings, ColourDepth depth)
     for (const Finding& finding : findings) {
         text += formatFinding(finding, depth);
     }
-    return text + (isSound(findings) ? "\nReady to measure.\n" : "\nNot ready: mend what is marked WRONG.\n");
+    return text + (isSound(findings) ? "\nReady to measure.\n" : "\nNot ready: fix what is marked WRONG.\n");
 }
 
 } // namespace spm
