@@ -1,37 +1,28 @@
 #pragma once
 
 #include <cstdint>
-#include <filesystem>
-#include <fstream>
-#include <string>
+#include <cstring>
+#include <optional>
+#include <string_view>
 
 namespace common {
 
-/// A library's file, whose headers are read without loading it. Whatever is wrong is thrown as a LoadError.
-class LibraryFile {
-public:
-    explicit LibraryFile(const std::filesystem::path& file);
+/// What a file's headers say against loading it as a library.
+enum class LibraryDefect { none, notALibrary, foreign, cutShort };
 
-    template <class Record>
-    Record read(std::uint64_t offset) {
-        Record record{};
-        readBytes(offset, reinterpret_cast<char*>(&record), sizeof record);
-        return record;
-    }
+/// Looks at the headers, which one source per system knows.
+LibraryDefect findHeaderDefect(std::string_view file);
 
-    /// A part that the headers name must lie inside the file.
-    void requireInside(std::uint64_t offset, std::uint64_t length) const;
-    /// @param isLibrary  whether the file has the marks of a library of this system
-    void requireLibrary(bool isLibrary) const;
-    /// @param isNative  whether the library is for the processor that this program is for
-    void requireNative(bool isNative) const;
+inline bool isInside(std::string_view file, std::uint64_t offset, std::uint64_t length) {
+    return offset <= file.size() && length <= file.size() - offset;
+}
 
-private:
-    void readBytes(std::uint64_t offset, char* target, std::size_t length);
-
-    std::string name;
-    std::ifstream stream;
-    std::uint64_t size = 0;
-};
+template <class Record>
+std::optional<Record> readRecord(std::string_view file, std::uint64_t offset) {
+    Record record{};
+    if (!isInside(file, offset, sizeof record)) return std::nullopt;
+    std::memcpy(&record, file.data() + offset, sizeof record);
+    return record;
+}
 
 } // namespace common

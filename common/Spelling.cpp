@@ -5,11 +5,11 @@
 
 namespace common {
 
-std::string lowered(std::string_view text) {
-    std::string result(text);
-    std::transform(result.begin(), result.end(), result.begin(),
-                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
-    return result;
+namespace {
+
+bool isSame(char a, char b) {
+    const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c; };
+    return lower(a) == lower(b);
 }
 
 std::size_t editDistance(std::string_view from, std::string_view to) {
@@ -19,7 +19,7 @@ std::size_t editDistance(std::string_view from, std::string_view to) {
     for (const char character : from) {
         std::size_t diagonal = distances[0]++;
         for (std::size_t i = 0; i < to.size(); ++i) {
-            const std::size_t replaced = diagonal + (character == to[i] ? 0 : 1);
+            const std::size_t replaced = diagonal + (isSame(character, to[i]) ? 0 : 1);
             diagonal = distances[i + 1];
             distances[i + 1] = std::min({replaced, diagonal + 1, distances[i] + 1});
         }
@@ -27,14 +27,18 @@ std::size_t editDistance(std::string_view from, std::string_view to) {
     return distances.back();
 }
 
-std::optional<std::string> nearestName(std::string_view given, const std::vector<std::string>& known) {
-    constexpr std::size_t mostEdits = 2;
-    const auto distance = [&](const std::string& name) { return editDistance(lowered(given), lowered(name)); };
-    const auto nearest = std::min_element(known.begin(), known.end(), [&](const auto& left, const auto& right) {
-        return distance(left) < distance(right);
-    });
-    if (nearest == known.end() || distance(*nearest) > mostEdits) return std::nullopt;
-    return *nearest;
+} // namespace
+
+std::optional<std::string> nearestName(std::string_view given, const std::vector<std::string>& known,
+                                       std::size_t mostEdits) {
+    std::optional<std::string> nearest;
+    for (const std::string& name : known) {
+        const std::size_t edits = editDistance(given, name);
+        if (edits > mostEdits || (nearest && edits == mostEdits)) continue;
+        mostEdits = edits;
+        nearest = name;
+    }
+    return nearest;
 }
 
 } // namespace common

@@ -14,33 +14,26 @@ namespace common {
 extern const char* const moduleFileName;
 extern const char* const sdkFileName;
 
-/// Why a library can't be loaded: its path and the reason.
+/// Why a library could not be loaded: its path and the system's reason.
 class LoadError : public std::runtime_error {
 public:
-    explicit LoadError(const std::string& text, std::string whatToDo = "")
-        : std::runtime_error(text), advice(std::move(whatToDo)) {}
+    using std::runtime_error::runtime_error;
+};
 
-    /// What to do; empty when only the system's reason is known.
+/// Why a library can't be loaded, as its file tells without being loaded: one that is cut short can end the program
+/// that loads it.
+struct LibraryFault {
+    std::string text;
+    /// What to do.
     std::string advice;
 };
 
-/// The library is for another kind of processor. The system's loader passes it over where it looks for one by name.
-class ForeignLibrary : public LoadError {
-public:
-    using LoadError::LoadError;
-};
+/// None for a file that is missing, too, which loading it tells.
+std::optional<LibraryFault> findFault(const std::filesystem::path& library);
 
-/// Looks at a library's headers without loading it: a file that is cut short can end the program that loads it.
-/// @throws LoadError  when it can't be loaded
-void requireLibrary(const std::filesystem::path& path);
-
-/// The vendor's library with which the system would load a module: the one beside it, unless the environment names
-/// another one.
+/// The vendor's library that the system would load with a module: the one beside it, unless the environment names
+/// another.
 std::filesystem::path sdkOf(const std::filesystem::path& module);
-
-/// Whether Windows' functions for single-byte texts, by which a module finds its own file, can express a path: the
-/// characters of its code page, fewer than 260.
-bool hasSingleByteForm(const std::filesystem::path& path);
 
 /// A library loaded at run time, for the object's life.
 class SharedLibrary {
@@ -62,8 +55,7 @@ private:
     void* library = nullptr;
 };
 
-/// The handle, as the system's functions take it, of the loaded library or program that an address is in; null when it
-/// is in none.
+/// The loaded library or program that an address is in, as the system's functions take it; null when it is in none.
 void* libraryOf(const void* address);
 
 /// The file of the loaded library or program that an address is in; empty when it is in none.
@@ -78,9 +70,6 @@ std::filesystem::path programFolder();
 
 /// The file that an environment variable names; none when it is unset or empty.
 std::optional<std::filesystem::path> fileOfEnvironment(const char* variable);
-
-/// Whether there is a file or folder, even one that this user may not look at.
-bool doesExist(const std::filesystem::path& path);
 
 /// The whole content of a file.
 /// @throws std::system_error  with the system's reason, also for a folder

@@ -1,13 +1,10 @@
 #include "common/LibraryFile.h"
 #include "common/System.h"
-#include "platform/win32.h"
 
-#include <array>
 #include <cstdlib>
 #include <dlfcn.h>
 #include <elf.h>
 #include <sstream>
-#include <string_view>
 
 /// The header of this program in memory; defined by the linker.
 extern "C" [[gnu::visibility("hidden")]] const Elf64_Ehdr __ehdr_start; // NOLINT(bugprone-reserved-identifier)
@@ -17,47 +14,39 @@ namespace common {
 const char* const moduleFileName = "spm_i1pro3.so";
 const char* const sdkFileName = "libi1Pro364.so";
 
+LibraryDefect findHeaderDefect(std::string_view file) {
+    using enum LibraryDefect;
+    if (!file.empty() && !file.starts_with(ELFMAG)) return notALibrary;
+    const auto header = readRecord<Elf64_Ehdr>(file, 0);
+    if (!header) return cutShort;
+    if (header->e_ident[EI_CLASS] != ELFCLASS64 || header->e_machine != __ehdr_start.e_machine) return foreign;
+    if (header->e_type != ET_DYN) return notALibrary;
+    for (std::uint64_t i = 0; i < header->e_phnum; ++i) {
+        const auto segment = readRecord<Elf64_Phdr>(file, header->e_phoff + i * sizeof(Elf64_Phdr));
+        if (!segment || !isInside(file, segment->p_offset, segment->p_filesz)) return cutShort;
+    }
+    return isInside(file, header->e_shoff, header->e_shnum * sizeof(Elf64_Shdr)) ? none : cutShort;
+}
+
 namespace {
 
-bool isForeign(const std::filesystem::path& library) {
-    try {
-        requireLibrary(library);
-    } catch (const ForeignLibrary&) {
-        return true;
-    } catch (const LoadError&) {
-        return false; // the system takes it, and fails
-    }
+/// Whether the loader takes a library from its path. It passes over those for other processors.
+bool isTaken(const std::filesystem::path& library) try {
+    return findHeaderDefect(readFile(library)) != LibraryDefect::foreign;
+} catch (const std::system_error&) {
     return false;
 }
 
 } // namespace
-
-void requireLibrary(const std::filesystem::path& path) {
-    LibraryFile file(path);
-    const auto mark = file.read<std::array<char, SELFMAG>>(0);
-    file.requireLibrary(std::string_view(mark.data(), mark.size()) == ELFMAG);
-    const auto header = file.read<Elf64_Ehdr>(0);
-    file.requireNative(header.e_ident[EI_CLASS] == ELFCLASS64 && header.e_machine == __ehdr_start.e_machine);
-    file.requireLibrary(header.e_type == ET_DYN);
-    for (std::uint64_t i = 0; i < header.e_phnum; ++i) {
-        const auto segment = file.read<Elf64_Phdr>(header.e_phoff + i * sizeof(Elf64_Phdr));
-        file.requireInside(segment.p_offset, segment.p_filesz);
-    }
-    file.requireInside(header.e_shoff, header.e_shnum * sizeof(Elf64_Shdr));
-}
 
 std::filesystem::path sdkOf(const std::filesystem::path& module) {
     const char* const list = std::getenv("LD_LIBRARY_PATH");
     std::istringstream folders(list != nullptr ? list : "");
     for (std::string folder; std::getline(folders, folder, ':');) {
         std::filesystem::path sdk = std::filesystem::absolute(std::filesystem::path(folder) / sdkFileName);
-        if (doesExist(sdk) && !isForeign(sdk)) return sdk;
+        if (isTaken(sdk)) return sdk;
     }
     return std::filesystem::absolute(module).parent_path() / sdkFileName;
-}
-
-bool hasSingleByteForm(const std::filesystem::path& path) {
-    return path.native().size() < MAX_PATH;
 }
 
 SharedLibrary::SharedLibrary(const std::filesystem::path& path)

@@ -44,31 +44,27 @@ private:
 
 } // namespace
 
-void requireLibrary(const std::filesystem::path& path) {
-    LibraryFile file(path);
-    file.requireLibrary(file.read<WORD>(0) == IMAGE_DOS_SIGNATURE);
-    const auto start = static_cast<std::uint64_t>(file.read<IMAGE_DOS_HEADER>(0).e_lfanew);
-    file.requireLibrary(file.read<DWORD>(start) == IMAGE_NT_SIGNATURE);
-    const auto headers = file.read<IMAGE_NT_HEADERS64>(start);
-    file.requireNative(headers.FileHeader.Machine == IMAGE_FILE_MACHINE_AMD64 &&
-                       headers.OptionalHeader.Magic == IMAGE_NT_OPTIONAL_HDR64_MAGIC);
-    file.requireLibrary((headers.FileHeader.Characteristics & IMAGE_FILE_DLL) != 0);
-    std::uint64_t next = start + offsetof(IMAGE_NT_HEADERS64, OptionalHeader) + headers.FileHeader.SizeOfOptionalHeader;
-    for (int i = 0; i < headers.FileHeader.NumberOfSections; ++i, next += sizeof(IMAGE_SECTION_HEADER)) {
-        const auto section = file.read<IMAGE_SECTION_HEADER>(next);
-        file.requireInside(section.PointerToRawData, section.SizeOfRawData);
+LibraryDefect findHeaderDefect(std::string_view file) {
+    using enum LibraryDefect;
+    if (!file.empty() && !file.starts_with("MZ")) return notALibrary;
+    const auto dos = readRecord<IMAGE_DOS_HEADER>(file, 0);
+    const auto start = dos ? static_cast<std::uint64_t>(dos->e_lfanew) : 0;
+    const auto header = readRecord<IMAGE_NT_HEADERS64>(file, start);
+    if (!dos || !header) return cutShort;
+    const IMAGE_FILE_HEADER& kind = header->FileHeader;
+    if (header->Signature != IMAGE_NT_SIGNATURE || (kind.Characteristics & IMAGE_FILE_DLL) == 0) return notALibrary;
+    if (kind.Machine != IMAGE_FILE_MACHINE_AMD64) return foreign;
+    if (header->OptionalHeader.Magic != IMAGE_NT_OPTIONAL_HDR64_MAGIC) return foreign;
+    std::uint64_t next = start + offsetof(IMAGE_NT_HEADERS64, OptionalHeader) + kind.SizeOfOptionalHeader;
+    for (int i = 0; i < kind.NumberOfSections; ++i, next += sizeof(IMAGE_SECTION_HEADER)) {
+        const auto section = readRecord<IMAGE_SECTION_HEADER>(file, next);
+        if (!section || !isInside(file, section->PointerToRawData, section->SizeOfRawData)) return cutShort;
     }
+    return none;
 }
 
 std::filesystem::path sdkOf(const std::filesystem::path& module) {
     return std::filesystem::absolute(module).parent_path() / sdkFileName;
-}
-
-bool hasSingleByteForm(const std::filesystem::path& path) {
-    BOOL isReplaced = FALSE;
-    const int length = WideCharToMultiByte(CP_ACP, WC_NO_BEST_FIT_CHARS, path.c_str(), -1, nullptr, 0, nullptr,
-                                           GetACP() == CP_UTF8 ? nullptr : &isReplaced);
-    return isReplaced == FALSE && length > 0 && length <= MAX_PATH;
 }
 
 // The libraries that this one needs are looked for beside it and among the system's own: never in the working folder

@@ -16,24 +16,18 @@ Function Module::find(const char* name) const {
 
 namespace {
 
-/// Does something to a library's file, or tells why it can't be loaded.
-template <class Action>
-auto withLibrary(const char* what, const std::filesystem::path& path, Action action) try {
-    return action(path);
-} catch (const common::LoadError& error) {
-    throw Error(fmt::format("can't load {} {}", what, error.what()),
-                error.advice.empty() ? "name another one with --module, or see what \"spm doctor\" finds"
-                                     : error.advice);
+void requireSound(const char* what, const std::filesystem::path& path) {
+    const std::optional<common::LibraryFault> fault = common::findFault(path);
+    if (fault) throw Error(fmt::format("can't load the {} {}", what, fault->text), fault->advice);
 }
 
-common::SharedLibrary load(const std::filesystem::path& path) {
-    const auto requireIfThere = [](const std::filesystem::path& file) {
-        if (common::doesExist(file)) common::requireLibrary(file);
-    };
-    withLibrary("the module", path, requireIfThere);
-    withLibrary("the SDK library", common::sdkOf(path), requireIfThere);
-    return withLibrary("the module", path,
-                       [](const std::filesystem::path& file) { return common::SharedLibrary(file); });
+common::SharedLibrary load(const std::filesystem::path& path) try {
+    requireSound("module", path);
+    requireSound("SDK library", common::sdkOf(path));
+    return common::SharedLibrary(path);
+} catch (const common::LoadError& error) {
+    throw Error("can't load the module " + std::string(error.what()),
+                "name another one with --module, or see what \"spm doctor\" finds");
 }
 
 } // namespace

@@ -149,27 +149,16 @@ void addList(CLI::App& app, bool& isWanted, std::filesystem::path& module) {
     }
 }
 
-/// The names that could have been given in place of one that the parser does not know.
-std::vector<std::string> knownNames(const CLI::App& app, const CLI::App& command, bool isOption) {
-    std::vector<std::string> names;
-    if (isOption) {
-        for (const CLI::Option* const option : command.get_options()) {
-            names.push_back("--" + option->get_single_name());
-        }
-    } else if (&command == &app) {
-        for (const CLI::App* const each : app.get_subcommands([](const CLI::App*) { return true; })) {
-            names.push_back(each->get_name());
-        }
-    }
-    return names;
-}
-
 spm::UsageError unknownName(const CLI::App& app) {
     const std::string given = app.remaining(true).front();
-    const bool isOption = given.starts_with('-');
-    const CLI::App& command = app.get_subcommands().empty() ? app : *app.get_subcommands().front();
-    const char* const kind = isOption ? "option" : &command == &app ? "command" : "argument";
-    const auto meant = common::nearestName(given.substr(0, given.find('=')), knownNames(app, command, isOption));
+    const bool hasCommand = !app.get_subcommands().empty();
+    std::vector<std::string> known;
+    for (const CLI::Option* const option : (hasCommand ? *app.get_subcommands().front() : app).get_options()) {
+        known.push_back(option->get_name());
+    }
+    if (!hasCommand) known.insert(known.end(), {"doctor", "measure"});
+    const char* const kind = given.starts_with('-') ? "option" : hasCommand ? "argument" : "command";
+    const auto meant = common::nearestName(given.substr(0, given.find('=')), known);
     return {fmt::format("unknown {} \"{}\"", kind, given),
             meant ? fmt::format("did you mean \"{}\"?", *meant) : "--help lists what there is"};
 }

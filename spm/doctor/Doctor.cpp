@@ -23,7 +23,12 @@ namespace fs = std::filesystem;
 
 using Findings = std::vector<Finding>;
 
-constexpr const char* reinstall = "install the module's file again";
+constexpr const char* reinstallingAdvice = "install the module's file again";
+
+bool doesExist(const fs::path& file) {
+    std::error_code ignored;
+    return fs::status(file, ignored).type() != fs::file_type::not_found; // also where this user may not look
+}
 
 // The vendor's library
 
@@ -44,87 +49,83 @@ std::optional<Finding> findMissingFunction(const fs::path& file, const Find& fin
 
 /// Looks at the vendor's library alone, for why the module could not be loaded with it.
 Finding examineSdkFile(const fs::path& file) {
-    if (!common::doesExist(file)) return wrongSdk(file, fmt::format("{} is missing", file.string()));
+    if (!doesExist(file)) return wrongSdk(file, fmt::format("{} is missing", file.string()));
+    if (const auto fault = common::findFault(file)) {
+        return {Verdict::wrong, "SDK library", fmt::format("can't load {}", fault->text), fault->advice};
+    }
     try {
-        common::requireLibrary(file);
         const common::SharedLibrary library(file);
         const auto missing = findMissingFunction(file, [&](const char* name) { return library.find(name); });
         return missing.value_or(Finding{Verdict::good, "SDK library", file.string(), ""});
     } catch (const common::LoadError& error) {
-        Finding finding = wrongSdk(file, fmt::format("can't be loaded: {}", error.what()));
-        if (!error.advice.empty()) finding.advice = error.advice;
-        return finding;
+        return wrongSdk(file, fmt::format("can't be loaded: {}", error.what()));
     }
 }
 
-Finding examineSdk(const Module& module, const fs::path& moduleFile) {
+Finding examineSdk(const Module& module, const fs::path& beside) {
     const fs::path file = common::fileOf(module.findInSdk(sdkFunctions.front()));
     if (auto missing = findMissingFunction(file, [&](const char* name) { return module.findInSdk(name); })) {
         return *missing;
     }
+    Finding finding{Verdict::good, "SDK library", file.string(), ""};
     const std::string simulation = module.simulation();
-    const fs::path beside = fs::absolute(moduleFile).parent_path() / common::sdkFileName;
-    std::error_code ignored;
-    if (common::doesExist(beside) && !fs::equivalent(file, beside, ignored)) {
-        return {Verdict::note, "SDK library",
-                fmt::format("{}\nin place of {}, because LD_LIBRARY_PATH names its folder{}{}", file.string(),
-                            beside.string(), simulation.empty() ? "" : "\nSIMULATED: ", simulation),
-                "unset LD_LIBRARY_PATH to measure with the one beside the module"};
+    if (!simulation.empty()) {
+        finding = {Verdict::note, "SDK library", fmt::format("{}\nSIMULATED: {}", file.string(), simulation),
+                   "to measure with an instrument, put the vendor's library in its place"};
     }
-    if (simulation.empty()) return {Verdict::good, "SDK library", file.string(), ""};
-    return {Verdict::note, "SDK library", fmt::format("{}\nSIMULATED: {}", file.string(), simulation),
-            "to measure with an instrument, put the vendor's library in its place"};
+    std::error_code ignored;
+    if (doesExist(beside) && !fs::equivalent(file, beside, ignored)) {
+        finding.verdict = Verdict::note;
+        finding.text += fmt::format("\nLD_LIBRARY_PATH brings it in place of {}", beside.string());
+        finding.advice = "unset LD_LIBRARY_PATH to measure with the one beside the module";
+    }
+    return finding;
 }
 
 // The module
 
-constexpr const char* shorterPath = "move the module to a folder with a short path of ASCII letters";
+constexpr const char* movingAdvice = "move the module to a folder with a short path of ASCII letters";
 
-Finding describeModule(const Module& module) {
-    const fs::path file = common::fileOf(reinterpret_cast<const void*>(module.create));
-    if (!common::hasSingleByteForm(file)) {
-        return {Verdict::note, "Module",
-                fmt::format("{}\nhas no version and no log file: its path has 260 characters or more, or some that are "
-                            "not in the code page",
-                            file.string()),
-                shorterPath};
-    }
-    if (module.getVersion(nullptr) == 0) {
-        return {Verdict::note, "Module", fmt::format("{}\nits version can't be read", file.string()), reinstall};
-    }
-    return {Verdict::good, "Module", fmt::format("{}\nversion {}", file.string(), module.version()), ""};
+/// Whether the module can't find its own file, for it asks the system in single-byte texts of at most 259 characters.
+bool isNameless(const Module& module, const std::string& file) {
+    const auto isAscii = [](char c) { return static_cast<unsigned char>(c) < 0x80; };
+    return module.getVersion(nullptr) == 0 && (file.size() >= 260 || !std::all_of(file.begin(), file.end(), isAscii));
 }
 
-/// Looks at the module's file without loading it.
-std::optional<Finding> findDefect(const fs::path& file) try {
-    if (!common::doesExist(file)) {
-        return Finding{Verdict::wrong, "Module", fmt::format("{} is missing", file.string()),
-                       "put it there, or name another one with --module"};
+Finding describeModule(const Module& module) {
+    const std::string file = common::fileOf(reinterpret_cast<const void*>(module.create)).string();
+    if (isNameless(module, file)) {
+        return {
+            Verdict::note, "Module",
+            fmt::format("{}\nno version and no log file: the path is too long, or has characters outside the system's "
+                        "code page",
+                        file),
+            movingAdvice};
     }
-    common::requireLibrary(file);
-    return std::nullopt;
-} catch (const common::LoadError& error) {
-    return Finding{Verdict::wrong, "Module", fmt::format("can't be loaded: {}", error.what()), error.advice};
+    if (module.getVersion(nullptr) == 0) {
+        return {Verdict::note, "Module", fmt::format("{}\nits version can't be read", file), reinstallingAdvice};
+    }
+    return {Verdict::good, "Module", fmt::format("{}\nversion {}", file, module.version()), ""};
 }
 
 /// Loads the module. @return null when that is not possible, or no use
 std::unique_ptr<Module> examineModule(const fs::path& file, Findings& findings) {
-    const fs::path sdkFile = common::sdkOf(file);
-    if (const std::optional<Finding> defect = findDefect(file)) {
-        findings.push_back(*defect);
-        findings.push_back(examineSdkFile(sdkFile));
+    if (!doesExist(file)) {
+        findings.push_back({Verdict::wrong, "Module", fmt::format("{} is missing", file.string()),
+                            "put it there, or name another one with --module"});
         return nullptr;
     }
     try {
         auto module = std::make_unique<Module>(file);
         findings.push_back(describeModule(*module));
-        findings.push_back(examineSdk(*module, file));
+        findings.push_back(examineSdk(*module, fs::absolute(file).parent_path() / common::sdkFileName));
         if (findings.back().verdict == Verdict::wrong) return nullptr;
         return module;
     } catch (const Error& error) {
-        const Finding sdk = examineSdkFile(sdkFile);
-        findings.push_back({Verdict::wrong, "Module", error.failure(),
-                            sdk.verdict == Verdict::good ? reinstall : "fix the SDK library first"});
+        const Finding sdk = examineSdkFile(common::sdkOf(file));
+        const auto fault = common::findFault(file);
+        const std::string otherwise = sdk.verdict == Verdict::good ? reinstallingAdvice : "fix the SDK library first";
+        findings.push_back({Verdict::wrong, "Module", error.failure(), fault ? fault->advice : otherwise});
         findings.push_back(sdk);
         return nullptr;
     }
@@ -135,24 +136,19 @@ std::unique_ptr<Module> examineModule(const fs::path& file, Findings& findings) 
 /// Whether a line could be appended to a regular file, or one be made. It is left as it was.
 bool isWritable(const fs::path& file) {
     std::error_code ignored;
-    const bool isNew = !common::doesExist(file);
+    const bool isNew = !doesExist(file);
     if (!isNew && !fs::is_regular_file(file, ignored)) return false;
     const bool isOpen = std::ofstream(file, std::ios::app).is_open();
     if (isOpen && isNew) fs::remove(file, ignored);
     return isOpen;
 }
 
-Finding examineLogFile(fs::path module) {
-    const fs::path log = module.replace_extension(".log");
-    const std::string file = log.string();
+Finding examineLogFile(fs::path module, bool isNameless) {
+    const std::string file = module.replace_extension(".log").string();
     const bool isWanted = isLoggingOn();
-    const Verdict verdict = isWanted ? Verdict::wrong : Verdict::note;
-    if (!common::hasSingleByteForm(fs::absolute(log))) {
-        return {verdict, "Log file", fmt::format("{} can't be written by the module", file), shorterPath};
-    }
-    if (!isWritable(log)) {
-        return {verdict, "Log file", fmt::format("{} can't be written", file),
-                "give this user the right to write to it and to its folder"};
+    if (isNameless || !isWritable(file)) {
+        return {isWanted ? Verdict::wrong : Verdict::note, "Log file", fmt::format("{} can't be written", file),
+                isNameless ? movingAdvice : "give this user the right to write to it and to its folder"};
     }
     return {Verdict::good, "Log file", fmt::format("{}, {}", file, isWanted ? "written" : "not asked for"), ""};
 }
@@ -232,7 +228,7 @@ std::vector<Finding> examine(const fs::path& module) {
     const Findings settings = examineSettings();
     const std::unique_ptr<Module> loaded = examineModule(module, findings);
     findings.insert(findings.end(), settings.begin(), settings.end());
-    findings.push_back(examineLogFile(module));
+    findings.push_back(examineLogFile(module, loaded != nullptr && isNameless(*loaded, module.string())));
     if (loaded != nullptr) {
         examineInstrument(*loaded, findings);
     } else {

@@ -4,39 +4,35 @@
 #include "module/SPMRegistry.h"
 #include "spm/doctor/StoredSettings.h"
 
-#include <algorithm>
 #include <fmt/format.h>
 
 namespace spm {
 
 namespace {
 
-using Access = SPMRegistry::Access;
-
 /// The model whose settings are looked at: what the module's getName answers.
 constexpr const char* model = "xrite i1 Pro3";
 
-/// What a settings file is that the module can't read, by how it begins.
-std::string describeForm(const std::string& text) {
-    constexpr std::string_view signature = "Windows Registry Editor";
-    if (text.starts_with("\xFF\xFE") || text.starts_with("\xFE\xFF")) return "is UTF-16 text of a newer regedit";
-    if (text.starts_with("\xEF\xBB\xBF")) return "begins with a byte order mark";
-    if (text.starts_with(signature)) return "has the form of a newer regedit";
-    return text.empty() ? "can't be read" : "does not begin with the line REGEDIT4";
+/// What is wrong with a settings file that the module can't read, by how it begins.
+const char* formOf(const std::string& text) {
+    if (text.empty()) return "can't be read";
+    if (text.starts_with("\xFF\xFE")) return "is UTF-16 text, as a newer regedit writes it";
+    if (text.starts_with("Windows Registry Editor")) return "has the form of a newer regedit";
+    return "does not begin with the line REGEDIT4";
 }
 
-Finding describeAccess(Access access) {
+Finding describeAccess() {
     const std::string place = SPMRegistry::place();
-    switch (access) {
-    case Access::granted:
+    switch (SPMRegistry::access()) {
+    case SPMRegistry::Access::granted:
         return {Verdict::good, "Settings", place, ""};
-    case Access::denied:
+    case SPMRegistry::Access::denied:
         return {Verdict::note, "Settings",
                 fmt::format("the defaults hold, because {} can't be opened for reading and writing", place),
                 fmt::format("to have settings, {}", settingsRightAdvice)};
     default:
         return {Verdict::wrong, "Settings",
-                fmt::format("the defaults hold, because {} {}", place, describeForm(settingsText())),
+                fmt::format("the defaults hold, because {} {}", place, formOf(settingsText())),
                 "export it as \"Win9x/NT4 Registration Files (REGEDIT4)\", or save it as single-byte text whose first "
                 "line is REGEDIT4"};
     }
@@ -51,93 +47,65 @@ struct Setting {
     std::string keyPath;
 };
 
-const std::vector<Setting>& knownSettings() {
-    static const std::vector<Setting> all{
-        {SPMRegistry::logging, "REG_DWORD", "0", "dword:00000001", SPMRegistry::path()},
-        {SPMRegistry::details, "REG_DWORD", "0", "dword:00000001", SPMRegistry::path()},
-        {SPMRegistry::device, "REG_SZ", "the first", "\"USB\"", SPMRegistry::path(model)}};
-    return all;
-}
-
-std::string pathOf(const std::string& key, const std::string& name) {
-    return common::lowered(key + '\\' + name);
-}
-
-bool isOf(const Setting& setting, const StoredValue& value) {
-    return pathOf(setting.keyPath, setting.name) == pathOf(value.key, value.name);
-}
-
-/// A setting that the module has no value of, though one is stored.
-Finding describeIgnored(const Setting& setting, Access access) {
+Finding describeIgnored(const Setting& setting) {
     const auto& [name, type, byDefault, example, keyPath] = setting;
-    const std::string text = fmt::format("{} by default: what is set in {} is ignored", byDefault, keyPath);
-    if (access == Access::granted) {
-        return {Verdict::wrong, name, text + ", because it can't be understood",
-                fmt::format("write the line \"{}\"={}", name, example)};
-    }
-    return {Verdict::wrong, name, text, access == Access::denied ? settingsRightAdvice : "fix the settings file first"};
+    std::string advice = fmt::format("write it as \"{}\"={}", name, example);
+    if (SPMRegistry::access() == SPMRegistry::Access::denied) advice = settingsRightAdvice;
+    if (SPMRegistry::access() == SPMRegistry::Access::failed) advice = "fix the settings file first";
+    return {Verdict::wrong, name, fmt::format("{} by default: what is set in {} is ignored", byDefault, keyPath),
+            advice};
 }
 
 template <class Value>
-Finding describe(const Setting& setting, bool isStored, const std::optional<Value>& value) {
+Finding describe(const Setting& setting, const SPMRegistry& key, const std::optional<Value>& value,
+                 const std::vector<std::string>& stored) {
     const auto& [name, type, byDefault, example, keyPath] = setting;
     if (value) return {Verdict::good, name, fmt::format("{}, from {}", *value, keyPath), ""};
-    if (!isStored) {
-        return {Verdict::good, name, fmt::format("{} by default, not set in {}", byDefault, keyPath), ""};
+    if (key.hasValue(name)) {
+        return {Verdict::wrong, name,
+                fmt::format("{} by default, because what is set in {} is not a {}", byDefault, keyPath, type),
+                fmt::format("set it as a {}, or remove it", type)};
     }
-    return {Verdict::wrong, name,
-            fmt::format("{} by default, because what is set in {} is not a {}", byDefault, keyPath, type),
-            fmt::format("set it as a {}, or remove it", type)};
+    if (common::nearestName(keyPath + '\\' + name, stored, 0)) return describeIgnored(setting);
+    return {Verdict::good, name, fmt::format("{} by default, not set in {}", byDefault, keyPath), ""};
 }
 
-Finding examine(const Setting& setting, const std::vector<StoredValue>& stored, Access access) {
-    const bool isNumber = setting.type == std::string_view("REG_DWORD");
-    const SPMRegistry common;
-    const SPMRegistry own(model);
-    const SPMRegistry& key = isNumber ? common : own;
-    const bool isHeld = key.hasValue(setting.name);
-    const auto isThis = [&](const StoredValue& value) { return isOf(setting, value); };
-    if (!isHeld && std::any_of(stored.begin(), stored.end(), isThis)) return describeIgnored(setting, access);
-    if (isNumber) return describe(setting, isHeld, key.findNumber(setting.name));
-    return describe(setting, isHeld, key.findString(setting.name));
+Finding describeNumber(const char* name, const std::vector<std::string>& stored) {
+    const SPMRegistry key;
+    return describe({name, "REG_DWORD", "0", "dword:00000001", SPMRegistry::path()}, key, key.findNumber(name), stored);
 }
 
-/// Whether a value may be meant for the module, and is not one that it reads.
-bool isMisplaced(const StoredValue& value) {
-    const std::vector<Setting>& known = knownSettings();
-    if (std::any_of(known.begin(), known.end(), [&](const Setting& each) { return isOf(each, value); })) return false;
-    const std::string key = common::lowered(value.key);
-    if (std::any_of(known.begin(), known.end(),
-                    [&](const Setting& each) { return common::lowered(each.keyPath) == key; }))
-        return true;
-    const bool isNear =
-        common::nearestName(value.name, {SPMRegistry::logging, SPMRegistry::details, SPMRegistry::device}).has_value();
-    return isNear && (key.find("kestrova") != std::string::npos || key.find("spm") != std::string::npos);
+Finding describeDevice(const std::vector<std::string>& stored) {
+    const SPMRegistry key(model);
+    return describe({SPMRegistry::device, "REG_SZ", "the first", "\"USB\"", SPMRegistry::path(model)}, key,
+                    key.findString(SPMRegistry::device), stored);
 }
 
-Finding describeMisplaced(const StoredValue& value) {
-    const auto distance = [&](const Setting& setting) {
-        return common::editDistance(pathOf(setting.keyPath, setting.name), pathOf(value.key, value.name));
-    };
-    const std::vector<Setting>& known = knownSettings();
-    const Setting& meant = *std::min_element(
-        known.begin(), known.end(), [&](const Setting& a, const Setting& b) { return distance(a) < distance(b); });
-    return {Verdict::note, "Unknown", fmt::format("\"{}\" in {} is not read", value.name, value.key),
-            fmt::format("the nearest setting is \"{}\" in {}", meant.name, meant.keyPath)};
+/// Looks for values that may be meant for the module, though it does not read them: those in the module's keys, and
+/// those in keys of other paths that have names like its own.
+void findMisplaced(const std::vector<std::string>& stored, std::vector<Finding>& findings) {
+    const std::vector<std::string> names{SPMRegistry::logging, SPMRegistry::details, SPMRegistry::device};
+    const std::vector<std::string> keys{SPMRegistry::path(), SPMRegistry::path(model)};
+    const std::vector<std::string> known{keys[0] + '\\' + names[0], keys[0] + '\\' + names[1],
+                                         keys[1] + '\\' + names[2]};
+    for (const std::string& path : stored) {
+        const std::size_t end = path.rfind('\\');
+        const bool isMeant =
+            common::nearestName(path.substr(0, end), keys, 0) || common::nearestName(path.substr(end + 1), names);
+        if (!isMeant || common::nearestName(path, known, 0)) continue;
+        findings.push_back({Verdict::note, "Unknown", fmt::format("{} is set, but not read", path),
+                            fmt::format("the nearest value that is read is {}",
+                                        *common::nearestName(path, known, std::string::npos))});
+    }
 }
 
 } // namespace
 
 std::vector<Finding> examineSettings() {
-    const Access access = SPMRegistry::access();
-    const std::vector<StoredValue> stored = storedValues();
-    std::vector<Finding> findings{describeAccess(access)};
-    for (const Setting& setting : knownSettings()) {
-        findings.push_back(examine(setting, stored, access));
-    }
-    for (const StoredValue& value : stored) {
-        if (isMisplaced(value)) findings.push_back(describeMisplaced(value));
-    }
+    const std::vector<std::string> stored = storedValues();
+    std::vector<Finding> findings{describeAccess(), describeNumber(SPMRegistry::logging, stored),
+                                  describeNumber(SPMRegistry::details, stored), describeDevice(stored)};
+    findMisplaced(stored, findings);
     return findings;
 }
 

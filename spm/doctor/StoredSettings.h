@@ -7,21 +7,14 @@
 
 namespace spm {
 
-/// The name of a value, and the full path of the key that has it.
-struct StoredValue {
-    std::string key;
-    std::string name;
-
-    bool operator==(const StoredValue&) const = default;
-};
-
-/// All values in the settings file; on Windows, those in the keys that settings may have been put into.
-std::vector<StoredValue> storedValues();
+/// The full paths of all values in the settings file, keys and names; on Windows, of those in the keys that settings
+/// may have been put into.
+std::vector<std::string> storedValues();
 
 /// The settings file's text; empty when there is none, or it can't be read.
 std::string settingsText();
 
-/// How a user gets the right to write to the place of the settings.
+/// How a user gets the right to write to the place of the settings, without which none is read.
 extern const char* const settingsRightAdvice;
 
 } // namespace spm

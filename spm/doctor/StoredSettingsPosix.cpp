@@ -17,16 +17,16 @@ std::string settingsText() try {
     return "";
 }
 
-std::vector<StoredValue> storedValues() {
-    std::vector<StoredValue> values;
+std::vector<std::string> storedValues() {
+    std::vector<std::string> values;
     std::string key;
     std::istringstream lines(settingsText());
     for (std::string line; std::getline(lines, line);) {
         line.erase(0, line.find_first_not_of(" \t"));
-        if (line.starts_with('[')) key = line.substr(1, line.rfind(']') - 1);
+        if (line.starts_with('[')) key = line.substr(1, line.rfind(']') - 1) + '\\';
         if (!line.starts_with('"')) continue;
         const std::size_t end = line.find('"', 1);
-        const StoredValue value{key, line.substr(1, end - 1)};
+        const std::string value = key + line.substr(1, end - 1);
         std::erase(values, value);
         if (line.find("=-", end) == std::string::npos) values.push_back(value);
     }

@@ -10,14 +10,15 @@ const char* const settingsRightAdvice = "run the program that measures as admini
 
 namespace {
 
-void addValues(HKEY root, const std::string& rootName, const std::string& path, std::vector<StoredValue>& values) {
+void addValues(HKEY root, const std::string& rootName, const std::string& path, std::vector<std::string>& values) {
     HKEY key = nullptr;
     if (RegOpenKeyExA(root, path.c_str(), 0, KEY_READ, &key) != ERROR_SUCCESS) return;
     std::array<char, 16'384> name{}; // the system's limit
-    for (DWORD i = 0;; ++i) {
-        auto length = static_cast<DWORD>(name.size());
-        if (RegEnumValueA(key, i, name.data(), &length, nullptr, nullptr, nullptr, nullptr) != ERROR_SUCCESS) break;
-        values.push_back({rootName + path, {name.data(), length}});
+    auto length = static_cast<DWORD>(name.size());
+    for (DWORD i = 0; RegEnumValueA(key, i, name.data(), &length, nullptr, nullptr, nullptr, nullptr) == ERROR_SUCCESS;
+         ++i) {
+        values.push_back(rootName + path + '\\' + name.data());
+        length = static_cast<DWORD>(name.size());
     }
     RegCloseKey(key);
 }
@@ -29,8 +30,8 @@ std::string settingsText() {
 }
 
 /// Of the keys, also those of 32-bit programs and of the user, and the maker's alone.
-std::vector<StoredValue> storedValues() {
-    std::vector<StoredValue> values;
+std::vector<std::string> storedValues() {
+    std::vector<std::string> values;
     for (const std::string software : {"SOFTWARE\\", "SOFTWARE\\WOW6432Node\\"}) {
         for (const char* const path : {"Kestrova", "Kestrova\\SPM", "Kestrova\\SPM\\xrite i1 Pro3"}) {
             addValues(HKEY_LOCAL_MACHINE, "HKEY_LOCAL_MACHINE\\", software + path, values);
