@@ -25,8 +25,8 @@ class Instrument {
 public:
     /// Which instruments can be used at all, as a text for people.
     static constexpr const char* reach =
-        "the module reaches one instrument only, the first that the SDK library lists; the number of those connected "
-        "can't be told";
+        "the module reaches one instrument only, the first that the SDK library lists: how many are connected can't be "
+        "told";
 
     using Wait = std::function<void()>;
     using Spectrum = std::vector<SPM_REFLECTION>;

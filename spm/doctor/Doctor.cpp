@@ -228,7 +228,7 @@ std::vector<Finding> examine(const fs::path& module) {
     const Findings settings = examineSettings();
     const std::unique_ptr<Module> loaded = examineModule(module, findings);
     findings.insert(findings.end(), settings.begin(), settings.end());
-    findings.push_back(examineLogFile(module, loaded != nullptr && isNameless(*loaded, module.string())));
+    findings.push_back(examineLogFile(module, loaded != nullptr && isNameless(*loaded, fs::absolute(module).string())));
     if (loaded != nullptr) {
         examineInstrument(*loaded, findings);
     } else {
