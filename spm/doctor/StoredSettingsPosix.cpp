@@ -8,7 +8,8 @@
 namespace spm {
 
 const char* const settingsRightAdvice =
-    "make its folder, and give this user the right to read and write the file, or set SPM_REGISTRY to another one";
+    "give this user the right to read and write the file and, where it is missing, its folder; or set SPM_REGISTRY to "
+    "another file";
 
 std::string settingsText() try {
     const std::string file = SPMRegistry::place();

@@ -105,7 +105,7 @@ TEST(Doctor, HasAVerdictOnEachPart) {
              fs::create_directory(its.module());
          },
          {{wrong, "Module", "it can't be read: ", "put the library's file there, and "}}},
-        {[](Installation& its) { fs::copy_file(its.sdk(), its.module(), fs::copy_options::overwrite_existing); },
+        {[](Installation& its) { writeFile(its.module(), readFile(its.sdk())); },
          {{wrong, "Module", "it has no SPM_create", "install the module's file again"}}},
         {[](Installation& its) { fs::remove(its.sdk()); },
          {{wrong, "Module", module, "fix the SDK library first"},
