@@ -4,6 +4,7 @@
 
 #include "common/System.h"
 #include "module/SPMRegistry.h"
+#include "spm/doctor/StoredSettings.h"
 #include "tests/support/Support.h"
 #include "tests/support/System.h"
 
@@ -100,11 +101,6 @@ TEST(Doctor, HasAVerdictOnEachPart) {
         {[](Installation& its) { Installation::makeForeign(its.sdk()); },
          {{wrong, "SDK library", "it is a library of 32 bits, or for another processor",
            "replace it with the 64-bit library "}}},
-        {[](Installation& its) {
-             fs::remove(its.module());
-             fs::create_directory(its.module());
-         },
-         {{wrong, "Module", "it can't be read: ", "put the library's file there, and "}}},
         {[](Installation& its) { writeFile(its.module(), readFile(its.sdk())); },
          {{wrong, "Module", "it has no SPM_create", "install the module's file again"}}},
         {[](Installation& its) { fs::remove(its.sdk()); },
@@ -121,10 +117,10 @@ TEST(Doctor, HasAVerdictOnEachPart) {
              its.settings.forbid();
          },
          {{note, "Settings", " can't be opened for reading and writing", "to have settings, "},
-          {wrong, "Logging", "0 by default: what is set in " + key + " is ignored", "r"}}},
-        {[](Installation& its) { its.settings.setNumber("LOGING", 1); },
+          {wrong, "Logging", "0 by default: what is set in " + key + " is ignored", spm::settingsRightAdvice}}},
+        {[](Installation& its) { its.settings.setNumber("LOGFILE", 1); },
          {{good, "Logging", "0 by default, not set in " + key, ""},
-          {note, "Unknown", key + "\\LOGING is set, but not read", key + "\\Logging"}}},
+          {note, "Unknown", key + "\\LOGFILE is set, but not read", key + "\\Logging"}}},
         {[](Installation& its) { its.settings.set(R"(WOW6432Node\Kestrova\SPM)", "Logging", REG_DWORD, "\1\1\1\1"); },
          {{note, "Unknown", R"(\WOW6432Node\Kestrova\SPM\Logging is set, but)", key + "\\Logging"}}},
         {[](Installation& its) {
@@ -212,7 +208,7 @@ TEST(CommandLine, ListsTheInstrumentAndNamesWhatWasMeant) {
         {{"--list", "doctor"}, 2, "doctor excludes --list"},
         {{"--list", "--module", "missing"}, 1, "spm: can't load the module missing"},
         {{"mesure", "--rows", "2"}, 2, "spm: unknown command \"mesure\"; did you mean \"measure\"?"},
-        {{"measure", "--Row=2"}, 2, "spm: unknown option \"--Row=2\"; did you mean \"--rows\"?"},
+        {{"measure", "--ROW=2"}, 2, "spm: unknown option \"--ROW=2\"; did you mean \"--rows\"?"},
         {{"--colour"}, 2, "spm: unknown option \"--colour\"; --help lists what there is"},
         {{}, 2, "A subcommand is required"},
     };
