@@ -1,8 +1,9 @@
+#include "common/LibraryFile.h"
 #include "common/System.h"
 
+#include <array>
 #include <cerrno>
 #include <fstream>
-#include <iterator>
 #include <system_error>
 
 namespace common {
@@ -11,9 +12,36 @@ std::string readFile(const std::filesystem::path& path) try {
     std::ifstream file;
     file.exceptions(std::ios::badbit | std::ios::failbit);
     file.open(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
+    std::string content;
+    std::array<char, 0x10000> part; // not cleared: only what was read is used
+    while (const std::streamsize length = file.rdbuf()->sgetn(part.data(), part.size())) {
+        content.append(part.data(), static_cast<std::size_t>(length));
+    }
+    return content;
 } catch (const std::ios::failure&) { // a folder can be opened, too, but not be read
     throw std::system_error(errno, std::generic_category(), path.string());
+}
+
+std::optional<LibraryFault> findFault(const std::filesystem::path& library) try {
+    const std::string file = readFile(library);
+    switch (findHeaderDefect(file)) {
+    case LibraryDefect::notALibrary:
+        return LibraryFault{library.string() + ": it is not a library of this system",
+                            "replace it with the right file"};
+    case LibraryDefect::foreign:
+        return LibraryFault{library.string() + ": it is a library of 32 bits, or for another processor",
+                            "replace it with the 64-bit library for the processor that this program is for"};
+    case LibraryDefect::cutShort:
+        return LibraryFault{library.string() + ": it is cut short, and has only " + std::to_string(file.size()) +
+                                " bytes",
+                            "copy or install it again"};
+    default:
+        return std::nullopt;
+    }
+} catch (const std::system_error& error) {
+    if (error.code() == std::errc::no_such_file_or_directory) return std::nullopt;
+    return LibraryFault{library.string() + ": it can't be read: " + error.code().message(),
+                        "put the library's file there, and give this user the right to read it"};
 }
 
 } // namespace common

@@ -20,6 +20,21 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+/// Why a library can't be loaded, as its file tells without being loaded: one that is cut short can end the program
+/// that loads it.
+struct LibraryFault {
+    std::string text;
+    /// What to do.
+    std::string advice;
+};
+
+/// None for a file that is missing, too, which loading it tells.
+std::optional<LibraryFault> findFault(const std::filesystem::path& library);
+
+/// The vendor's library that the system would load with a module: the one beside it, unless the environment names
+/// another.
+std::filesystem::path sdkOf(const std::filesystem::path& module);
+
 /// A library loaded at run time, for the object's life.
 class SharedLibrary {
 public:
@@ -39,6 +54,9 @@ public:
 private:
     void* library = nullptr;
 };
+
+/// The loaded library or program that an address is in, as the system's functions take it; null when it is in none.
+void* libraryOf(const void* address);
 
 /// The file of the loaded library or program that an address is in; empty when it is in none.
 std::filesystem::path fileOf(const void* address);

@@ -1,7 +1,9 @@
+#include "common/LibraryFile.h"
 #include "common/System.h"
 #include "platform/win32.h"
 
 #include <array>
+#include <cstddef>
 #include <cstdlib>
 #include <fcntl.h>
 #include <io.h>
@@ -42,6 +44,29 @@ private:
 
 } // namespace
 
+LibraryDefect findHeaderDefect(std::string_view file) {
+    using enum LibraryDefect;
+    if (!file.empty() && !file.starts_with("MZ")) return notALibrary;
+    const auto dos = readRecord<IMAGE_DOS_HEADER>(file, 0);
+    const auto start = dos ? static_cast<std::uint64_t>(dos->e_lfanew) : 0;
+    const auto header = readRecord<IMAGE_NT_HEADERS64>(file, start);
+    if (!dos || !header) return cutShort;
+    const IMAGE_FILE_HEADER& kind = header->FileHeader;
+    if (header->Signature != IMAGE_NT_SIGNATURE || (kind.Characteristics & IMAGE_FILE_DLL) == 0) return notALibrary;
+    if (kind.Machine != IMAGE_FILE_MACHINE_AMD64) return foreign;
+    if (header->OptionalHeader.Magic != IMAGE_NT_OPTIONAL_HDR64_MAGIC) return foreign;
+    std::uint64_t next = start + offsetof(IMAGE_NT_HEADERS64, OptionalHeader) + kind.SizeOfOptionalHeader;
+    for (int i = 0; i < kind.NumberOfSections; ++i, next += sizeof(IMAGE_SECTION_HEADER)) {
+        const auto section = readRecord<IMAGE_SECTION_HEADER>(file, next);
+        if (!section || !isInside(file, section->PointerToRawData, section->SizeOfRawData)) return cutShort;
+    }
+    return none;
+}
+
+std::filesystem::path sdkOf(const std::filesystem::path& module) {
+    return std::filesystem::absolute(module).parent_path() / sdkFileName;
+}
+
 // The libraries that this one needs are looked for beside it and among the system's own: never in the working folder
 // or on the path, where anybody may have put one of the same name.
 SharedLibrary::SharedLibrary(const std::filesystem::path& path) {
@@ -67,14 +92,18 @@ void* SharedLibrary::findInSdk(const char* name) const {
     return sdk != nullptr ? reinterpret_cast<void*>(GetProcAddress(sdk, name)) : nullptr;
 }
 
-std::filesystem::path fileOf(const void* address) {
+void* libraryOf(const void* address) {
     HMODULE module = nullptr;
-    if (GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-                           static_cast<LPCWSTR>(address), &module) == 0) {
-        return {};
-    }
+    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+                       static_cast<LPCWSTR>(address), &module);
+    return module;
+}
+
+std::filesystem::path fileOf(const void* address) {
+    void* const module = libraryOf(address);
+    if (module == nullptr) return {};
     std::wstring file(longestText, L'\0');
-    file.resize(GetModuleFileNameW(module, file.data(), longestText));
+    file.resize(GetModuleFileNameW(handle(module), file.data(), longestText));
     return file;
 }
 

@@ -23,6 +23,11 @@ private:
 /// An instrument, open and closed with the object. Each wait for the user calls back between two looks at the button.
 class Instrument {
 public:
+    /// Which instruments can be used at all, as a text for people.
+    static constexpr const char* reach =
+        "the module reaches one instrument only, the first that the SDK library lists: how many are connected can't be "
+        "told";
+
     using Wait = std::function<void()>;
     using Spectrum = std::vector<SPM_REFLECTION>;
 
@@ -31,6 +36,9 @@ public:
     Instrument(const Instrument&) = delete;
     Instrument& operator=(const Instrument&) = delete;
     ~Instrument();
+
+    /// The model, as the module names it.
+    std::string name() const { return handle->getName(); }
 
     /// Whether it still answers: its options in force can be read.
     bool isAnswering() const { return module.getStatus(handle).aperture != 0; }

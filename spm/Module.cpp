@@ -1,6 +1,9 @@
 #include "spm/Module.h"
 
+#include "cap/CAPFileVersionInfo.h"
 #include "spm/Error.h"
+
+#include <fmt/format.h>
 
 namespace spm {
 
@@ -13,7 +16,14 @@ Function Module::find(const char* name) const {
 
 namespace {
 
+void requireSound(const char* what, const std::filesystem::path& path) {
+    const std::optional<common::LibraryFault> fault = common::findFault(path);
+    if (fault) throw Error(fmt::format("can't load the {} {}", what, fault->text), fault->advice);
+}
+
 common::SharedLibrary load(const std::filesystem::path& path) try {
+    requireSound("module", path);
+    requireSound("SDK library", common::sdkOf(path));
     return common::SharedLibrary(path);
 } catch (const common::LoadError& error) {
     throw Error("can't load the module " + std::string(error.what()),
@@ -38,6 +48,16 @@ Module::Module(const std::filesystem::path& path)
       FIND(getType) {}
 
 #undef FIND
+
+std::string Module::version() const {
+    CAPFileVersionInfo info;
+    void* const loaded = common::libraryOf(reinterpret_cast<const void*>(create));
+    if (info.loadFromModule(static_cast<HMODULE>(loaded)) == 0) {
+        return fmt::format("{}.{}", getMinorVersion(), getVersion(nullptr));
+    }
+    return fmt::format("{}.{}.{}.{}", info.getFileVersionPart(3), info.getFileVersionPart(2),
+                       info.getFileVersionPart(1), info.getFileVersionPart(0));
+}
 
 std::string Module::simulation() const {
     using Description = const char* (*)();

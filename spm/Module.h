@@ -14,11 +14,16 @@ std::filesystem::path defaultModule();
 /// The spectrophotometer module, loaded at run time, with its sixteen functions.
 class Module {
 public:
+    /// Looks at the file and at the vendor's library before it loads them, since a damaged one can end the program.
     /// @throws Error  when the file can't be loaded or lacks a function
     explicit Module(const std::filesystem::path& path);
 
     /// The address of a function of the vendor's library that the module runs on; null for none.
     void* findInSdk(const char* name) const { return library.findInSdk(name); }
+
+    /// The full version, such as "5.9.0.3", as the module's file tells it; what the module itself tells of it, when
+    /// that can't be read.
+    std::string version() const;
 
     /// What the vendor's library says of itself when it is a simulation; empty when it says nothing.
     std::string simulation() const;

@@ -1,6 +1,8 @@
+#include "common/Spelling.h"
 #include "spm/Console.h"
 #include "spm/doctor/Doctor.h"
 #include "spm/Error.h"
+#include "spm/Instrument.h"
 #include "spm/measure/Measure.h"
 #include "spm/measure/OutputFile.h"
 #include "spm/Module.h"
@@ -9,6 +11,7 @@
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <cstdlib>
+#include <fmt/format.h>
 #include <iostream>
 #include <map>
 #include <sstream>
@@ -73,9 +76,10 @@ CLI::Option* addFile(CLI::App& command, const char* name, std::filesystem::path&
     return command.add_option_function<std::string>(name, take, text)->option_text("FILE");
 }
 
-void addModule(CLI::App& command, std::filesystem::path& path) {
+CLI::Option* addModule(CLI::App& command, std::filesystem::path& path) {
     path = spm::defaultModule();
-    addFile(command, "--module", path, "module to load (default: the one beside this program, or installed with it)");
+    return addFile(command, "--module", path,
+                   "module to load (default: the one beside this program, or installed with it)");
 }
 
 CLI::App* addDoctor(CLI::App& app, std::filesystem::path& module) {
@@ -130,21 +134,61 @@ int diagnose(const std::filesystem::path& module) {
     return spm::isSound(findings) ? EXIT_SUCCESS : failed;
 }
 
+/// Shows the one instrument that the module can reach.
+int list(const std::filesystem::path& file) {
+    const spm::Module module(file);
+    const spm::Instrument instrument(module);
+    const std::string simulation = module.simulation();
+    spm::writeOut(fmt::format("{}, {}{}\n", instrument.name(), instrument.isAnswering() ? "answering" : "not answering",
+                              simulation.empty() ? "" : ", SIMULATED: " + simulation));
+    std::fprintf(stderr, "spm: %s\n", spm::Instrument::reach);
+    return EXIT_SUCCESS;
+}
+
+void addList(CLI::App& app, bool& isWanted, std::filesystem::path& module) {
+    CLI::Option* const list = app.add_flag("--list", isWanted, "show the instrument that the module can reach");
+    addModule(app, module)->needs(list);
+    for (CLI::App* const command : app.get_subcommands({})) {
+        command->excludes(list);
+    }
+}
+
+spm::UsageError unknownName(const CLI::App& app) {
+    const std::string given = app.remaining(true).front();
+    const bool hasCommand = !app.get_subcommands().empty();
+    std::vector<std::string> known;
+    for (const CLI::Option* const option : (hasCommand ? *app.get_subcommands().front() : app).get_options()) {
+        known.push_back(option->get_name());
+    }
+    if (!hasCommand) known.insert(known.end(), {"doctor", "measure"});
+    const char* const kind = given.starts_with('-') ? "option" : hasCommand ? "argument" : "command";
+    const auto meant = common::nearestName(given.substr(0, given.find('=')), known);
+    return {fmt::format("unknown {} \"{}\"", kind, given),
+            meant ? fmt::format("did you mean \"{}\"?", *meant) : "--help lists what there is"};
+}
+
 int run(std::vector<std::string> arguments) {
     CLI::App app{"spm - measures colour through the spectrophotometer module", "spm"};
-    app.require_subcommand(1);
+    app.require_subcommand(0, 1);
+    app.set_version_flag("--version", "spm " SPM_PROGRAM_VERSION, "show this program's version");
     std::filesystem::path module;
     const CLI::App* const doctor = addDoctor(app, module);
     spm::MeasureOptions options;
     addMeasure(app, options);
+    bool isListWanted = false;
+    addList(app, isListWanted, module);
     try {
         std::reverse(arguments.begin(), arguments.end()); // as the parser wants them
         app.parse(arguments);
+        if (!isListWanted && app.get_subcommands().empty()) throw CLI::RequiredError::Subcommand(1);
+    } catch (const CLI::ExtrasError&) {
+        throw unknownName(app);
     } catch (const CLI::ParseError& error) {
         const bool isHelp = app.exit(error) == 0;
         if (!std::cout.flush()) return failed;
         return isHelp ? EXIT_SUCCESS : wrongUse;
     }
+    if (isListWanted) return list(module);
     if (doctor->parsed()) return diagnose(module);
     return spm::measure(options) == spm::Outcome::complete ? EXIT_SUCCESS : incomplete;
 }

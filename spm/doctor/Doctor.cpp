@@ -23,9 +23,11 @@ namespace fs = std::filesystem;
 
 using Findings = std::vector<Finding>;
 
+constexpr const char* reinstallingAdvice = "install the module's file again";
+
 bool doesExist(const fs::path& file) {
     std::error_code ignored;
-    return fs::exists(file, ignored);
+    return fs::status(file, ignored).type() != fs::file_type::not_found; // also where this user may not look
 }
 
 // The vendor's library
@@ -48,6 +50,9 @@ std::optional<Finding> findMissingFunction(const fs::path& file, const Find& fin
 /// Looks at the vendor's library alone, for why the module could not be loaded with it.
 Finding examineSdkFile(const fs::path& file) {
     if (!doesExist(file)) return wrongSdk(file, fmt::format("{} is missing", file.string()));
+    if (const auto fault = common::findFault(file)) {
+        return {Verdict::wrong, "SDK library", fmt::format("can't load {}", fault->text), fault->advice};
+    }
     try {
         const common::SharedLibrary library(file);
         const auto missing = findMissingFunction(file, [&](const char* name) { return library.find(name); });
@@ -57,28 +62,50 @@ Finding examineSdkFile(const fs::path& file) {
     }
 }
 
-Finding examineSdk(const Module& module) {
+Finding examineSdk(const Module& module, const fs::path& beside) {
     const fs::path file = common::fileOf(module.findInSdk(sdkFunctions.front()));
     if (auto missing = findMissingFunction(file, [&](const char* name) { return module.findInSdk(name); })) {
         return *missing;
     }
+    Finding finding{Verdict::good, "SDK library", file.string(), ""};
     const std::string simulation = module.simulation();
-    if (simulation.empty()) return {Verdict::good, "SDK library", file.string(), ""};
-    return {Verdict::note, "SDK library", fmt::format("{}\nSIMULATED: {}", file.string(), simulation),
-            "to measure with an instrument, put the vendor's library in its place"};
+    if (!simulation.empty()) {
+        finding = {Verdict::note, "SDK library", fmt::format("{}\nSIMULATED: {}", file.string(), simulation),
+                   "to measure with an instrument, put the vendor's library in its place"};
+    }
+    std::error_code ignored;
+    if (doesExist(beside) && !fs::equivalent(file, beside, ignored)) {
+        finding.verdict = Verdict::note;
+        finding.text += fmt::format("\nLD_LIBRARY_PATH brings it in place of {}", beside.string());
+        finding.advice = "unset LD_LIBRARY_PATH to measure with the one beside the module";
+    }
+    return finding;
 }
 
 // The module
 
+constexpr const char* movingAdvice = "move the module to a folder with a short path of ASCII letters";
+
+/// Whether the module can't find its own file, for it asks the system in single-byte texts of at most 259 characters.
+bool isNameless(const Module& module, const std::string& file) {
+    const auto isAscii = [](char c) { return static_cast<unsigned char>(c) < 0x80; };
+    return module.getVersion(nullptr) == 0 && (file.size() >= 260 || !std::all_of(file.begin(), file.end(), isAscii));
+}
+
 Finding describeModule(const Module& module) {
-    const std::uint32_t version = module.getVersion(nullptr);
     const std::string file = common::fileOf(reinterpret_cast<const void*>(module.create)).string();
-    if (version == 0) {
-        return {Verdict::note, "Module", fmt::format("{}\nits version can't be read", file),
-                "install the module's file anew"};
+    if (isNameless(module, file)) {
+        return {
+            Verdict::note, "Module",
+            fmt::format("{}\nno version and no log file: the path is too long, or has characters outside the system's "
+                        "code page",
+                        file),
+            movingAdvice};
     }
-    return {Verdict::good, "Module",
-            fmt::format("{}\nversion {}, minor version {}", file, version, module.getMinorVersion()), ""};
+    if (module.getVersion(nullptr) == 0) {
+        return {Verdict::note, "Module", fmt::format("{}\nits version can't be read", file), reinstallingAdvice};
+    }
+    return {Verdict::good, "Module", fmt::format("{}\nversion {}", file, module.version()), ""};
 }
 
 /// Loads the module. @return null when that is not possible, or no use
@@ -91,14 +118,14 @@ std::unique_ptr<Module> examineModule(const fs::path& file, Findings& findings) 
     try {
         auto module = std::make_unique<Module>(file);
         findings.push_back(describeModule(*module));
-        findings.push_back(examineSdk(*module));
+        findings.push_back(examineSdk(*module, fs::absolute(file).parent_path() / common::sdkFileName));
         if (findings.back().verdict == Verdict::wrong) return nullptr;
         return module;
     } catch (const Error& error) {
-        const Finding sdk = examineSdkFile(fs::absolute(file).parent_path() / common::sdkFileName);
-        findings.push_back(
-            {Verdict::wrong, "Module", error.failure(),
-             sdk.verdict == Verdict::good ? "install the module's file anew" : "mend the SDK library first"});
+        const Finding sdk = examineSdkFile(common::sdkOf(file));
+        const auto fault = common::findFault(file);
+        const std::string otherwise = sdk.verdict == Verdict::good ? reinstallingAdvice : "fix the SDK library first";
+        findings.push_back({Verdict::wrong, "Module", error.failure(), fault ? fault->advice : otherwise});
         findings.push_back(sdk);
         return nullptr;
     }
@@ -106,7 +133,7 @@ std::unique_ptr<Module> examineModule(const fs::path& file, Findings& findings) 
 
 // The log file
 
-/// Whether a line could be appended to an ordinary file, or one be made. It is left as it was.
+/// Whether a line could be appended to a regular file, or one be made. It is left as it was.
 bool isWritable(const fs::path& file) {
     std::error_code ignored;
     const bool isNew = !doesExist(file);
@@ -116,12 +143,12 @@ bool isWritable(const fs::path& file) {
     return isOpen;
 }
 
-Finding examineLogFile(fs::path module) {
+Finding examineLogFile(fs::path module, bool isNameless) {
     const std::string file = module.replace_extension(".log").string();
     const bool isWanted = isLoggingOn();
-    if (!isWritable(file)) {
+    if (isNameless || !isWritable(file)) {
         return {isWanted ? Verdict::wrong : Verdict::note, "Log file", fmt::format("{} can't be written", file),
-                "give this user the right to write to it and to its folder"};
+                isNameless ? movingAdvice : "give this user the right to write to it and to its folder"};
     }
     return {Verdict::good, "Log file", fmt::format("{}, {}", file, isWanted ? "written" : "not asked for"), ""};
 }
@@ -147,7 +174,7 @@ Finding examineCalibration(const Instrument& instrument, const Module& module) {
 void examineInstrument(const Module& module, Findings& findings) {
     try {
         const Instrument instrument(module);
-        findings.push_back({Verdict::good, "Instrument", "found and opened", ""});
+        findings.push_back({Verdict::good, "Instrument", fmt::format("found and opened\n{}", Instrument::reach), ""});
         findings.push_back(examineCalibration(instrument, module));
     } catch (const Error& error) {
         findings.push_back({Verdict::wrong, "Instrument", error.failure(), afterFailure(module)});
@@ -201,12 +228,11 @@ std::vector<Finding> examine(const fs::path& module) {
     const Findings settings = examineSettings();
     const std::unique_ptr<Module> loaded = examineModule(module, findings);
     findings.insert(findings.end(), settings.begin(), settings.end());
-    findings.push_back(examineLogFile(module));
+    findings.push_back(examineLogFile(module, loaded != nullptr && isNameless(*loaded, fs::absolute(module).string())));
     if (loaded != nullptr) {
         examineInstrument(*loaded, findings);
     } else {
-        findings.push_back(
-            {Verdict::note, "Instrument", "not looked for", "mend the module and the SDK library first"});
+        findings.push_back({Verdict::note, "Instrument", "not looked for", "fix the module and the SDK library first"});
     }
     return findings;
 }
@@ -221,7 +247,7 @@ std::string formatFindings(std::span<const Finding> findings, ColourDepth depth)
     for (const Finding& finding : findings) {
         text += formatFinding(finding, depth);
     }
-    return text + (isSound(findings) ? "\nReady to measure.\n" : "\nNot ready: mend what is marked WRONG.\n");
+    return text + (isSound(findings) ? "\nReady to measure.\n" : "\nNot ready: fix what is marked WRONG.\n");
 }
 
 } // namespace spm

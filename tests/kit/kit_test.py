@@ -186,7 +186,7 @@ class Layers(unittest.TestCase):
         "i1pro3": "i1pro3/|module/|cap/|platform/ForeignCall.h",
         "common": "common/|platform/win32.h",
         "simulator": "simulator/|common/|i1pro3/I1PRO3_SDK.h|version.h",
-        "spm": "spm/|common/|module/SPM.h|module/IScmSPM.h|module/SPMRegistry.h",
+        "spm": "spm/|common/|module/SPM.h|module/IScmSPM.h|module/SPMRegistry.h|cap/CAPFileVersionInfo.h",
     }
     of_the_module = ("platform", "cap", "module", "i1pro3")
 

@@ -4,6 +4,7 @@
 
 #include "common/System.h"
 #include "module/SPMRegistry.h"
+#include "spm/doctor/StoredSettings.h"
 #include "tests/support/Support.h"
 #include "tests/support/System.h"
 
@@ -22,13 +23,28 @@ public:
         replaceSdk("");
     }
 
-    fs::path module() const { return folder / common::moduleFileName; }
-    fs::path sdk() const { return folder / common::sdkFileName; }
+    fs::path module() const { return place / common::moduleFileName; }
+    fs::path sdk() const { return place / common::sdkFileName; }
     fs::path log() const { return module().replace_extension(".log"); }
     /// Puts an SDK library from another folder of the built ones in the place of the installed one.
     void replaceSdk(const std::string& built) const {
         fs::remove(sdk());
         fs::copy_file(common::programFolder() / built / common::sdkFileName, sdk());
+    }
+    /// Cuts off the second half of a file.
+    static void cut(const fs::path& file) { fs::resize_file(file, fs::file_size(file) / 2); }
+    /// Makes a library one for an unknown processor, which its headers name in two bytes.
+    static void makeForeign(const fs::path& library) {
+        std::string bytes = readFile(library);
+        const bool isElf = bytes.starts_with("\x7F");
+        writeFile(library, bytes.replace(isElf ? 18 : bytes.find({"PE\0\0", 4}) + 4, 2, "??"));
+    }
+    void moveTo(const fs::path& name) {
+        fs::create_directory(place / name);
+        for (const fs::path& file : {module(), sdk()}) {
+            fs::rename(file, place / name / file.filename());
+        }
+        place /= name;
     }
     void useScript(const std::string& text) const {
         writeFile(folder / "script.json", text);
@@ -36,6 +52,7 @@ public:
     }
 
     TempFolder folder;
+    fs::path place = folder / "";
     Settings settings;
 
 private:
@@ -57,10 +74,13 @@ TEST(Doctor, HasAVerdictOnEachPart) {
     const std::string module = common::moduleFileName;
     const std::string sdk = common::sdkFileName;
     const std::string log = std::string(1, fs::path::preferred_separator) + "spm_i1pro3.log";
+    // Windows gives the module its file's name in the code page alone.
+    const bool isWindows = fs::path::preferred_separator == '\\';
+    const std::string moving = isWindows ? "move the module to a folder with " : "";
     const std::string simulated = "simulated i1Pro 3 with the ColorChecker Classic chart";
     const std::vector<Case> cases{
         {[](Installation&) {},
-         {{good, "Module", module + "\nversion 3, minor version 0", ""},
+         {{good, "Module", module + "\nversion 5.9.0.3", ""},
           {note, "SDK library", sdk + "\nSIMULATED: " + simulated, "to measure with an instrument, put the vendor's "},
           {good, "Settings", SPMRegistry::place().substr(0, 1), ""},
           {good, "Device", "the first by default, not set in " + key + "\\xrite i1 Pro3", ""},
@@ -69,26 +89,47 @@ TEST(Doctor, HasAVerdictOnEachPart) {
           {note, "Calibration", "not done", "have the white reference at hand: \"spm measure\" begins with it"}}},
         {[](Installation& its) { fs::remove(its.module()); },
          {{wrong, "Module", " is missing", "put it there, or name another one with --module"},
-          {note, "Instrument", "not looked for", "mend the module and the SDK library first"}}},
+          {note, "Instrument", "not looked for", "fix the module and the SDK library first"}}},
         {[](Installation& its) { writeFile(its.module(), "text"); },
-         {{wrong, "Module", module, "install the module's file anew"}, {good, "SDK library", sdk, ""}}},
+         {{wrong, "Module", module + ": it is not a library of this system", "replace it with the right file"},
+          {good, "SDK library", sdk, ""}}},
+        {[](Installation& its) { Installation::cut(its.module()); },
+         {{wrong, "Module", module + ": it is cut short, and has only ", "copy or install it again"}}},
+        {[](Installation& its) { Installation::cut(its.sdk()); },
+         {{wrong, "Module", "can't load the SDK library ", "fix the SDK library first"},
+          {wrong, "SDK library", sdk + ": it is cut short, and has only ", "copy or install it again"}}},
+        {[](Installation& its) { Installation::makeForeign(its.sdk()); },
+         {{wrong, "SDK library", "it is a library of 32 bits, or for another processor",
+           "replace it with the 64-bit library "}}},
+        {[](Installation& its) { writeFile(its.module(), readFile(its.sdk())); },
+         {{wrong, "Module", "it has no SPM_create", "install the module's file again"}}},
         {[](Installation& its) { fs::remove(its.sdk()); },
-         {{wrong, "Module", module, "mend the SDK library first"},
+         {{wrong, "Module", module, "fix the SDK library first"},
           {wrong, "SDK library", sdk + " is missing", "put the vendor's " + sdk + " into "}}},
         {[](Installation& its) { writeFile(its.sdk(), "text"); },
-         {{wrong, "SDK library", "can't be loaded: ", "put "}}},
+         {{wrong, "SDK library", "it is not a library", "replace it with the right file"}}},
         {[](Installation& its) { its.replaceSdk("incomplete"); },
          {{wrong, "SDK library", sdk + " has no I1PRO3_GetSpectrum", "put the vendor's "}}},
         {[](Installation& its) { its.replaceSdk("null"); },
          {{good, "SDK library", sdk, ""}, {good, "Calibration", "done", ""}}},
-        {[](Installation& its) { its.settings.forbid(); },
-         {{note, "Settings", " can't be opened for reading and writing", "to have settings, make its folder, and "}}},
+        {[](Installation& its) {
+             its.settings.setNumber("Logging", 1);
+             its.settings.forbid();
+         },
+         {{note, "Settings", " can't be opened for reading and writing", "to have settings, "},
+          {wrong, "Logging", "0 by default: what is set in " + key + " is ignored", spm::settingsRightAdvice}}},
+        {[](Installation& its) { its.settings.setNumber("LOGFILE", 1); },
+         {{good, "Logging", "0 by default, not set in " + key, ""},
+          {note, "Unknown", key + "\\LOGFILE is set, but not read", key + "\\Logging"}}},
+        {[](Installation& its) { its.settings.set(R"(WOW6432Node\Kestrova\SPM)", "Logging", REG_DWORD, "\1\1\1\1"); },
+         {{note, "Unknown", R"(\WOW6432Node\Kestrova\SPM\Logging is set, but)", key + "\\Logging"}}},
         {[](Installation& its) {
              its.settings.set(commonKey, "Logging", REG_SZ, {"1\0", 2});
          },
-         {{wrong, "Logging", "0 by default, because what is set in " + key + " is no REG_DWORD", "set it as a REG_D"}}},
+         {{wrong, "Logging", "0 by default, because what is set in " + key + " is not a REG_DWORD",
+           "set it as a REG_D"}}},
         {[](Installation& its) { its.settings.set(deviceKey, "Device", REG_DWORD, "\1\1\1\1"); },
-         {{wrong, "Device", key + "\\xrite i1 Pro3 is no REG_SZ", "or remove it"}}},
+         {{wrong, "Device", key + "\\xrite i1 Pro3 is not a REG_SZ", "or remove it"}}},
         {[](Installation& its) { its.settings.setNumber("Logging", 1); },
          {{good, "Logging", "1, from " + key, ""}, {good, "Log file", ".log, written", ""}}},
         {[](Installation& its) { fs::create_directory(its.log()); },
@@ -98,6 +139,8 @@ TEST(Doctor, HasAVerdictOnEachPart) {
              fs::create_directory(its.log());
          },
          {{wrong, "Log file", ".log can't be written", "give this user the right "}}},
+        {[](Installation& its) { its.moveTo(u8"\u8272"); },
+         {{isWindows ? note : good, "Module", module, moving}, {isWindows ? note : good, "Log file", log, moving}}},
         {[](Installation& its) { its.useScript(R"({"instruments": []})"); },
          {{wrong, "Instrument", "no instrument was found",
            "it is simulated: look at the script that the environment "}}},
@@ -137,18 +180,43 @@ TEST(Doctor, LeavesTheLogFileAsItWas) {
 
 TEST(Doctor, ShowsAParagraphPerFinding) {
     std::vector<spm::Finding> findings{{spm::Verdict::good, "Module", "file\nversion 3", ""},
-                                       {spm::Verdict::note, "Settings", "defaults", "mend"},
+                                       {spm::Verdict::note, "Settings", "defaults", "fix"},
                                        {spm::Verdict::wrong, "Instrument", "lamp\nErrorNumber: 7\n", "look"}};
     EXPECT_EQ(spm::formatFindings(findings, spm::ColourDepth::none), "ok     Module       file\n"
                                                                      "                    version 3\n"
                                                                      "note   Settings     defaults\n"
-                                                                     "                    > mend\n"
+                                                                     "                    > fix\n"
                                                                      "WRONG  Instrument   lamp\n"
                                                                      "                    ErrorNumber: 7\n"
                                                                      "                    > look\n"
-                                                                     "\nNot ready: mend what is marked WRONG.\n");
+                                                                     "\nNot ready: fix what is marked WRONG.\n");
     findings.pop_back();
     const std::string coloured = spm::formatFindings(findings, spm::ColourDepth::palette256);
     EXPECT_TRUE(coloured.starts_with("\x1b[32mok    \x1b[0m Mod")) << coloured;
-    EXPECT_TRUE(coloured.ends_with("> mend\n\nReady to measure.\n")) << coloured;
+    EXPECT_TRUE(coloured.ends_with("> fix\n\nReady to measure.\n")) << coloured;
+}
+
+TEST(CommandLine, ListsTheInstrumentAndNamesWhatWasMeant) {
+    struct Case {
+        std::vector<std::string> arguments;
+        int status;
+        std::string output;
+    };
+    const std::vector<Case> cases{
+        {{"--version"}, 0, "spm 5.9.0.3"},
+        {{"--list"}, 0, "xrite i1 Pro3, answering, SIMULATED: "},
+        {{"--list", "doctor"}, 2, "doctor excludes --list"},
+        {{"--list", "--module", "missing"}, 1, "spm: can't load the module missing"},
+        {{"mesure", "--rows", "2"}, 2, "spm: unknown command \"mesure\"; did you mean \"measure\"?"},
+        {{"measure", "--ROW=2"}, 2, "spm: unknown option \"--ROW=2\"; did you mean \"--rows\"?"},
+        {{"--colour"}, 2, "spm: unknown option \"--colour\"; --help lists what there is"},
+        {{}, 2, "A subcommand is required"},
+    };
+    const TempFolder folder;
+    for (const auto& [arguments, status, output] : cases) {
+        const fs::path program = common::programFolder() / ("spm" + programExtension);
+        EXPECT_EQ(run(program, arguments, {folder / "out", folder / "err"}), status) << output;
+        const std::string text = readText(folder / "out") + readText(folder / "err");
+        EXPECT_TRUE(text.starts_with(output)) << text;
+    }
 }

@@ -121,7 +121,7 @@ TEST_F(Spm, SaysWhatFailedAndWithWhat) {
     const Texts row{"--lab", "--spectra", "--patches", "2", "--report", file("page.html")};
     const std::vector<Case> cases{
         {{"--module", missing}, 1, "can't load the module " + missing + ": "},
-        {{"--module", file("no module")}, 1, "; name another one with --module, or see what \"spm doctor\" finds\n"},
+        {{"--module", file("no module")}, 1, ": it is not a library of this system; replace it with the right file\n"},
         {{"--module", sdkFile.string()}, 1, "is not a spectrophotometer module: it has no SPM_create"},
         {{"--module", ""}, 2, "--module: names no file\n"},
         {{"--chart", missing}, 1, "can't read the chart file " + missing + "; name a CSV file\n"},

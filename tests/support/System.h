@@ -56,7 +56,7 @@ public:
     /// Sets a text in the device key.
     void setText(const std::string& name, const std::string& text);
 
-    /// Takes away the right to write.
+    /// Takes away the right to write; on Linux, from this thread also root's rights to all files.
     void forbid();
 
     /// Back to no settings, with the right to write.

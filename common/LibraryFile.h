@@ -1,0 +1,28 @@
+#pragma once
+
+#include <cstdint>
+#include <cstring>
+#include <optional>
+#include <string_view>
+
+namespace common {
+
+/// What a file's headers say against loading it as a library.
+enum class LibraryDefect { none, notALibrary, foreign, cutShort };
+
+/// Looks at the headers, which one source per system knows.
+LibraryDefect findHeaderDefect(std::string_view file);
+
+inline bool isInside(std::string_view file, std::uint64_t offset, std::uint64_t length) {
+    return offset <= file.size() && length <= file.size() - offset;
+}
+
+template <class Record>
+std::optional<Record> readRecord(std::string_view file, std::uint64_t offset) {
+    Record record{};
+    if (!isInside(file, offset, sizeof record)) return std::nullopt;
+    std::memcpy(&record, file.data() + offset, sizeof record);
+    return record;
+}
+
+} // namespace common

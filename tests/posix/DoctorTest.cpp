@@ -1,0 +1,64 @@
+// What only settings files, file rights and LD_LIBRARY_PATH can do to an installation.
+
+#include "common/System.h"
+#include "module/SPMRegistry.h"
+#include "spm/doctor/Settings.h"
+#include "tests/support/Support.h"
+#include "tests/support/System.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+
+namespace fs = std::filesystem;
+
+TEST(DoctorOnPosix, SaysWhyASettingsFileHasNoEffect) {
+    const std::string begin = "REGEDIT4\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM]\n\"Logging\"=";
+    const std::vector<std::vector<std::string>> cases{
+        {"Windows Registry Editor Version 5.00\n", "Settings", " has the form of a newer regedit",
+         "(REGEDIT4)\", or save"},
+        {"\xFF\xFEW", "Settings", " is UTF-16 text, as a newer regedit writes it", "Win9x/NT4 Registration Files"},
+        {"text\n" + begin + "dword:1", "Logging", " is ignored", "fix the settings file first"},
+        {begin + "1", "Logging", " is ignored", "write it as \"Logging\"=dword:00000001"},
+        {begin + "1\n\"Logging\"=-", "Logging", "0 by default, not set", ""},
+        {"REGEDIT4\n[HKEY_CURRENT_USER\\SOFTWARE\\Kestrova\\SPM]\n\"Detials\"=1\n", "Unknown",
+         "\\SPM\\Detials is set, but", "HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM\\Details"},
+    };
+    const Settings settings;
+    for (const std::vector<std::string>& each : cases) {
+        writeFile(SPMRegistry::place(), each[0]);
+        const std::vector<spm::Finding> findings = spm::examineSettings();
+        const auto finding = std::ranges::find(findings, each[1], &spm::Finding::subject);
+        EXPECT_NE(finding->text.find(each[2]), std::string::npos) << finding->text;
+        EXPECT_NE(finding->advice.find(each[3]), std::string::npos) << finding->advice;
+    }
+}
+
+TEST(DoctorOnPosix, LooksAtTheSdkThatTheLoaderTakes) {
+    const TempFolder folder;
+    const EnvironmentVariable path("LD_LIBRARY_PATH", "/missing:" + (folder / "").string());
+    const fs::path sdk = folder / common::sdkFileName;
+    const fs::path beside = common::programFolder() / common::sdkFileName;
+    const auto spm = [&](const std::string& command) {
+        run(common::programFolder() / "spm", {command}, {folder / "out", folder / "err"});
+        return readText(folder / "out") + readText(folder / "err");
+    };
+    fs::copy_file(beside, sdk);
+    EXPECT_NE(spm("doctor").find("\n                    LD_LIBRARY_PATH brings it in place of " + beside.string()),
+              std::string::npos);
+    fs::resize_file(sdk, fs::file_size(sdk) / 2);
+    EXPECT_NE(spm("doctor").find("WRONG  SDK library  can't load " + sdk.string() + ": it is cut short"),
+              std::string::npos);
+    EXPECT_NE(spm("measure").find("can't load the SDK library " + sdk.string() + ": it is cut short"),
+              std::string::npos);
+    writeFile(sdk, readFile(beside).replace(4, 1, "\1"));
+    EXPECT_NE(spm("doctor").find("note   SDK library  " + beside.string()), std::string::npos) << "one of 32 bits";
+}
+
+TEST(DoctorOnPosix, KnowsALibraryThatThisUserMayNotRead) {
+    const TempFolder folder;
+    Settings settings;
+    writeFile(folder / "library", "");
+    fs::permissions(folder / "library", fs::perms::none);
+    settings.forbid();
+    EXPECT_TRUE(common::findFault(folder / "library")->text.ends_with(": it can't be read: Permission denied"));
+}
