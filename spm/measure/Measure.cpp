@@ -83,7 +83,7 @@ Run begin(const Module& module, const MeasureOptions& options, const std::vector
     Run run;
     run.started = timeNow();
     run.module = options.module.string();
-    run.version = std::to_string(module.getVersion(nullptr));
+    run.version = module.version();
     run.simulation = module.simulation();
     run.patchesInRow = options.spots > 0 ? 0 : options.patches;
     std::ranges::transform(names, std::back_inserter(run.readings), [](const std::string& name) {
