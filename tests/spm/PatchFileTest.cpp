@@ -65,7 +65,7 @@ TEST(PatchFile, GivesItsPatchesOrSaysWhatIsWrong) {
          cgats("SAMPLE_NAME LAB_B\nLAB_A\tLAB_L SPECTRAL_380 NM_390",
                "\"#1\" 3 2 1 .5 1 # x\r\n\n#2 0\n\"\" 0 0 0 1 1\n"),
          "#1 1 2 3 380:100 390:200\n 0 0 0 380:200 390:200\n\n"},
-        {chart, cgats("SAMPLE_ID SAMPLE_NAME", "2 b\n10 a\n") + cgats("SAMPLE_ID nm380", "10 .25\n2 .5\n"),
+        {chart, cgats("SAMPLE_ID SAMPLE_NAME", "10 b\n2 a\n") + cgats("SAMPLE_ID nm380", "2 .25\n10 .5\n"),
          "b 380:100\na 380:50\n\n"},
         {chart, cgats("SAMPLE_ID", "2\n10\n") + cgats("SAMPLE_ID", "9\n"), "2\n9\n10\n\n"},
         {chart, cgats("SAMPLE_ID", "b\nc\n") + cgats("SAMPLE_ID", "a\n"), "b\nc\na\n\n"},
