@@ -15,7 +15,10 @@ std::string_view takeUntil(std::string_view& text, char separator) {
 } // namespace
 
 std::optional<CsvReader::Fields> CsvReader::next() {
-    if (!nextLine()) return std::nullopt;
+    do {
+        if (!nextLine()) return std::nullopt;
+    } while (line.empty());
+    number = linesRead;
     Fields taken{takeField()};
     while (line.starts_with(',')) {
         line.remove_prefix(1);
@@ -29,17 +32,15 @@ void CsvReader::fail(std::string_view what) const {
     throw CsvError(name + ", line " + std::to_string(number) + ": " + std::string(what));
 }
 
-/// Goes to the next line that is not empty; false at the end.
+/// Goes to the next line; false at the end.
 bool CsvReader::nextLine() {
     constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
-    if (number == 0 && rest.starts_with(byteOrderMark)) rest.remove_prefix(byteOrderMark.size());
-    do {
-        if (rest.empty()) return false;
-        line = takeUntil(rest, '\n');
-        rest.remove_prefix(std::min<std::size_t>(rest.size(), 1));
-        ++number;
-        if (line.ends_with('\r')) line.remove_suffix(1);
-    } while (line.empty());
+    if (linesRead == 0 && rest.starts_with(byteOrderMark)) rest.remove_prefix(byteOrderMark.size());
+    if (rest.empty()) return false;
+    line = takeUntil(rest, '\n');
+    rest.remove_prefix(std::min<std::size_t>(rest.size(), 1));
+    ++linesRead;
+    if (line.ends_with('\r')) line.remove_suffix(1);
     return true;
 }
 
@@ -53,7 +54,11 @@ std::string CsvReader::takeQuoted() {
     do {
         line.remove_prefix(1);
         taken += takeUntil(line, '"');
-        if (line.empty()) fail("a quote is not closed; end the field with another one");
+        while (line.empty()) {
+            if (!nextLine()) fail("a quote is not closed; end the field with another one");
+            taken += '\n';
+            taken += takeUntil(line, '"');
+        }
         line.remove_prefix(1);
         if (line.starts_with('"')) taken += '"';
     } while (line.starts_with('"'));

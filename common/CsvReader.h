@@ -14,8 +14,8 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// Reads comma-separated values by RFC 4180, a line at a time: fields may stand in double quotes, in which "" is a
-/// quote. Empty lines and a byte order mark are passed over.
+/// Reads comma-separated values by RFC 4180, a record at a time: fields may be in double quotes, in which "" is a quote
+/// and line breaks, read as '\n', belong to the field. Empty lines and a byte order mark are skipped.
 class CsvReader {
 public:
     using Fields = std::vector<std::string>;
@@ -24,13 +24,14 @@ public:
     /// @param what  what the text is, as errors tell it: "the chart file chart.csv"
     CsvReader(std::string_view csv, std::string what) : name(std::move(what)), rest(csv) {}
 
-    /// The fields of the next line; none at the end.
-    /// @throws CsvError  when the line is wrong
+    /// The fields of the next record; none at the end.
+    /// @throws CsvError  when the record is malformed
     std::optional<Fields> next();
 
-    const std::string& description() const { return name; }
+    /// The line, counted from 1, in which the record that was read last begins.
+    int lineNumber() const { return number; }
 
-    /// @throws CsvError  with the line that was read last
+    /// @throws CsvError  with that line
     [[noreturn]] void fail(std::string_view what) const;
 
 private:
@@ -42,6 +43,7 @@ private:
     std::string_view rest;
     /// What is left of the line.
     std::string_view line;
+    int linesRead = 0;
     int number = 0;
 };
 

@@ -36,7 +36,7 @@ Exit status:
   3  rows were skipped, or the measuring was ended with Ctrl-C
 
 Examples:
-  spm measure --rows 4 --patches 6 --chart chart.csv
+  spm measure --chart chart.csv --patches 6
   spm measure --lab --spectra --output chart.cgats --report chart.html
   spm measure --spots 3 --names paper,black,red --format json
   spm measure --chart chart.csv --reference expected.csv)";
@@ -95,7 +95,7 @@ void addMeasure(CLI::App& app, spm::MeasureOptions& options) {
     addModule(*measure, options.module);
     auto* const rows = measure->add_option("--rows", options.rows, "rows of the chart");
     auto* const patches = measure->add_option("--patches", options.patches, "patches in a row");
-    rows->check(CLI::Range(1, 1000))->option_text("1..1000 (default: 4)");
+    rows->check(CLI::Range(1, 1000))->option_text("1..1000 (default: as many as the names fill, or 4)");
     patches->check(CLI::Range(2, 1000))->option_text("2..1000 (default: 6)");
     measure->add_option("--spots", options.spots, "measure so many spots in place of rows")
         ->option_text("1..100000")
@@ -103,11 +103,11 @@ void addMeasure(CLI::App& app, spm::MeasureOptions& options) {
         ->excludes(rows)
         ->excludes(patches);
     auto* const chart = addFile(*measure, "--chart", options.chart,
-                                "CSV file of the patches: a header line, then lines that begin with a name");
+                                "file that names the patches: CSV with a header line, CGATS, or JSON from spm");
     measure
         ->add_option_function<std::string>(
             "--names", [&options](const std::string& names) { options.names = split(names); },
-            "the patches' names, separated by commas; names with commas stand in a chart file")
+            "the patches' names, separated by commas; put names with commas in a chart file")
         ->option_text("NAMES")
         ->excludes(chart);
     measure->add_flag("--lab", options.lab, "measure CIELab for D65 and 10 degree (the default)");
@@ -125,7 +125,7 @@ void addMeasure(CLI::App& app, spm::MeasureOptions& options) {
         ->option_text("1..100000")
         ->check(CLI::Range(1, 100'000));
     addFile(*measure, "--reference", options.reference,
-            "CSV file of expected values (name, L*, a*, b*) to compare with");
+            "file of expected values (name, L*, a*, b*) to compare with, in a form as for --chart");
 }
 
 int diagnose(const std::filesystem::path& module) {

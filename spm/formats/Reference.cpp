@@ -1,95 +1,23 @@
 #include "spm/formats/Reference.h"
 
-#include "common/CsvReader.h"
 #include "spm/Error.h"
 #include "spm/formats/DeltaE.h"
+#include "spm/formats/PatchFile.h"
 #include "spm/formats/Printable.h"
 #include "spm/formats/Table.h"
-#include "spm/InputFile.h"
 
 #include <algorithm>
-#include <charconv>
-#include <cmath>
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 #include <functional>
 #include <iterator>
 #include <numeric>
-#include <optional>
 #include <set>
 #include <string_view>
 
 namespace spm {
 
 namespace {
-
-using common::CsvReader;
-using Fields = CsvReader::Fields;
-
-/// An L*, a* or b*. The limits are far beyond all surfaces, and keep the arithmetic from overflowing.
-std::optional<float> numberIn(std::string_view text) {
-    float value = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    const bool isNumber = error == std::errc{} && end == text.data() + text.size();
-    return isNumber && std::abs(value) <= 500 ? std::optional(value) : std::nullopt;
-}
-
-/// A reference file. Columns behind the four that are read may tell more, as in the CSV that is written here.
-class Reader {
-public:
-    explicit Reader(const std::filesystem::path& path)
-        : content(readInput(path, "the reference file")),
-          csv(content, fmt::format("the reference file {}", path.string())), reference{path, {}} {}
-
-    Reference read() {
-        if (const std::optional<Fields> header = csv.next()) requireHeader(*header);
-        while (const std::optional<Fields> patch = csv.next()) {
-            take(*patch);
-        }
-        if (reference.patches.empty()) {
-            throw Error(fmt::format("{} has no patches; give each a line below the header, such as white,95.5,-0.5,1",
-                                    csv.description()));
-        }
-        return std::move(reference);
-    }
-
-private:
-    void requireFields(const Fields& fields) const {
-        if (fields.size() >= 4) return;
-        csv.fail(
-            fmt::format("the number of fields is {}, but 4 belong there, separated by commas: name,L*,a*,b*; put a "
-                        "name that has commas in double quotes",
-                        fields.size()));
-    }
-
-    /// Without a header the first patch would be lost; with another, other values would be taken for L*, a* and b*.
-    void requireHeader(const Fields& header) const {
-        requireFields(header);
-        const auto begins = [](const std::string& text, std::string_view letters) {
-            return !text.empty() && letters.find(text.front()) != std::string_view::npos;
-        };
-        if (begins(header[1], "Ll") && begins(header[2], "Aa") && begins(header[3], "Bb")) return;
-        csv.fail("the header name,L*,a*,b* is missing; put it above the patches");
-    }
-
-    void take(const Fields& patch) {
-        requireFields(patch);
-        const SPM_LAB lab{value(patch[1]), value(patch[2]), value(patch[3])};
-        if (!reference.patches.emplace(patch[0], lab).second) {
-            csv.fail(fmt::format("\"{}\" is the name of an earlier patch, too; give each a name of its own", patch[0]));
-        }
-    }
-
-    float value(const std::string& text) const {
-        const std::optional<float> found = numberIn(text);
-        if (!found) csv.fail(fmt::format("\"{}\" is not a number from -500 to 500; write it as in -12.34", text));
-        return *found;
-    }
-
-    std::string content;
-    CsvReader csv;
-    Reference reference;
-};
 
 /// Completes a comparison that has its patches.
 void summarise(Comparison& comparison) {
@@ -111,7 +39,11 @@ void append(std::string& text, std::string_view what, const std::vector<std::str
 } // namespace
 
 Reference readReference(const std::filesystem::path& file) {
-    return Reader(file).read();
+    Reference reference{file, {}};
+    for (const Reading& patch : readPatches(file, "the reference file", PatchFileKind::reference)) {
+        reference.patches.emplace(patch.name, patch.lab.value());
+    }
+    return reference;
 }
 
 Comparison compare(const Run& run, const Reference& reference) {

@@ -18,9 +18,7 @@ struct Reference {
     std::map<std::string, SPM_LAB> patches;
 };
 
-/// Reads CSV: a header line, then a line per patch with its name, L*, a* and b*, and whatever follows. Numbers have a
-/// decimal point, whatever the user's locale.
-/// @throws Error  with the file, the line, what is wrong and what would be right
+/// @throws Error or common::CsvError  with the file, the line, what is wrong and what would be right
 Reference readReference(const std::filesystem::path& file);
 
 /// A patch that was measured and expected.

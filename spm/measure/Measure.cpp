@@ -114,10 +114,12 @@ void sumUp(const Prompter& prompter, const Run& run) {
 
 } // namespace
 
-Outcome measure(const MeasureOptions& options) {
-    static_cast<void>(formatOf(options));
-    requireDifferentFiles(options);
-    const std::vector<std::string> names = patchNames(options);
+Outcome measure(const MeasureOptions& wanted) {
+    static_cast<void>(formatOf(wanted));
+    requireDifferentFiles(wanted);
+    const std::vector<std::string> names = patchNames(wanted);
+    MeasureOptions options = wanted;
+    options.rows = static_cast<std::int32_t>(names.size()) / options.patches;
     const std::optional<Reference> reference = referenceOf(options, names);
     const Prompter prompter;
     const Module module(options.module);

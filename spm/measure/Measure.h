@@ -14,10 +14,11 @@ enum class Format { byName, table, csv, json, cgats };
 /// What to measure, and what to make of it.
 struct MeasureOptions {
     std::filesystem::path module;
-    /// The patches' names, or a CSV file with a header line and then a line per patch that begins with its name.
+    /// The patches' names, or a file that names them.
     std::vector<std::string> names;
     std::filesystem::path chart;
-    std::int32_t rows = 4;
+    /// 0 for as many as there are names for; 4 without names.
+    std::int32_t rows = 0;
     std::int32_t patches = 6;
     /// How many spots to measure in place of rows; 0 for rows.
     std::int32_t spots = 0;
@@ -42,6 +43,6 @@ enum class Outcome { complete, incomplete };
 
 /// Calibrates and measures. What was read is written even when something fails later.
 /// @throws Error  when something fails
-Outcome measure(const MeasureOptions& options);
+Outcome measure(const MeasureOptions& wanted);
 
 } // namespace spm

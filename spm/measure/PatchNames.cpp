@@ -1,8 +1,7 @@
 #include "spm/measure/PatchNames.h"
 
-#include "common/CsvReader.h"
 #include "spm/Error.h"
-#include "spm/InputFile.h"
+#include "spm/formats/PatchFile.h"
 
 #include <fmt/format.h>
 
@@ -12,14 +11,10 @@ namespace {
 
 using Names = std::vector<std::string>;
 
-/// Below the header, the first field of each line.
-Names readNames(const std::filesystem::path& chart) {
-    const std::string text = readInput(chart, "the chart file");
-    common::CsvReader csv(text, fmt::format("the chart file {}", chart.string()));
+Names readChart(const std::filesystem::path& chart) {
     Names names;
-    csv.next();
-    while (const auto fields = csv.next()) {
-        names.push_back(fields->front());
+    for (Reading& patch : readPatches(chart, "the chart file", PatchFileKind::chart)) {
+        names.push_back(std::move(patch.name));
     }
     return names;
 }
@@ -32,20 +27,32 @@ Names numberedNames(std::size_t count) {
     return names;
 }
 
+/// Requires a name for each patch that is to be measured, or without a number of rows, names for whole rows.
+void requireCount(const MeasureOptions& options, std::size_t names, const std::string& source) {
+    const auto inRow = static_cast<std::size_t>(options.patches);
+    const bool isSpots = options.spots > 0;
+    const auto wanted = static_cast<std::size_t>(isSpots ? options.spots : options.rows * options.patches);
+    if (wanted == 0 && names % inRow != 0) {
+        throw UsageError(fmt::format("the number of patches in {} is {}, which does not make whole rows of {}; set "
+                                     "--patches to the number in a row, or correct the names",
+                                     source, names, inRow));
+    }
+    if (wanted != 0 && names != wanted) {
+        throw UsageError(fmt::format("the number of patches in {} is {}, but {} are to be measured; correct {} or the "
+                                     "names",
+                                     source, names, wanted, isSpots ? "--spots" : "--rows and --patches"));
+    }
+}
+
 } // namespace
 
 std::vector<std::string> patchNames(const MeasureOptions& options) {
-    const std::int32_t count = options.spots > 0 ? options.spots : options.rows * options.patches;
-    const auto wanted = static_cast<std::size_t>(count);
-    const bool isChart = !options.chart.empty();
-    if (!isChart && options.names.empty()) return numberedNames(wanted);
-    Names names = isChart ? readNames(options.chart) : options.names;
-    if (names.size() < wanted) {
-        throw UsageError(fmt::format("{} {} patches, but {} are to be measured; give more names or measure fewer",
-                                     isChart ? "the chart file " + options.chart.string() + " names" : "--names has",
-                                     names.size(), wanted));
+    if (options.chart.empty() && options.names.empty()) {
+        const std::int32_t rows = options.rows > 0 ? options.rows : 4;
+        return numberedNames(static_cast<std::size_t>(options.spots > 0 ? options.spots : rows * options.patches));
     }
-    names.resize(wanted);
+    Names names = options.chart.empty() ? options.names : readChart(options.chart);
+    requireCount(options, names.size(), options.chart.empty() ? "--names" : "the chart file " + options.chart.string());
     return names;
 }
 

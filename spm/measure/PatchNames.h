@@ -4,8 +4,9 @@
 
 namespace spm {
 
-/// The names of all patches to be measured, in their order.
-/// @throws Error  when there are not as many names as patches, or the chart can't be read
+/// The names of all patches to be measured, in their order. Without a number of rows in the options, there are as many
+/// rows as the names fill, or 4 without names.
+/// @throws Error or common::CsvError  when the names don't fit the number of patches, or the chart can't be read
 std::vector<std::string> patchNames(const MeasureOptions& options);
 
 } // namespace spm

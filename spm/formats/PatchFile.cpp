@@ -1,0 +1,327 @@
+// CSV and CGATS become tables of text first, so that the same rules hold for their names and numbers.
+
+#include "spm/formats/PatchFile.h"
+
+#include "common/CsvReader.h"
+#include "spm/Error.h"
+#include "spm/InputFile.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <fmt/format.h>
+#include <iomanip>
+#include <limits>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <regex>
+#include <set>
+#include <sstream>
+
+namespace spm {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+/// The fields of a line, and where it is: "line 3".
+struct Row {
+    std::string place;
+    std::vector<std::string> fields;
+};
+
+struct Table {
+    Row header;
+    std::vector<Row> rows;
+    /// The reflectance of a perfect diffuser in the columns of fractions.
+    std::string spectralNorm = "1";
+};
+
+enum class Kind { name, id, L, a, b, percent, fraction, other };
+
+/// What is in a column.
+struct Column {
+    Kind kind;
+    std::int32_t wavelength = 0;
+    bool operator<(const Column& other) const {
+        return std::pair(kind, wavelength) < std::pair(other.kind, other.wavelength);
+    }
+};
+
+/// Where the columns of a table are.
+using Columns = std::map<Column, std::size_t>;
+
+struct Patch {
+    Reading reading;
+    /// The same in all tables of a file.
+    std::string id;
+    std::string place;
+};
+
+Column columnOf(const std::string& title) {
+    constexpr auto syntax = std::regex::ECMAScript | std::regex::icase;
+    static const std::vector<std::pair<Kind, std::regex>> kinds{
+        {Kind::name, std::regex("name|patch|sample|sample_name", syntax)},
+        {Kind::id, std::regex("sample_id", syntax)},
+        {Kind::L, std::regex(R"(l\*?|lab_l)", syntax)},
+        {Kind::a, std::regex(R"(a\*?|lab_a)", syntax)},
+        {Kind::b, std::regex(R"(b\*?|lab_b)", syntax)},
+        {Kind::percent, std::regex("nm([0-9]{3,4})_percent", syntax)},
+        {Kind::fraction, std::regex("(?:spectral_(?:nm_?)?|nm_?)([0-9]{3,4})", syntax)}};
+    for (const auto& [kind, pattern] : kinds) {
+        std::smatch parts;
+        if (std::regex_match(title, parts, pattern)) return {kind, parts.size() > 1 ? std::stoi(parts[1]) : 0};
+    }
+    return {Kind::other};
+}
+
+bool hasLab(const Columns& columns) {
+    return columns.contains({Kind::L}) && columns.contains({Kind::a}) && columns.contains({Kind::b});
+}
+
+Reading readingOf(const Json& json) {
+    Reading reading{json.at("name"), {}, {}};
+    if (json.contains("lab")) {
+        const Json& lab = json["lab"];
+        reading.lab = SPM_LAB{lab.at("L"), lab.at("a"), lab.at("b")};
+    }
+    const Json spectrum = json.value("reflectancePercent", Json::object());
+    for (const auto& [wavelength, percent] : spectrum.items()) {
+        reading.spectrum.push_back({std::stoi(wavelength), percent});
+    }
+    return reading;
+}
+
+/// The words of a line of CGATS; those in quotes may have blanks, and # begins a comment.
+std::vector<std::string> wordsOf(const std::string& line) {
+    std::istringstream stream(line);
+    std::vector<std::string> words;
+    std::string word;
+    while ((stream >> std::ws).peek() != '#' && stream >> std::quoted(word, '"', '\0')) {
+        words.push_back(word);
+    }
+    return words;
+}
+
+/// Brings samples that are in several tables into the order of their numbers, if all have one.
+void sortByNumber(std::vector<Patch>& patches) {
+    const auto isNumber = [](const Patch& patch) {
+        return patch.id.find_first_not_of("0123456789") == std::string::npos;
+    };
+    if (!std::ranges::all_of(patches, isNumber)) return;
+    std::ranges::stable_sort(patches, {}, [](const Patch& patch) { return std::pair(patch.id.size(), patch.id); });
+}
+
+class PatchReader {
+public:
+    PatchReader(std::string name, PatchFileKind kind)
+        : description(std::move(name)), isReference(kind == PatchFileKind::reference) {}
+
+    std::vector<Patch> read(const std::string& text) const {
+        std::vector<Patch> patches = readAny(text);
+        if (patches.empty()) {
+            throw Error(fmt::format("{} has no patches; give each a line below the header", description));
+        }
+        if (isReference) requireExpectedValues(patches);
+        return patches;
+    }
+
+private:
+    [[noreturn]] void fail(const std::string& place, std::string_view what) const {
+        throw Error(fmt::format("{}, {}: {}", description, place, what));
+    }
+
+    [[noreturn]] void failWithoutHeader(const std::string& place) const {
+        fail(place, fmt::format("the header {} is missing; put it above the patches",
+                                isReference ? "name,L*,a*,b*" : "with a column of names, \"name\" or SAMPLE_NAME,"));
+    }
+
+    std::vector<Patch> readAny(const std::string& text) const {
+        const std::size_t first = text.find_first_not_of("\xEF\xBB\xBF \t\r\n");
+        if (first != std::string::npos && text[first] == '{') return readJson(text);
+        const bool isCgats = text.starts_with("CGATS") || text.find("\nBEGIN_DATA_FORMAT") != std::string::npos;
+        return isCgats ? readCgats(text) : readCsv(text);
+    }
+
+    std::vector<Patch> readJson(const std::string& text) const try {
+        std::vector<Patch> patches;
+        const Json run = Json::parse(text);
+        for (const Json& reading : run.at("readings")) {
+            patches.push_back({readingOf(reading), {}, fmt::format("reading {}", patches.size() + 1)});
+        }
+        return patches;
+    } catch (const std::exception& error) {
+        throw Error(fmt::format("{} is not JSON as spm writes it: {}", description, error.what()));
+    }
+
+    std::vector<Patch> readCsv(const std::string& text) const {
+        const std::size_t separator = text.find_first_of(",;\t\n");
+        if (separator != std::string::npos && (text[separator] == ';' || text[separator] == '\t')) {
+            fail("line 1", fmt::format("the fields are separated by {}; separate them by commas, and write numbers "
+                                       "with a decimal point",
+                                       text[separator] == ';' ? "semicolons" : "tabs"));
+        }
+        common::CsvReader csv(text, description);
+        Table table;
+        while (auto fields = csv.next()) {
+            table.rows.push_back({fmt::format("line {}", csv.lineNumber()), std::move(*fields)});
+        }
+        if (table.rows.empty()) return {};
+        table.header = table.rows.front();
+        table.rows.erase(table.rows.begin());
+        if (isReference && !hasLab(columnsOf(table.header))) failWithoutHeader(table.header.place);
+        return patchesOf(table);
+    }
+
+    std::vector<Patch> readCgats(const std::string& text) const {
+        std::istringstream lines(text);
+        std::vector<Patch> patches;
+        Table table;
+        std::string end; // of the section that is read
+        std::string line;
+        for (int number = 1; std::getline(lines, line); ++number) {
+            Row row{fmt::format("line {}", number), wordsOf(line)};
+            if (row.fields.empty()) continue;
+            const std::string keyword = row.fields.front();
+            if (keyword == end) {
+                if (keyword == "END_DATA") merge(std::exchange(table, {}), patches);
+                end.clear();
+            } else if (end == "END_DATA_FORMAT") {
+                std::ranges::move(row.fields, std::back_inserter(table.header.fields));
+            } else if (end == "END_DATA") {
+                table.rows.push_back(std::move(row));
+            } else if (keyword == "BEGIN_DATA" || keyword == "BEGIN_DATA_FORMAT") {
+                if (table.header.fields.empty()) table.header.place = row.place;
+                end = "END" + keyword.substr(keyword.find('_'));
+            } else if (keyword == "SPECTRAL_NORM" && row.fields.size() > 1) {
+                table.spectralNorm = row.fields[1];
+            }
+        }
+        if (!end.empty()) throw Error(fmt::format("{} is incomplete: {} is missing", description, end));
+        return patches;
+    }
+
+    /// Adds what a further table has: values of patches that are there, and new patches.
+    void merge(const Table& table, std::vector<Patch>& patches) const {
+        std::map<std::string, std::size_t> earlier;
+        for (std::size_t i = 0; i < patches.size(); ++i) {
+            earlier.emplace(patches[i].id, i);
+        }
+        const std::size_t before = patches.size();
+        for (Patch& patch : patchesOf(table)) {
+            const auto same = earlier.find(patch.id);
+            if (same == earlier.end()) {
+                patches.push_back(std::move(patch));
+            } else {
+                add(patches[same->second].reading, patch);
+            }
+        }
+        if (before > 0 && patches.size() > before) sortByNumber(patches);
+    }
+
+    void add(Reading& earlier, const Patch& patch) const {
+        const Reading& later = patch.reading;
+        if ((earlier.lab && later.lab) || (!earlier.spectrum.empty() && !later.spectrum.empty())) {
+            fail(patch.place,
+                 fmt::format("the sample \"{}\" has such values in an earlier table, too; give each an ID of its own",
+                             patch.id));
+        }
+        if (later.lab) earlier.lab = later.lab;
+        if (!later.spectrum.empty()) earlier.spectrum = later.spectrum;
+    }
+
+    Columns columnsOf(const Row& header) const {
+        Columns columns;
+        for (std::size_t i = 0; i < header.fields.size(); ++i) {
+            const Column column = columnOf(header.fields[i]);
+            const bool mayRepeat = column.kind == Kind::name || column.kind == Kind::other;
+            if (columns.emplace(column, i).second || mayRepeat) continue;
+            fail(header.place, fmt::format("\"{}\" is the second column of its kind; remove one", header.fields[i]));
+        }
+        if (columns.empty() || columns.begin()->first.kind > Kind::id) failWithoutHeader(header.place);
+        const std::size_t name = columns.begin()->second;
+        columns.emplace(Column{Kind::name}, name);
+        columns.emplace(Column{Kind::id}, name);
+        return columns;
+    }
+
+    std::vector<Patch> patchesOf(const Table& table) const {
+        const Columns columns = columnsOf(table.header);
+        const double scale = 100 / number(table.spectralNorm, table.header.place);
+        std::vector<Patch> patches;
+        for (const Row& row : table.rows) {
+            if (row.fields.size() != table.header.fields.size()) {
+                fail(row.place, fmt::format("the number of fields is {}, but the header has {}; put a name that has "
+                                            "separators in double quotes",
+                                            row.fields.size(), table.header.fields.size()));
+            }
+            if (std::ranges::all_of(row.fields, &std::string::empty)) {
+                fail(row.place, "all fields are empty; remove the line");
+            }
+            patches.push_back(patchOf(row, columns, scale));
+        }
+        return patches;
+    }
+
+    /// @param scale  turns fractions into percent
+    Patch patchOf(const Row& row, const Columns& columns, double scale) const {
+        const auto text = [&](Kind kind) { return row.fields[columns.at({kind})]; };
+        Patch patch{{text(Kind::name), {}, {}}, text(Kind::id), row.place};
+        if (hasLab(columns) && !(text(Kind::L) + text(Kind::a) + text(Kind::b)).empty()) {
+            const auto value = [&](Kind kind) { return number(text(kind), row.place); };
+            patch.reading.lab = SPM_LAB{value(Kind::L), value(Kind::a), value(Kind::b)};
+        }
+        for (const auto& [column, index] : columns) {
+            if (column.wavelength == 0 || row.fields[index].empty()) continue;
+            const float percent = number(row.fields[index], row.place, column.kind == Kind::fraction ? scale : 1);
+            patch.reading.spectrum.push_back({column.wavelength, percent});
+        }
+        return patch;
+    }
+
+    float number(const std::string& text, const std::string& place, double scale = 1) const {
+        double value = 0;
+        const char* const end = text.data() + text.size();
+        const auto [stop, error] = std::from_chars(text.data(), end, value);
+        value *= scale;
+        const bool isFinite = std::abs(value) <= std::numeric_limits<float>::max();
+        if (error == std::errc{} && stop == end && isFinite) return static_cast<float>(value);
+        fail(place, fmt::format("\"{}\" is not a number; write it as in -12.34", text));
+    }
+
+    void requireExpectedValues(const std::vector<Patch>& patches) const {
+        std::set<std::string_view> names;
+        for (const auto& [reading, id, place] : patches) {
+            if (!reading.lab) {
+                fail(place, fmt::format("\"{}\" has no L*, a* and b*; add them or remove the patch", reading.name));
+            }
+            for (const float value : {reading.lab->L, reading.lab->a, reading.lab->b}) {
+                // Far beyond all surfaces, and keeps the arithmetic from overflowing.
+                if (std::abs(value) <= 500) continue;
+                fail(place, fmt::format("\"{}\" is not a number from -500 to 500; write it as in -12.34", value));
+            }
+            if (names.insert(reading.name).second) continue;
+            fail(place,
+                 fmt::format("\"{}\" is the name of an earlier patch, too; give each a name of its own", reading.name));
+        }
+    }
+
+    std::string description;
+    bool isReference;
+};
+
+} // namespace
+
+std::vector<Reading> readPatches(const std::filesystem::path& file, std::string_view what, PatchFileKind kind) {
+    const std::string text = readInput(file, what);
+    const std::string description = fmt::format("{} {}", what, file.string());
+    if (kind != PatchFileKind::run) requireUtf8(text, description);
+    std::vector<Reading> readings;
+    for (Patch& patch : PatchReader(description, kind).read(text)) {
+        readings.push_back(std::move(patch.reading));
+    }
+    return readings;
+}
+
+} // namespace spm
