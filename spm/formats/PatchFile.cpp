@@ -104,13 +104,20 @@ std::vector<std::string> wordsOf(const std::string& line) {
     return words;
 }
 
-/// Brings samples that are in several tables into the order of their numbers, if all have one.
-void sortByNumber(std::vector<Patch>& patches) {
-    const auto isNumber = [](const Patch& patch) {
-        return patch.id.find_first_not_of("0123456789") == std::string::npos;
-    };
-    if (!std::ranges::all_of(patches, isNumber)) return;
+/// Puts the samples of several tables in the order of their numbers, each with all its values.
+void unite(std::vector<Patch>& patches) {
     std::ranges::stable_sort(patches, {}, [](const Patch& patch) { return std::pair(patch.id.size(), patch.id); });
+    std::vector<Patch> united;
+    for (Patch& patch : patches) {
+        if (united.empty() || united.back().id != patch.id) {
+            united.push_back(std::move(patch));
+        } else {
+            Reading& reading = united.back().reading;
+            if (patch.reading.lab) reading.lab = patch.reading.lab;
+            if (!patch.reading.spectrum.empty()) reading.spectrum = std::move(patch.reading.spectrum);
+        }
+    }
+    patches = std::move(united);
 }
 
 class PatchReader {
@@ -185,7 +192,8 @@ private:
             if (row.fields.empty()) continue;
             const std::string keyword = row.fields.front();
             if (keyword == end) {
-                if (keyword == "END_DATA") merge(std::exchange(table, {}), patches);
+                if (keyword == "END_DATA")
+                    std::ranges::move(patchesOf(std::exchange(table, {})), std::back_inserter(patches));
                 end.clear();
             } else if (end == "END_DATA_FORMAT") {
                 std::ranges::move(row.fields, std::back_inserter(table.header.fields));
@@ -199,44 +207,15 @@ private:
             }
         }
         if (!end.empty()) throw Error(fmt::format("{} is incomplete: {} is missing", description, end));
+        if (text.rfind("\nBEGIN_DATA_FORMAT") != text.find("\nBEGIN_DATA_FORMAT")) unite(patches);
         return patches;
-    }
-
-    /// Adds what a further table has: values of patches that are there, and new patches.
-    void merge(const Table& table, std::vector<Patch>& patches) const {
-        std::map<std::string, std::size_t> earlier;
-        for (std::size_t i = 0; i < patches.size(); ++i) {
-            earlier.emplace(patches[i].id, i);
-        }
-        const std::size_t before = patches.size();
-        for (Patch& patch : patchesOf(table)) {
-            const auto same = earlier.find(patch.id);
-            if (same == earlier.end()) {
-                patches.push_back(std::move(patch));
-            } else {
-                add(patches[same->second].reading, patch);
-            }
-        }
-        if (before > 0 && patches.size() > before) sortByNumber(patches);
-    }
-
-    void add(Reading& earlier, const Patch& patch) const {
-        const Reading& later = patch.reading;
-        if ((earlier.lab && later.lab) || (!earlier.spectrum.empty() && !later.spectrum.empty())) {
-            fail(patch.place,
-                 fmt::format("the sample \"{}\" has such values in an earlier table, too; give each an ID of its own",
-                             patch.id));
-        }
-        if (later.lab) earlier.lab = later.lab;
-        if (!later.spectrum.empty()) earlier.spectrum = later.spectrum;
     }
 
     Columns columnsOf(const Row& header) const {
         Columns columns;
         for (std::size_t i = 0; i < header.fields.size(); ++i) {
             const Column column = columnOf(header.fields[i]);
-            const bool mayRepeat = column.kind == Kind::name || column.kind == Kind::other;
-            if (columns.emplace(column, i).second || mayRepeat) continue;
+            if (columns.emplace(column, i).second || column.kind == Kind::name || column.kind == Kind::other) continue;
             fail(header.place, fmt::format("\"{}\" is the second column of its kind; remove one", header.fields[i]));
         }
         if (columns.empty() || columns.begin()->first.kind > Kind::id) failWithoutHeader(header.place);

@@ -4,6 +4,7 @@
 
 #include "spm/formats/Report.h"
 
+#include "spm/formats/Printable.h"
 #include "spm/formats/Swatch.h"
 
 #include <algorithm>
@@ -19,54 +20,15 @@ using kainjow::mustache::data;
 using kainjow::mustache::list;
 using kainjow::mustache::object;
 
-/// What stands for a value that was not measured, or that is no number.
-constexpr const char* noValue = "&#8211;";
-
-std::string escapedCharacter(char character) {
-    switch (character) {
-    case '&':
-        return "&amp;";
-    case '<':
-        return "&lt;";
-    case '>':
-        return "&gt;";
-    case '"':
-        return "&quot;";
-    case '\'':
-        return "&#39;";
-    default:
-        // Control characters are no text in HTML, however they are written.
-        const auto code = static_cast<unsigned char>(character);
-        return {code < ' ' || code == 0x7f ? ' ' : character};
-    }
-}
-
-std::string escaped(const std::string& text) {
-    std::string result;
-    for (const char character : text) {
-        result += escapedCharacter(character);
-    }
-    return result;
-}
-
-bool hasColour(const Reading& reading) {
-    return reading.lab && std::isfinite(reading.lab->L) && std::isfinite(reading.lab->a) &&
-           std::isfinite(reading.lab->b);
-}
-
 std::string colour(const SPM_LAB& lab) {
     const auto rgb = toSrgb(lab);
     return fmt::format("#{:02x}{:02x}{:02x}", rgb[0], rgb[1], rgb[2]);
 }
 
-std::string number(float value) {
-    return std::isfinite(value) ? fmt::format("{:.2f}", value) : noValue;
-}
-
 list labOf(const Reading& reading) {
     list values;
     for (const auto value : {&SPM_LAB::L, &SPM_LAB::a, &SPM_LAB::b}) {
-        values.push_back(object{{"value", reading.lab ? number((*reading.lab).*value) : noValue}});
+        values.push_back(object{{"value", reading.lab ? fmt::format("{:.2f}", (*reading.lab).*value) : "\u2013"}});
     }
     return values;
 }
@@ -74,8 +36,8 @@ list labOf(const Reading& reading) {
 list patchesOf(const Run& run) {
     list patches;
     for (const Reading& reading : run.readings) {
-        object patch{{"name", reading.name}, {"lab", labOf(reading)}};
-        if (hasColour(reading)) patch["colour"] = colour(*reading.lab);
+        object patch{{"name", printable(reading.name)}, {"lab", labOf(reading)}};
+        if (reading.lab) patch["colour"] = colour(*reading.lab);
         patches.push_back(patch);
     }
     return patches;
@@ -128,7 +90,6 @@ private:
         constexpr double highest = 200;
         first = std::min(first, static_cast<double>(reflection.wavelength));
         last = std::max(last, static_cast<double>(reflection.wavelength));
-        if (!std::isfinite(reflection.value)) return;
         top = std::clamp(20 * std::ceil(static_cast<double>(reflection.value) / 20), top, highest);
     }
 
@@ -140,7 +101,6 @@ private:
 std::string pointsOf(const Reading& reading, const Axes& axes) {
     std::string points;
     for (const SPM_REFLECTION& reflection : reading.spectrum) {
-        if (!std::isfinite(reflection.value)) continue;
         points += fmt::format("{}{},{}", points.empty() ? "" : " ", axes.x(reflection.wavelength),
                               axes.y(static_cast<double>(reflection.value)));
     }
@@ -153,8 +113,8 @@ list curvesOf(const std::vector<Reading>& readings, const Axes& axes) {
     list curves;
     for (const Reading& reading : readings) {
         if (reading.spectrum.empty()) continue;
-        curves.push_back(object{{"name", reading.name},
-                                {"stroke", hasColour(reading) ? colour(*reading.lab) : "currentColor"},
+        curves.push_back(object{{"name", printable(reading.name)},
+                                {"stroke", reading.lab ? colour(*reading.lab) : "currentColor"},
                                 {"points", pointsOf(reading, axes)}});
     }
     return curves;
@@ -163,6 +123,7 @@ list curvesOf(const std::vector<Reading>& readings, const Axes& axes) {
 } // namespace
 
 std::string htmlReport(const Run& run) {
+    requireValues(run);
     list notMeasured;
     object page{{"title", run.simulation.empty() ? "Measurement" : "Simulated measurement"},
                 {"started", run.started},
@@ -186,7 +147,6 @@ std::string htmlReport(const Run& run) {
                                  {"curves", curvesOf(run.readings, axes)}};
     }
     kainjow::mustache::mustache view(reportTemplate);
-    view.set_custom_escape(escaped);
     return view.render(data(page));
 }
 
