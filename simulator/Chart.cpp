@@ -1,6 +1,7 @@
 #include "simulator/Chart.h"
 
 #include "common/CsvReader.h"
+#include "common/Text.h"
 
 #include <charconv>
 #include <fmt/format.h>
@@ -36,6 +37,7 @@ void expectWavelength(std::size_t index, const std::string& field, const common:
 } // namespace
 
 std::vector<Patch> parseChart(std::string_view text, const std::string& what) {
+    common::requireUtf8(text, what);
     common::CsvReader csv(text, what);
     constexpr std::size_t width = 1 + I1PRO3_NUMBER_OF_REFLECTIONS;
     const Fields header = nextLine(csv, width).value_or(Fields());

@@ -14,7 +14,6 @@
 #include <fmt/format.h>
 #include <iostream>
 #include <map>
-#include <sstream>
 
 namespace {
 
@@ -59,15 +58,6 @@ Examples:
   spm doctor
   spm doctor --module /opt/colour/spm_i1pro3.so)";
 
-std::vector<std::string> split(const std::string& names) {
-    std::vector<std::string> all;
-    std::istringstream stream(names);
-    for (std::string name; std::getline(stream, name, ',');) {
-        all.push_back(name);
-    }
-    return all;
-}
-
 CLI::Option* addFile(CLI::App& command, const char* name, std::filesystem::path& path, const char* text) {
     const auto take = [&path, name](const std::string& given) {
         if (given.empty()) throw CLI::ValidationError(name, "names no file");
@@ -105,10 +95,10 @@ void addMeasure(CLI::App& app, spm::MeasureOptions& options) {
     auto* const chart = addFile(*measure, "--chart", options.chart,
                                 "file that names the patches: CSV with a header line, CGATS, or JSON from spm");
     measure
-        ->add_option_function<std::string>(
-            "--names", [&options](const std::string& names) { options.names = split(names); },
-            "the patches' names, separated by commas; put names with commas in a chart file")
+        ->add_option("--names", options.names,
+                     "the patches' names, separated by commas; put names with commas in a chart file")
         ->option_text("NAMES")
+        ->delimiter(',')
         ->excludes(chart);
     measure->add_flag("--lab", options.lab, "measure CIELab for D65 and 10 degree (the default)");
     measure->add_flag("--spectra", options.spectra, "measure spectra; with --lab both, in two passes");

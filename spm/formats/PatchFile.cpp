@@ -3,8 +3,9 @@
 #include "spm/formats/PatchFile.h"
 
 #include "common/CsvReader.h"
+#include "common/System.h"
+#include "common/Text.h"
 #include "spm/Error.h"
-#include "spm/InputFile.h"
 
 #include <algorithm>
 #include <array>
@@ -18,6 +19,7 @@
 #include <regex>
 #include <set>
 #include <sstream>
+#include <system_error>
 
 namespace spm {
 
@@ -290,17 +292,29 @@ private:
     bool isReference;
 };
 
+std::string readText(const std::filesystem::path& file, std::string_view what) try {
+    return common::readFile(file);
+} catch (const std::system_error& error) {
+    throw Error(fmt::format("can't read {} {}: {}", what, file.string(), error.code().message()),
+                "name a CSV, CGATS or JSON file");
+}
+
 } // namespace
 
 std::vector<Reading> readPatches(const std::filesystem::path& file, std::string_view what, PatchFileKind kind) {
-    const std::string text = readInput(file, what);
+    const std::string text = readText(file, what);
     const std::string description = fmt::format("{} {}", what, file.string());
-    if (kind != PatchFileKind::run) requireUtf8(text, description);
+    if (kind != PatchFileKind::run) common::requireUtf8(text, description);
     std::vector<Reading> readings;
     for (Patch& patch : PatchReader(description, kind).read(text)) {
         readings.push_back(std::move(patch.reading));
     }
     return readings;
+}
+
+bool isSimulated(const std::filesystem::path& runFile) {
+    const std::regex measured(R"(,no,[^\n]*\n|\n *"simulated": null,|\nINSTRUMENTATION\t"module )");
+    return !std::regex_search(readText(runFile, "the output file"), measured);
 }
 
 } // namespace spm

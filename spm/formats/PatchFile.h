@@ -27,4 +27,8 @@ enum class PatchFileKind {
 /// @throws Error or common::CsvError  with the file, where possible the line, and what is wrong
 std::vector<Reading> readPatches(const std::filesystem::path& file, std::string_view what, PatchFileKind kind);
 
+/// Whether a file that spm wrote has simulated values.
+/// @throws Error  when it can't be read
+bool isSimulated(const std::filesystem::path& runFile);
+
 } // namespace spm

@@ -1,9 +1,9 @@
 #include "spm/formats/Reference.h"
 
+#include "common/Text.h"
 #include "spm/Error.h"
 #include "spm/formats/DeltaE.h"
 #include "spm/formats/PatchFile.h"
-#include "spm/formats/Printable.h"
 #include "spm/formats/Table.h"
 
 #include <algorithm>
@@ -33,7 +33,7 @@ void summarise(Comparison& comparison) {
 
 void append(std::string& text, std::string_view what, const std::vector<std::string>& names) {
     if (!names.empty())
-        text += fmt::format("{}: \"{}\"\n", what, printable(fmt::format("{}", fmt::join(names, "\", \""))));
+        text += fmt::format("{}: \"{}\"\n", what, common::printable(fmt::format("{}", fmt::join(names, "\", \""))));
 }
 
 } // namespace
@@ -82,8 +82,8 @@ std::string formatComparison(const Comparison& comparison) {
     std::string text = fmt::format("Compared with {}\n{:<24} {:>9} {:>8} {:>8} {:>8}\n", comparison.file.string(),
                                    conditions(comparison.isSimulated), "CIEDE2000", "dL*", "da*", "db*");
     for (const PatchDifference& patch : comparison.patches) {
-        text += fmt::format("{:<24.24} {:9.2f} {:+8.2f} {:+8.2f} {:+8.2f}\n", printable(patch.name), patch.deltaE,
-                            patch.measured.L - patch.expected.L, patch.measured.a - patch.expected.a,
+        text += fmt::format("{:<24.24} {:9.2f} {:+8.2f} {:+8.2f} {:+8.2f}\n", common::printable(patch.name),
+                            patch.deltaE, patch.measured.L - patch.expected.L, patch.measured.a - patch.expected.a,
                             patch.measured.b - patch.expected.b);
     }
     text += fmt::format("\n{:<24} {:9.2f}\n{:<24} {:9.2f}   (nearest rank)\n{:<24} {:9.2f}\n", "mean", comparison.mean,

@@ -4,7 +4,7 @@
 
 #include "spm/formats/Report.h"
 
-#include "spm/formats/Printable.h"
+#include "common/Text.h"
 #include "spm/formats/Swatch.h"
 
 #include <algorithm>
@@ -36,7 +36,7 @@ list labOf(const Reading& reading) {
 list patchesOf(const Run& run) {
     list patches;
     for (const Reading& reading : run.readings) {
-        object patch{{"name", printable(reading.name)}, {"lab", labOf(reading)}};
+        object patch{{"name", common::printable(reading.name)}, {"lab", labOf(reading)}};
         if (reading.lab) patch["colour"] = colour(*reading.lab);
         patches.push_back(patch);
     }
@@ -113,7 +113,7 @@ list curvesOf(const std::vector<Reading>& readings, const Axes& axes) {
     list curves;
     for (const Reading& reading : readings) {
         if (reading.spectrum.empty()) continue;
-        curves.push_back(object{{"name", printable(reading.name)},
+        curves.push_back(object{{"name", common::printable(reading.name)},
                                 {"stroke", reading.lab ? colour(*reading.lab) : "currentColor"},
                                 {"points", pointsOf(reading, axes)}});
     }

@@ -1,6 +1,6 @@
 #include "spm/formats/Table.h"
 
-#include "spm/formats/Printable.h"
+#include "common/Text.h"
 #include "spm/formats/Sparkline.h"
 
 #include <fmt/format.h>
@@ -26,8 +26,8 @@ std::string labTable(std::span<const Reading> readings, bool isSimulated, Colour
     for (const Reading& reading : readings) {
         if (!reading.lab) continue;
         const SPM_LAB& lab = *reading.lab;
-        fmt::format_to(out, "{}{:<24.24} {:8.2f} {:8.2f} {:8.2f}\n", swatch(lab, depth), printable(reading.name), lab.L,
-                       lab.a, lab.b);
+        fmt::format_to(out, "{}{:<24.24} {:8.2f} {:8.2f} {:8.2f}\n", swatch(lab, depth),
+                       common::printable(reading.name), lab.L, lab.a, lab.b);
     }
     return table;
 }
@@ -37,7 +37,7 @@ std::string spectraTable(std::span<const Reading> readings, bool isSimulated, Co
     auto out = std::back_inserter(table);
     for (const Reading& reading : readings) {
         if (reading.spectrum.empty()) continue;
-        fmt::format_to(out, "Reflectance of \"{:.24}\" in percent{}:", printable(reading.name),
+        fmt::format_to(out, "Reflectance of \"{:.24}\" in percent{}:", common::printable(reading.name),
                        isSimulated ? ", simulated" : "");
         if (depth != ColourDepth::none) fmt::format_to(out, "\n  {}", spectralCurve(reading.spectrum));
         for (std::size_t i = 0; i < reading.spectrum.size(); ++i) {

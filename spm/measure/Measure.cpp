@@ -2,7 +2,9 @@
 
 #include "spm/measure/Measure.h"
 
+#include "common/Text.h"
 #include "spm/Error.h"
+#include "spm/formats/PatchFile.h"
 #include "spm/formats/Reference.h"
 #include "spm/measure/Interrupt.h"
 #include "spm/measure/OutputFile.h"
@@ -79,6 +81,25 @@ Ending measureAll(const Module& module, const MeasureOptions& options, const Pro
     }
 }
 
+/// Takes over the values of a run that was broken off, which has the same patches in the same order, or some of them.
+void resume(Run& run, const std::filesystem::path& file) {
+    if (isSimulated(file) == run.simulation.empty()) {
+        throw UsageError(fmt::format("{} has {} values; name another output file", file.string(),
+                                     run.simulation.empty() ? "simulated" : "measured"));
+    }
+    auto place = run.readings.begin();
+    for (Reading& earlier : readPatches(file, "the output file", PatchFileKind::run)) {
+        place =
+            std::find_if(place, run.readings.end(), [&](const Reading& patch) { return patch.name == earlier.name; });
+        if (place == run.readings.end()) {
+            throw UsageError(fmt::format("{} has the patch \"{}\", which is not to be measured, or elsewhere; give the "
+                                         "chart and the options of that run",
+                                         file.string(), common::printable(earlier.name)));
+        }
+        *place++ = std::move(earlier);
+    }
+}
+
 Run begin(const Module& module, const MeasureOptions& options, const std::vector<std::string>& names) {
     Run run;
     run.started = timeNow();
@@ -89,6 +110,7 @@ Run begin(const Module& module, const MeasureOptions& options, const std::vector
     std::ranges::transform(names, std::back_inserter(run.readings), [](const std::string& name) {
         return Reading{name, {}, {}};
     });
+    if (options.firstRow > 1 && std::filesystem::exists(options.output)) resume(run, options.output);
     return run;
 }
 
@@ -104,7 +126,7 @@ void introduce(const Prompter& prompter, const Run& run, const MeasureOptions& o
 
 /// What was left out, and why.
 void sumUp(const Prompter& prompter, const Run& run) {
-    if (measuredCount(run) == 0) return;
+    if (measuredCount(run) == 0 || gaps(run).empty()) return;
     std::string text = coverage(run) + " measured";
     for (const Gap& gap : gaps(run)) {
         text += "; " + describe(gap);
@@ -120,6 +142,10 @@ Outcome measure(const MeasureOptions& wanted) {
     const std::vector<std::string> names = patchNames(wanted);
     MeasureOptions options = wanted;
     options.rows = static_cast<std::int32_t>(names.size()) / options.patches;
+    if (static_cast<std::size_t>(options.firstRow) > stripsOf(options).size()) {
+        throw UsageError(fmt::format("--first-row is {}, but there are {} rows or spots", options.firstRow,
+                                     stripsOf(options).size()));
+    }
     const std::optional<Reference> reference = referenceOf(options, names);
     const Prompter prompter;
     const Module module(options.module);
@@ -129,14 +155,14 @@ Outcome measure(const MeasureOptions& wanted) {
     try {
         const InterruptGuard interrupts; // what was read is written all the same
         writer.finish(ending.reason);
-        if (ending.outcome == Outcome::incomplete) sumUp(prompter, writer.measured());
+        sumUp(prompter, writer.measured());
         if (reference && !ending.failure) writer.show(formatComparison(compare(writer.measured(), *reference)));
     } catch (const std::exception& error) {
         if (!ending.failure) throw;
         prompter.say(error.what());
     }
     if (ending.failure) std::rethrow_exception(ending.failure);
-    return ending.outcome;
+    return gaps(writer.measured()).empty() ? ending.outcome : Outcome::incomplete;
 }
 
 } // namespace spm

@@ -3,8 +3,8 @@
 
 #include "spm/measure/Session.h"
 
+#include "common/Text.h"
 #include "spm/Error.h"
-#include "spm/formats/Printable.h"
 #include "spm/measure/Fit.h"
 #include "spm/measure/Interrupt.h"
 
@@ -28,10 +28,10 @@ const char* nameOf(Quantity quantity) {
 }
 
 std::string instruction(std::span<const Reading> patches) {
-    const std::string first = printable(patches.front().name);
+    const std::string first = common::printable(patches.front().name);
     if (patches.size() == 1) return fmt::format("place the instrument on \"{}\" and press the button.", first);
     return fmt::format("press the button and slide the instrument from \"{}\" to \"{}\".", first,
-                       printable(patches.back().name));
+                       common::printable(patches.back().name));
 }
 
 } // namespace

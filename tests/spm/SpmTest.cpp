@@ -63,14 +63,14 @@ TEST_F(Spm, MeasuresTheChartInTwoPasses) {
 }
 
 TEST_F(Spm, WritesWhatWasReadBeforeAFailure) {
-    useScript(R"({"button": {"polls": 0}, "faults": [)"
-              R"({"function": "I1PRO3_TriggerMeasurement", "call": 3, "result": 7, "text": "lamp"}]})");
+    const std::string fault = R"({"function": "I1PRO3_TriggerMeasurement", "call": 3, "result": 7, "text": "lamp"})";
     const std::string ended = "the run ended: measuring failed: lamp";
     const std::map<std::string, std::string> gaps{{"run.csv", "\npatch 5,,,,"},
                                                   {"run.json", "\"patchesMeasured\": 4,"},
                                                   {"run.cgats", "\n# patches 5 to 8 not measured: "},
                                                   {"run.txt", "CGATS.17\n"}};
     for (const auto& [name, gap] : gaps) {
+        useScript(R"({"button": {"polls": 0}, "faults": [)" + fault + "]}");
         EXPECT_EQ(measure({"--patches", "2", "--report", file("page.html"), "--output", file(name)}), 1) << name;
         EXPECT_TRUE(errors().ends_with("\nspm: measuring failed: lamp\nErrorNumber: 7\n")) << errors();
         EXPECT_TRUE(contains(errors(), "\n4 of 8 patches measured; patches 5 to 8 not measured: " + ended)) << errors();
@@ -79,7 +79,21 @@ TEST_F(Spm, WritesWhatWasReadBeforeAFailure) {
             EXPECT_TRUE(contains(written, ended)) << written;
         }
         fs::remove(file("page.html"));
+        useScript("{}");
+        EXPECT_EQ(measure({"--patches", "2", "--first-row", "4", "--output", file(name)}), 3) << errors();
+        EXPECT_TRUE(contains(errors(), "\n6 of 8 patches measured; patches 5 to 6 not measured: ")) << errors();
+        EXPECT_EQ(measure({"--patches", "2", "--first-row", "3", "--output", file(name)}), 0) << errors();
+        EXPECT_FALSE(contains(readText(file(name)), ended)) << readText(file(name));
     }
+    EXPECT_EQ(measure({"--patches", "2", "--first-row", "5"}), 2);
+    EXPECT_EQ(measure({"--rows", "2", "--first-row", "2", "--output", file("run.csv")}), 0) << "of another form";
+    EXPECT_EQ(
+        measure({"--rows", "2", "--first-row", "2", "--names", "a,b,c,d,e,f,g,h,i,j,k,l", "--output", file("run.csv")}),
+        2);
+    EXPECT_TRUE(contains(errors(), "has the patch \"patch 1\", which is not to be measured")) << errors();
+    writeFile(file("run.csv"), std::regex_replace(readText(file("run.csv")), std::regex(",simulated i1[^,]*"), ",no"));
+    EXPECT_EQ(measure({"--rows", "2", "--first-row", "2", "--output", file("run.csv")}), 2);
+    EXPECT_TRUE(contains(errors(), "run.csv has measured values; name another output file")) << errors();
 }
 
 TEST_F(Spm, TakesItsOwnValuesAsChartAndReference) {
@@ -123,7 +137,7 @@ TEST_F(Spm, SaysWhatFailedAndWithWhat) {
         {{"--module", file("no module")}, 1, ": it is not a library of this system; replace it with the right file\n"},
         {{"--module", sdkFile.string()}, 1, "is not a spectrophotometer module: it has no SPM_create"},
         {{"--module", ""}, 2, "--module: names no file\n"},
-        {{"--chart", missing}, 1, "can't read the chart file " + missing + "; name a CSV, CGATS or JSON file\n"},
+        {{"--chart", missing}, 1, "can't read the chart file " + missing + ": "},
         {{"--chart", chart}, 2, chart + " is 1, which does not make whole rows of 6; "},
         {{"--chart", chart, "--rows", "4"}, 2, chart + " is 1, but 24 are to be measured; "},
         {{"--patches", "1"}, 2, "--patches"},
@@ -137,9 +151,7 @@ TEST_F(Spm, SaysWhatFailedAndWithWhat) {
         {{"--spots", "1", "--chart", chart, "--output", chart}, 2, chart + " would be written over; give each file "},
         {{"--chart", chart, "--output", file("link.csv")}, 2, "link.csv would be written over; give each file "},
         {{"--output", file("earlier.csv")}, 2, "earlier.csv exists; name another file, or replace it with --overwrite"},
-        {{"--reference", missing},
-         1,
-         "can't read the reference file " + missing + "; name a CSV, CGATS or JSON file\n"},
+        {{"--reference", missing}, 1, "can't read the reference file " + missing + ": "},
         {{"--reference", chart}, 2, "\"patch 1\" is to be measured, the reference has \"one\"; name the patches as "},
         {{"--reference", missing, "--spectra"}, 2, "which are not measured; add --lab"},
         {row, 1, "the instrument could not be opened: lamp\nErrorNumber: 9\n", lampFails("OpenDevice")},

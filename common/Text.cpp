@@ -1,15 +1,11 @@
-#include "spm/InputFile.h"
-
-#include "common/System.h"
-#include "spm/Error.h"
+#include "common/Text.h"
 
 #include <algorithm>
 #include <cwchar>
 #include <fmt/format.h>
 #include <locale>
-#include <system_error>
 
-namespace spm {
+namespace common {
 
 namespace {
 
@@ -28,23 +24,30 @@ std::size_t findFault(std::string_view text) {
 
 } // namespace
 
-std::string readInput(const std::filesystem::path& file, std::string_view what) try {
-    return common::readFile(file);
-} catch (const std::system_error&) {
-    throw Error(fmt::format("can't read {} {}; name a CSV, CGATS or JSON file", what, file.string()));
-}
-
 void requireUtf8(std::string_view text, std::string_view description) {
     if (text.starts_with("\xFF\xFE") || text.starts_with("\xFE\xFF")) {
-        throw Error(fmt::format("{} is UTF-16; save it as UTF-8", description));
+        throw TextError(fmt::format("{} is UTF-16; save it as UTF-8", description));
     }
     const std::size_t fault = findFault(text);
     if (fault == text.size()) return;
     const std::string_view before = text.substr(0, fault);
-    throw Error(fmt::format("{}, line {}, byte {}: {} (0x{:02X}); save it as UTF-8", description,
+    throw TextError(fmt::format("{}, line {}, byte {}: {} (0x{:02X}); save it as UTF-8", description,
                             1 + std::count(before.begin(), before.end(), '\n'), fault - before.rfind('\n'),
                             text[fault] == '\0' ? "a NUL byte, which no text has" : "this is not UTF-8",
                             static_cast<std::uint8_t>(text[fault])));
 }
 
-} // namespace spm
+std::string printable(std::string_view text) {
+    std::string shown;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto code = static_cast<unsigned char>(text[i]);
+        const auto next = static_cast<unsigned char>(i + 1 < text.size() ? text[i + 1] : '\0');
+        const bool isC1 = code == 0xC2 && next >= 0x80 && next < 0xA0; // U+0080 to U+009F in UTF-8
+        const bool isControl = code < 0x20 || code == 0x7F || isC1;
+        shown += isControl ? "\uFFFD" : std::string(1, text[i]);
+        if (isC1) ++i;
+    }
+    return shown;
+}
+
+} // namespace common
