@@ -25,14 +25,14 @@ constexpr const char* measureHelp =
     R"(Calibrates the instrument on its white reference, then measures a chart row by row, or spots one after another. What to
 do, and what goes wrong, is told on standard error; standard output has the values alone.
 
-With an output file, each row is in the file as soon as it was read. When a row fails, it can be measured again or
+With an output file, each row is saved as soon as it is read. When a row fails, it can be measured again or
 skipped. Ctrl-C closes the instrument and keeps what was read.
 
 Exit status:
   0  all was measured
   1  something failed; what was read before is written all the same
   2  the command line is wrong
-  3  rows were skipped, or the measuring was ended with Ctrl-C
+  3  patches were not measured: rows were skipped, or the run was ended with Ctrl-C
 
 Examples:
   spm measure --chart chart.csv --patches 6
