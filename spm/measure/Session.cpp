@@ -101,7 +101,7 @@ bool Session::measure(Quantity quantity, const Strip& strip) {
         Attempt result = attempt(quantity, strip);
         const char answer = result.doubt.empty() ? 'k' : decide(result, strip);
         if (answer == 'r') {
-            if (!instrument->isAnswering() || !instrument->isCalibrated()) calibrate();
+            if (result.read.empty()) restore();
             continue;
         }
         progress.done += static_cast<std::size_t>(strip.count);
@@ -112,6 +112,11 @@ bool Session::measure(Quantity quantity, const Strip& strip) {
         noteGap(writer.patches(strip), quantity, "skipped: " + firstLine(result.doubt));
         return false;
     }
+}
+
+/// After a failure, which a lost connection or calibration may have caused.
+void Session::restore() {
+    if (!instrument->isAnswering() || !instrument->isCalibrated()) calibrate();
 }
 
 Session::Attempt Session::attempt(Quantity quantity, const Strip& strip) try {

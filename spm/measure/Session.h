@@ -32,6 +32,7 @@ private:
 
     void calibrate();
     bool tryToCalibrate();
+    void restore();
     bool measure(Quantity quantity, const Strip& strip);
     Attempt attempt(Quantity quantity, const Strip& strip);
     std::vector<Reading> read(Quantity quantity, const Strip& strip);
