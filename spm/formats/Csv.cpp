@@ -47,7 +47,8 @@ std::string formatCsv(const Run& run) {
             const std::optional<float> value = reflectance(reading, wavelength);
             text += value ? numberAfterComma(*value) : ",";
         }
-        text += conditions + field(reading.isMeasured() ? reading.gap : reasonOf(reading) + measured) + '\n';
+        text += conditions;
+        text += field(reading.isMeasured() ? reading.gap : reasonOf(reading) + measured) + '\n';
     }
     return text;
 }
