@@ -24,15 +24,17 @@ class Spm {
 public:
     explicit Spm(const std::vector<std::string>& more) {
         const std::string program = common::programFolder() / "spm";
-        std::vector<const char*> arguments{"spm", "measure", "--rows", "2", "--patches", "2"};
-        std::ranges::transform(more, std::back_inserter(arguments), &std::string::c_str);
+        std::vector<std::string> words{"spm", "measure", "--rows", "2", "--patches", "2"};
+        words.insert(words.end(), more.begin(), more.end());
+        std::vector<char*> arguments;
+        std::ranges::transform(words, std::back_inserter(arguments), [](std::string& word) { return word.data(); });
         arguments.push_back(nullptr);
         process = forkpty(&terminal, nullptr, nullptr, nullptr);
         if (process == 0) {
             alarm(30);               // ends a spm that hangs, and so the test's wait for it
             signal(SIGINT, SIG_DFL); // a shell's background jobs ignore it
             signal(SIGHUP, SIG_DFL);
-            execv(program.c_str(), const_cast<char* const*>(arguments.data()));
+            execv(program.c_str(), arguments.data());
             _exit(127);
         }
     }
