@@ -75,6 +75,7 @@ TEST_F(Trace, IsTheSameFromSimulatorRecorderAndReplay) {
             SdkHost recorder(recorderFile);
             play(session, recorder);
         }
+        EXPECT_TRUE(readFile(file).starts_with(R"({"trace":1,"simulated":true,)"));
         EXPECT_EQ(callsOf(file), expected);
 
         replay();
