@@ -32,9 +32,9 @@ void requireUtf8(std::string_view text, std::string_view description) {
     if (fault == text.size()) return;
     const std::string_view before = text.substr(0, fault);
     throw TextError(fmt::format("{}, line {}, byte {}: {} (0x{:02X}); save it as UTF-8", description,
-                            1 + std::count(before.begin(), before.end(), '\n'), fault - before.rfind('\n'),
-                            text[fault] == '\0' ? "a NUL byte, which no text has" : "this is not UTF-8",
-                            static_cast<std::uint8_t>(text[fault])));
+                                1 + std::count(before.begin(), before.end(), '\n'), fault - before.rfind('\n'),
+                                text[fault] == '\0' ? "a NUL byte, which no text has" : "this is not UTF-8",
+                                static_cast<std::uint8_t>(text[fault])));
 }
 
 std::string printable(std::string_view text) {
