@@ -32,6 +32,11 @@ Instrument::~Instrument() {
     module.destroy(handle);
 }
 
+std::string Instrument::illumination() const {
+    // The values of the list's entries count from 1.
+    return handle->getIllumination(static_cast<std::int32_t>(module.getStatus(handle).illumination) - 1);
+}
+
 void Instrument::calibrate(const Wait& wait) {
     SPM_CALIBRATION dialogue{};
     dialogue.step = SPM_STEP_BEGIN;

@@ -40,6 +40,9 @@ public:
     /// The model, as the module names it.
     std::string name() const { return handle->getName(); }
 
+    /// The illumination in force, as the module names it; empty when the instrument doesn't answer.
+    std::string illumination() const;
+
     /// Whether it still answers: its options in force can be read.
     bool isAnswering() const { return module.getStatus(handle).aperture != 0; }
 

@@ -37,6 +37,7 @@ Exit status:
 Examples:
   spm measure --chart chart.csv --patches 6
   spm measure --lab --spectra --output chart.cgats --report chart.html
+  spm measure --illuminant D50 --observer 2 --xyz
   spm measure --spots 3 --names paper,black,red --format json
   spm measure --chart chart.csv --reference expected.csv)";
 
@@ -79,6 +80,19 @@ CLI::App* addDoctor(CLI::App& app, std::filesystem::path& module) {
     return doctor;
 }
 
+void addConditions(CLI::App& measure, spm::Conditions& conditions) {
+    const auto calculate = [&conditions](const std::string&) { conditions.isCalculated = true; };
+    measure
+        .add_option("--illuminant", conditions.illuminant, "calculate CIELab from measured spectra for this illuminant")
+        ->option_text("A|D50|D65 (with --observer alone: D65)")
+        ->check(CLI::IsMember(std::vector<std::string>(spm::illuminants.begin(), spm::illuminants.end())))
+        ->each(calculate);
+    measure.add_option("--observer", conditions.observer, "calculate CIELab from measured spectra for this observer")
+        ->option_text("2|10 (with --illuminant alone: 10)")
+        ->check(CLI::IsMember({2, 10}))
+        ->each(calculate);
+}
+
 void addMeasure(CLI::App& app, spm::MeasureOptions& options) {
     CLI::App* const measure = app.add_subcommand("measure", "measure a chart or spots");
     measure->footer(measureHelp);
@@ -100,8 +114,10 @@ void addMeasure(CLI::App& app, spm::MeasureOptions& options) {
         ->option_text("NAMES")
         ->delimiter(',')
         ->excludes(chart);
-    measure->add_flag("--lab", options.lab, "measure CIELab for D65 and 10 degree (the default)");
+    measure->add_flag("--lab", options.lab, "measure CIELab, the module's for D65 and 10 degree (the default)");
     measure->add_flag("--spectra", options.spectra, "measure spectra; with --lab both, in two passes");
+    addConditions(*measure, options.conditions);
+    measure->add_flag("--xyz", options.withXyz, "write X, Y and Z beside CIELab");
     measure
         ->add_option_function<std::string>(
             "--format", [&options](const std::string& name) { options.format = formats.at(name); },

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 #include <iterator>
+#include <set>
 
 namespace spm {
 
@@ -11,14 +13,15 @@ namespace {
 /// The columns of values that a reading has, and so its table.
 struct Columns {
     bool lab = false;
+    bool xyz = false;
     std::vector<std::int32_t> wavelengths{};
 
     bool operator==(const Columns&) const = default;
-    std::size_t size() const { return (lab ? 3 : 0) + wavelengths.size(); }
+    std::size_t size() const { return (lab ? 3 : 0) + (xyz ? 3 : 0) + wavelengths.size(); }
 };
 
-Columns columnsOf(const Reading& reading) {
-    Columns columns{reading.lab.has_value()};
+Columns columnsOf(const Run& run, const Reading& reading) {
+    Columns columns{reading.lab.has_value(), xyzOf(run, reading).has_value()};
     std::transform(reading.spectrum.begin(), reading.spectrum.end(), std::back_inserter(columns.wavelengths),
                    [](const SPM_REFLECTION& point) { return point.wavelength; });
     std::sort(columns.wavelengths.begin(), columns.wavelengths.end());
@@ -30,7 +33,7 @@ std::vector<Columns> tablesOf(const Run& run) {
     std::vector<Columns> tables;
     for (const Reading& reading : run.readings) {
         if (!reading.isMeasured()) continue;
-        Columns columns = columnsOf(reading);
+        Columns columns = columnsOf(run, reading);
         if (std::find(tables.begin(), tables.end(), columns) == tables.end()) tables.push_back(std::move(columns));
     }
     std::stable_sort(tables.begin(), tables.end(),
@@ -78,8 +81,29 @@ std::string comments(const Run& run) {
 }
 
 std::string instrumentation(const Run& run) {
-    const std::string source = run.simulation.empty() ? "" : fmt::format("simulated: {}; ", run.simulation);
-    return fmt::format("{}module {}, version {}", source, run.module, run.version);
+    return fmt::format("{}; module version {}",
+                       run.simulation.empty() ? run.instrument : "simulated: " + run.simulation, run.version);
+}
+
+std::string labLines(const Conditions& conditions) {
+    return line("WEIGHTING_FUNCTION", fmt::format("ILLUMINANT, {}", conditions.illuminant)) +
+           line("WEIGHTING_FUNCTION", fmt::format("OBSERVER, {}", observerOf(conditions))) +
+           line("COMPUTATIONAL_PARAMETER", fmt::format("COLORIMETRY, {}", colorimetryOf(conditions))) +
+           ownLine("ILLUMINATION_NAME", conditions.illuminant) +
+           ownLine("OBSERVER_ANGLE", std::to_string(conditions.observer));
+}
+
+/// The range of the wavelengths is given when their steps are equal, since that is what readers conclude from it.
+std::string spectralLines(const std::vector<std::int32_t>& wavelengths) {
+    std::set<std::int32_t> steps;
+    for (std::size_t i = 1; i < wavelengths.size(); ++i) {
+        steps.insert(wavelengths[i] - wavelengths[i - 1]);
+    }
+    std::string text = ownLine("SPECTRAL_NORM", "1.0");
+    if (steps.size() != 1) return text;
+    return text + ownLine("SPECTRAL_BANDS", std::to_string(wavelengths.size())) +
+           ownLine("SPECTRAL_START_NM", std::to_string(wavelengths.front())) +
+           ownLine("SPECTRAL_END_NM", std::to_string(wavelengths.back()));
 }
 
 std::string header(const Run& run, const Columns& columns, std::size_t patches) {
@@ -89,28 +113,27 @@ std::string header(const Run& run, const Columns& columns, std::size_t patches) 
     text += line("DESCRIPTOR", descriptor(run, patches));
     text += line("CREATED", run.started);
     text += line("INSTRUMENTATION", instrumentation(run));
-    if (columns.lab) {
-        text += line("WEIGHTING_FUNCTION", fmt::format("ILLUMINANT, {}", illuminant));
-        text += line("WEIGHTING_FUNCTION", fmt::format("OBSERVER, {}", observer));
-        text += ownLine("ILLUMINATION_NAME", illuminant);
-        text += ownLine("OBSERVER_ANGLE", observer.substr(0, observer.find(' ')));
-    }
-    if (!columns.wavelengths.empty()) text += ownLine("SPECTRAL_NORM", "1.0");
+    if (!run.conditions.measurement.empty()) text += line("MEASUREMENT_SOURCE", run.conditions.measurement);
+    if (columns.lab) text += labLines(run.conditions);
+    if (!columns.wavelengths.empty()) text += spectralLines(columns.wavelengths);
     return text + comments(run);
 }
 
 std::string format(const Columns& columns) {
     std::string text = "SAMPLE_ID\tSAMPLE_NAME";
     if (columns.lab) text += "\tLAB_L\tLAB_A\tLAB_B";
+    if (columns.xyz) text += "\tXYZ_X\tXYZ_Y\tXYZ_Z";
     for (const std::int32_t wavelength : columns.wavelengths) {
         text += fmt::format("\tSPECTRAL_NM{}", wavelength);
     }
     return text + '\n';
 }
 
-std::string dataLine(std::size_t id, const Reading& reading, const Columns& columns) {
-    std::string text = fmt::format("{}\t{}", id, quoted(reading.name));
+std::string dataLine(const Run& run, std::size_t place, const Columns& columns) {
+    const Reading& reading = run.readings[place];
+    std::string text = fmt::format("{}\t{}", place + 1, quoted(reading.name));
     if (reading.lab) text += fmt::format("\t{:.4f}\t{:.4f}\t{:.4f}", reading.lab->L, reading.lab->a, reading.lab->b);
+    if (const auto xyz = xyzOf(run, reading)) text += fmt::format("\t{:.4f}", fmt::join(*xyz, "\t"));
     for (const std::int32_t wavelength : columns.wavelengths) {
         text += fmt::format("\t{:.6f}", static_cast<double>(reflectance(reading, wavelength).value()) / 100);
     }
@@ -121,8 +144,8 @@ std::string table(const Run& run, const Columns& columns) {
     std::string lines;
     std::size_t patches = 0;
     for (std::size_t i = 0; i < run.readings.size(); ++i) {
-        if (columnsOf(run.readings[i]) != columns) continue;
-        lines += dataLine(i + 1, run.readings[i], columns);
+        if (columnsOf(run, run.readings[i]) != columns) continue;
+        lines += dataLine(run, i, columns);
         ++patches;
     }
     return header(run, columns, patches) + fmt::format("NUMBER_OF_FIELDS\t{}\n", 2 + columns.size()) +

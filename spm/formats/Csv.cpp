@@ -1,6 +1,7 @@
 #include "spm/formats/Formats.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 namespace spm {
 
@@ -20,9 +21,12 @@ std::string numberAfterComma(float value) {
     return fmt::format(",{:.4f}", value);
 }
 
-std::string labFields(const Reading& reading) {
-    if (!reading.lab) return ",,,";
-    return numberAfterComma(reading.lab->L) + numberAfterComma(reading.lab->a) + numberAfterComma(reading.lab->b);
+std::string labFields(const Run& run, const Reading& reading) {
+    if (!reading.lab) return run.withXyz ? ",,,,,," : ",,,";
+    const SPM_LAB& lab = *reading.lab;
+    const auto xyz = xyzOf(run, reading);
+    return numberAfterComma(lab.L) + numberAfterComma(lab.a) + numberAfterComma(lab.b) +
+           (xyz ? fmt::format(",{:.4f}", fmt::join(*xyz, ",")) : "");
 }
 
 } // namespace
@@ -32,17 +36,21 @@ std::string formatCsv(const Run& run) {
     const bool withLab = hasLab(run);
     const std::set<std::int32_t> columns = wavelengths(run);
     std::string text = withLab ? "name,L*,a*,b*" : "name";
+    if (withLab && run.withXyz) text += ",X,Y,Z";
     for (const std::int32_t wavelength : columns) {
         text += fmt::format(",nm{}_percent", wavelength);
     }
-    text += withLab ? ",illuminant,observer,simulated,not_measured\n" : ",simulated,not_measured\n";
+    if (withLab) text += ",illuminant,observer,colorimetry";
+    text += ",measurement_condition,simulated,not_measured\n";
 
-    const std::string conditions = (withLab ? fmt::format(",{},{},", illuminant, observer) : ",") +
-                                   (run.simulation.empty() ? "no" : field(run.simulation)) + ',';
+    const Conditions& used = run.conditions;
+    const std::string conditions =
+        (withLab ? fmt::format(",{},{},{}", used.illuminant, observerOf(used), colorimetryOf(used)) : "") +
+        fmt::format(",{},{},", field(used.measurement), run.simulation.empty() ? "no" : field(run.simulation));
     const std::string measured = fmt::format(" ({} measured)", coverage(run));
     for (const Reading& reading : run.readings) {
         text += field(reading.name);
-        if (withLab) text += labFields(reading);
+        if (withLab) text += labFields(run, reading);
         for (const std::int32_t wavelength : columns) {
             const std::optional<float> value = reflectance(reading, wavelength);
             text += value ? numberAfterComma(*value) : ",";

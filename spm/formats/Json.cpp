@@ -10,9 +10,12 @@ namespace {
 using Json =
     nlohmann::basic_json<nlohmann::ordered_map, std::vector, std::string, bool, std::int64_t, std::uint64_t, float>;
 
-Json readingJson(std::size_t place, const Reading& reading) {
+Json readingJson(const Run& run, std::size_t place) {
+    const Reading& reading = run.readings[place - 1];
     Json json{{"place", place}, {"name", reading.name}};
     if (reading.lab) json["lab"] = Json{{"L", reading.lab->L}, {"a", reading.lab->a}, {"b", reading.lab->b}};
+    if (const auto xyz = xyzOf(run, reading))
+        json["xyz"] = Json{{"X", xyz->at(0)}, {"Y", xyz->at(1)}, {"Z", xyz->at(2)}};
     for (const SPM_REFLECTION& point : reading.spectrum) {
         json["reflectancePercent"][std::to_string(point.wavelength)] = point.value;
     }
@@ -25,15 +28,19 @@ Json readingJson(std::size_t place, const Reading& reading) {
 
 std::string formatJson(const Run& run) {
     requireValues(run);
-    Json json{{"started", run.started}, {"module", run.module}, {"version", run.version}};
+    Json json{
+        {"started", run.started}, {"instrument", run.instrument}, {"module", run.module}, {"version", run.version}};
     json["simulated"] = run.simulation.empty() ? Json() : Json(run.simulation);
-    json["illuminant"] = hasLab(run) ? Json(illuminant) : Json();
-    json["observer"] = hasLab(run) ? Json(observer) : Json();
+    const Conditions& conditions = run.conditions;
+    json["illuminant"] = hasLab(run) ? Json(conditions.illuminant) : Json();
+    json["observer"] = hasLab(run) ? Json(observerOf(conditions)) : Json();
+    json["colorimetry"] = hasLab(run) ? Json(colorimetryOf(conditions)) : Json();
+    json["measurementCondition"] = conditions.measurement.empty() ? Json() : Json(conditions.measurement);
     json["patchesInRow"] = run.patchesInRow;
     json["patchesInChart"] = run.readings.size();
     json["patchesMeasured"] = measuredCount(run);
     for (std::size_t i = 0; i < run.readings.size(); ++i) {
-        json["readings"].push_back(readingJson(i + 1, run.readings[i]));
+        json["readings"].push_back(readingJson(run, i + 1));
     }
     return json.dump(2, ' ', false, Json::error_handler_t::replace) + '\n';
 }

@@ -313,8 +313,16 @@ std::vector<Reading> readPatches(const std::filesystem::path& file, std::string_
 }
 
 bool isSimulated(const std::filesystem::path& runFile) {
-    const std::regex measured(R"(,no,[^\n]*\n|\n *"simulated": null,|\nINSTRUMENTATION\t"module )");
+    const std::regex measured(R"(,no,[^\n]*\n|\n *"simulated": null,|\nINSTRUMENTATION\t"(?!simulated: ))");
     return !std::regex_search(readText(runFile, "the output file"), measured);
+}
+
+bool isFor(const std::filesystem::path& runFile, const Conditions& conditions) {
+    // What is between two of them: a comma in CSV, the next member or keyword otherwise.
+    constexpr const char* separator = R"("?[,\r\n][^,:]*[,:]? ?"?)";
+    const std::regex together(conditions.illuminant + separator + observerOf(conditions) + separator +
+                              colorimetryOf(conditions));
+    return std::regex_search(readText(runFile, "the output file"), together);
 }
 
 } // namespace spm

@@ -31,4 +31,8 @@ std::vector<Reading> readPatches(const std::filesystem::path& file, std::string_
 /// @throws Error  when it can't be read
 bool isSimulated(const std::filesystem::path& runFile);
 
+/// Whether the CIELab values in a file that spm wrote are for these conditions, and obtained in the same way.
+/// @throws Error  when it can't be read
+bool isFor(const std::filesystem::path& runFile, const Conditions& conditions);
+
 } // namespace spm

@@ -47,7 +47,7 @@ Reference readReference(const std::filesystem::path& file) {
 }
 
 Comparison compare(const Run& run, const Reference& reference) {
-    Comparison comparison{reference.file, !run.simulation.empty(), {}, 0, 0, 0, {}, {}};
+    Comparison comparison{reference.file, conditionsHead(run), {}, 0, 0, 0, {}, {}};
     std::set<std::string_view> measured;
     for (const Reading& reading : run.readings) {
         if (!reading.lab) continue;
@@ -80,7 +80,7 @@ Comparison compare(const Run& run, const Reference& reference) {
 
 std::string formatComparison(const Comparison& comparison) {
     std::string text = fmt::format("Compared with {}\n{:<24} {:>9} {:>8} {:>8} {:>8}\n", comparison.file.string(),
-                                   conditions(comparison.isSimulated), "CIEDE2000", "dL*", "da*", "db*");
+                                   comparison.conditions, "CIEDE2000", "dL*", "da*", "db*");
     for (const PatchDifference& patch : comparison.patches) {
         text += fmt::format("{:<24.24} {:9.2f} {:+8.2f} {:+8.2f} {:+8.2f}\n", common::printable(patch.name),
                             patch.deltaE, patch.measured.L - patch.expected.L, patch.measured.a - patch.expected.a,

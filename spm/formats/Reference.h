@@ -1,6 +1,6 @@
 #pragma once
 
-// Measured CIELab values compared with those that were expected. All are for illuminant D65 and the 10 degree observer.
+// Measured CIELab values compared with those that were expected, which must be for the same conditions.
 
 #include "spm/formats/Run.h"
 
@@ -33,7 +33,8 @@ struct PatchDifference {
 struct Comparison {
     /// The reference's file.
     std::filesystem::path file;
-    bool isSimulated;
+    /// What the measured values are for, as in the heads of tables.
+    std::string conditions;
     /// The worst first; never empty.
     std::vector<PatchDifference> patches;
     double mean;

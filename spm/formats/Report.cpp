@@ -129,8 +129,10 @@ std::string htmlReport(const Run& run) {
                 {"started", run.started},
                 {"module", run.module},
                 {"version", run.version},
-                {"illuminant", std::string(illuminant)},
-                {"observer", std::string(observer)},
+                {"illuminant", run.conditions.illuminant},
+                {"observer", observerOf(run.conditions)},
+                {"colorimetry", colorimetryOf(run.conditions)},
+                {"measurement", run.conditions.measurement},
                 {"coverage", coverage(run)},
                 {"patches", patchesOf(run)},
                 {"values", hasLab(run)}};

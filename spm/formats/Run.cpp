@@ -74,6 +74,11 @@ bool hasLab(const Run& run) {
                        [](const Reading& reading) { return reading.lab.has_value(); });
 }
 
+std::optional<Xyz> xyzOf(const Run& run, const Reading& reading) {
+    if (!run.withXyz || !reading.lab) return std::nullopt;
+    return toXyz(*reading.lab, whitePoint(run.conditions));
+}
+
 std::set<std::int32_t> wavelengths(const Run& run) {
     std::set<std::int32_t> all;
     for (const Reading& reading : run.readings) {

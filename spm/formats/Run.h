@@ -3,24 +3,20 @@
 // What a measuring run gave: the one thing that all output forms are made of.
 
 #include "module/SPM.h"
+#include "spm/colour/Colorimetry.h"
 
 #include <cstdint>
 #include <optional>
 #include <set>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace spm {
 
-/// What the CIELab values are for.
-inline constexpr std::string_view illuminant = "D65";
-inline constexpr std::string_view observer = "10 degree";
-
 /// A patch of the chart, and what was measured of it.
 struct Reading {
     std::string name;
-    /// For illuminant D65 and the 10 degree observer.
+    /// For the run's conditions.
     std::optional<SPM_LAB> lab;
     /// Reflectance in percent at each wavelength in nm; empty when it was not measured.
     std::vector<SPM_REFLECTION> spectrum;
@@ -48,6 +44,11 @@ struct Run {
     std::string simulation;
     /// How many patches a row has; 0 when spots were measured.
     std::int32_t patchesInRow = 0;
+    /// The instrument as the module names it; empty when none was opened.
+    std::string instrument{};
+    Conditions conditions{};
+    /// Whether X, Y and Z are written beside CIELab.
+    bool withXyz = false;
     /// All patches of the chart in their order, measured or not.
     std::vector<Reading> readings;
 };
@@ -74,6 +75,9 @@ std::string describe(const Gap& gap);
 
 /// Whether any reading has CIELab values.
 bool hasLab(const Run& run);
+
+/// X, Y and Z of a reading; none when they are not wanted, or when it has no CIELab values.
+std::optional<Xyz> xyzOf(const Run& run, const Reading& reading);
 
 /// The wavelengths of all spectra.
 std::set<std::int32_t> wavelengths(const Run& run);

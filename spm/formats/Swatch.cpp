@@ -1,5 +1,6 @@
 #include "spm/formats/Swatch.h"
 
+#include "spm/colour/Colorimetry.h"
 #include "spm/Console.h"
 
 #include <algorithm>
@@ -15,12 +16,6 @@ namespace {
 std::string_view environment(const char* name) {
     const char* const value = std::getenv(name);
     return value != nullptr ? value : "";
-}
-
-/// Inverse of the CIE 1976 lightness function (CIE 15:2004, 8.2.1).
-double ratio(double f) {
-    constexpr double limit = 24.0 / 116.0;
-    return f > limit ? f * f * f : (f - 16.0 / 116.0) * 108.0 / 841.0;
 }
 
 std::uint8_t encode(double linear) {
@@ -46,10 +41,7 @@ ColourDepth colourDepth(bool isTerminal) {
 
 std::array<std::uint8_t, 3> toSrgb(const SPM_LAB& lab) {
     // Relative to the white of the measurement, shown as the white of the screen: D65 for the 2 degree observer.
-    const double fy = (static_cast<double>(lab.L) + 16) / 116;
-    const double x = 0.95047 * ratio(fy + static_cast<double>(lab.a) / 500);
-    const double y = ratio(fy);
-    const double z = 1.08883 * ratio(fy - static_cast<double>(lab.b) / 200);
+    const auto [x, y, z] = toXyz(lab, {0.95047, 1, 1.08883});
     return {encode(3.2406 * x - 1.5372 * y - 0.4986 * z), encode(-0.9689 * x + 1.8758 * y + 0.0415 * z),
             encode(0.0557 * x - 0.2040 * y + 1.0570 * z)};
 }

@@ -39,12 +39,15 @@ void requireDifferentFiles(const MeasureOptions& options) {
     }
 }
 
+void requireLab(const MeasureOptions& options) {
+    if (givesLab(options) || (options.reference.empty() && !options.withXyz)) return;
+    throw UsageError(fmt::format("{} needs CIELab values, which are not measured; add --lab or --illuminant",
+                                 options.withXyz ? "--xyz" : "--reference"));
+}
+
 /// The expected values, of which some must be of these patches.
 std::optional<Reference> referenceOf(const MeasureOptions& options, const std::vector<std::string>& names) {
     if (options.reference.empty()) return std::nullopt;
-    if (passesOf(options).front() != Quantity::lab) {
-        throw UsageError("--reference compares CIELab values, which are not measured; add --lab");
-    }
     Reference reference = readReference(options.reference);
     const auto isExpected = [&](const std::string& name) { return reference.patches.contains(name); };
     if (std::none_of(names.begin(), names.end(), isExpected)) {
@@ -87,8 +90,17 @@ void resume(Run& run, const std::filesystem::path& file) {
         throw UsageError(fmt::format("{} has {} values; name another output file", file.string(),
                                      run.simulation.empty() ? "simulated" : "measured"));
     }
+    const bool isForRun = isFor(file, run.conditions);
     auto place = run.readings.begin();
     for (Reading& earlier : readPatches(file, "the output file", PatchFileKind::run)) {
+        if (earlier.lab && !isForRun) {
+            throw UsageError(fmt::format("{} has CIELab values for other conditions; give the options of that run, or "
+                                         "name another output file",
+                                         file.string()));
+        }
+        if (run.conditions.isCalculated && !earlier.spectrum.empty()) {
+            earlier.lab = toLab(earlier.spectrum, run.conditions);
+        }
         place =
             std::find_if(place, run.readings.end(), [&](const Reading& patch) { return patch.name == earlier.name; });
         if (place == run.readings.end()) {
@@ -106,6 +118,8 @@ Run begin(const Module& module, const MeasureOptions& options, const std::vector
     run.module = options.module.string();
     run.version = module.version();
     run.simulation = module.simulation();
+    run.conditions = options.conditions;
+    run.withXyz = options.withXyz;
     run.patchesInRow = options.spots > 0 ? 0 : options.patches;
     std::ranges::transform(names, std::back_inserter(run.readings), [](const std::string& name) {
         return Reading{name, {}, {}};
@@ -138,6 +152,7 @@ void sumUp(const Prompter& prompter, const Run& run) {
 
 Outcome measure(const MeasureOptions& wanted) {
     static_cast<void>(formatOf(wanted));
+    requireLab(wanted);
     requireDifferentFiles(wanted);
     const std::vector<std::string> names = patchNames(wanted);
     MeasureOptions options = wanted;

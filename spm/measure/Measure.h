@@ -27,6 +27,10 @@ struct MeasureOptions {
     /// When neither is asked for: CIELab.
     bool lab = false;
     bool spectra = false;
+    /// What CIELab values are for. Calculated ones are made of spectra, which are measured in place of the module's
+    /// values.
+    Conditions conditions{};
+    bool withXyz = false;
     /// Of the output file, or without one of standard output. Not given: as the file's name ends, or a table.
     Format format = Format::byName;
     /// Files to write; empty for none.

@@ -19,8 +19,13 @@ constexpr const char* keptText = "\nWhat was read is kept, and is written later.
 } // namespace
 
 std::vector<Quantity> passesOf(const MeasureOptions& options) {
+    if (options.conditions.isCalculated) return {Quantity::spectrum};
     if (options.lab && options.spectra) return {Quantity::lab, Quantity::spectrum};
     return {options.spectra ? Quantity::spectrum : Quantity::lab};
+}
+
+bool givesLab(const MeasureOptions& options) {
+    return options.conditions.isCalculated || passesOf(options).front() == Quantity::lab;
 }
 
 Format formatOf(const MeasureOptions& options) {
@@ -40,6 +45,11 @@ RunWriter::RunWriter(const MeasureOptions& chosen, const Prompter& shown, Run be
 
 std::span<Reading> RunWriter::patches(const Strip& strip) {
     return std::span(run.readings).subspan(strip.first, static_cast<std::size_t>(strip.count));
+}
+
+void RunWriter::setInstrument(const std::string& name, const std::string& illumination) {
+    run.instrument = name;
+    run.conditions.measurement = illumination;
 }
 
 void RunWriter::save(Quantity quantity, const Strip& strip) {
@@ -96,8 +106,9 @@ void RunWriter::show(const std::string& text) const {
 
 std::string RunWriter::table(Quantity quantity, std::span<const Reading> part) const {
     const ColourDepth depth = options.output.empty() ? colourDepth(isTerminal(stdout)) : ColourDepth::none;
-    const bool isSimulated = !run.simulation.empty();
-    return quantity == Quantity::lab ? labTable(part, isSimulated, depth) : spectraTable(part, isSimulated, depth);
+    if (quantity == Quantity::lab) return labTable(run, part, depth);
+    return (options.conditions.isCalculated ? labTable(run, part, depth) : "") +
+           (options.spectra ? spectraTable(run, part, depth) : "");
 }
 
 std::string RunWriter::text() const {

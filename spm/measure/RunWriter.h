@@ -22,6 +22,9 @@ struct Strip {
 /// The passes over the chart that the options ask for, in their order.
 std::vector<Quantity> passesOf(const MeasureOptions& options);
 
+/// Whether the run has CIELab values, measured or calculated.
+bool givesLab(const MeasureOptions& options);
+
 /// The form in which the values are written.
 /// @throws UsageError  when the options don't tell it
 Format formatOf(const MeasureOptions& options);
@@ -36,6 +39,9 @@ public:
 
     /// The run with what was measured so far.
     const Run& measured() const { return run; }
+
+    /// Notes what the patches are measured with.
+    void setInstrument(const std::string& name, const std::string& illumination);
 
     /// Writes a strip that was just measured: to standard output, or with all others to the output file. What can't be
     /// written is reported, and tried again with the next strip.

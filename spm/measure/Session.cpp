@@ -58,6 +58,7 @@ Session::Session(const Module& loaded, const Prompter& shown, RunWriter& kept, c
 
 Outcome Session::measure() {
     instrument.emplace(module);
+    writer.setInstrument(instrument->name(), instrument->illumination());
     calibrate();
     Outcome outcome = Outcome::complete;
     for (const Quantity quantity : passes) {
@@ -141,7 +142,11 @@ std::vector<Reading> Session::read(Quantity quantity, const Strip& strip) {
             }
         },
         [&] { writer.saveDue(); });
-    std::for_each(read.begin(), read.end(), requireFinite);
+    const Conditions& conditions = writer.measured().conditions;
+    for (Reading& reading : read) {
+        if (conditions.isCalculated) reading.lab = toLab(reading.spectrum, conditions);
+        requireFinite(reading);
+    }
     return read;
 }
 
@@ -152,7 +157,8 @@ std::string Session::findDoubt(std::span<const Reading> read, Quantity quantity,
         return fmt::format("{}: {} of {} patches were found; slide more slowly, from white to white", strip.name,
                            read.size(), count);
     }
-    if (reference == nullptr || quantity != Quantity::lab) return "";
+    const bool isLabNew = quantity == Quantity::lab || writer.measured().conditions.isCalculated;
+    if (reference == nullptr || !isLabNew) return "";
     return findBetterFit(read, strip, strips, writer.measured().readings, *reference).value_or("");
 }
 

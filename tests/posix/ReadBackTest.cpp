@@ -12,7 +12,9 @@ TEST(ReadBack, CgatsByLittleCms) {
     const cmsHANDLE file = cmsIT8LoadFromFile(nullptr, SOURCE_FOLDER "/tests/spm/data/rows.cgats");
     ASSERT_NE(file, nullptr);
     EXPECT_EQ(cmsIT8TableCount(file), 3U);
-    EXPECT_STREQ(cmsIT8GetPropertyMulti(file, "WEIGHTING_FUNCTION", "OBSERVER"), "10 degree");
+    EXPECT_STREQ(cmsIT8GetPropertyMulti(file, "WEIGHTING_FUNCTION", "OBSERVER"), "2 degree");
+    EXPECT_STREQ(cmsIT8GetPropertyMulti(file, "COMPUTATIONAL_PARAMETER", "COLORIMETRY"), "calculated from spectra");
+    EXPECT_DOUBLE_EQ(cmsIT8GetPropertyDbl(file, "SPECTRAL_END_NM"), 730);
     EXPECT_STREQ(cmsIT8GetDataRowCol(file, 1, 1), "d e f g  ");
     EXPECT_DOUBLE_EQ(cmsIT8GetDataDbl(file, "1", "SPECTRAL_NM380"), 0.333333);
     EXPECT_DOUBLE_EQ(cmsIT8GetDataDbl(file, "1", "LAB_A"), -80.09);

@@ -128,7 +128,7 @@ TEST(Terminal, DoesWhatThePersonAnswers) {
     const std::string notCalibrated =
         R"("faults": [{"function": "I1PRO3_TriggerMeasurement", "result": 13, "times": 2}])";
     const std::string connectionLost =
-        R"("faults": [{"function": "I1PRO3_GetConnectionStatus", "call": 14, "exception": "x"}])";
+        R"("faults": [{"function": "I1PRO3_GetConnectionStatus", "call": 15, "exception": "x"}])";
     const std::string calibrationFails = R"("faults": [{"function": "I1PRO3_Calibrate", "result": 7, "text": "lamp"}])";
     const std::string slow = R"("button": {"once per measurement": true, "milliseconds": 500})";
     const std::string atOnce = R"("button": {"polls": 0}, "latency": {"I1PRO3_TriggerMeasurement": 500, )"

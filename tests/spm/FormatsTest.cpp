@@ -18,12 +18,9 @@ constexpr float notANumber = std::numeric_limits<float>::quiet_NaN();
 constexpr float infinite = std::numeric_limits<float>::infinity();
 
 std::string tables(const spm::Run& run) {
-    const bool isSimulated = !run.simulation.empty();
-    std::string all;
-    for (const auto depth : {spm::ColourDepth::none, spm::ColourDepth::palette256}) {
-        all += spm::labTable(run.readings, isSimulated, depth) + spm::spectraTable(run.readings, isSimulated, depth);
-    }
-    return all;
+    constexpr auto colours = spm::ColourDepth::palette256;
+    return labTable(run, run.readings, spm::ColourDepth::none) + labTable(run, run.readings, colours) +
+           spectraTable(run, run.readings, colours);
 }
 
 /// The page without its style, which is the same on each.
@@ -50,6 +47,22 @@ TEST(Formats, MatchTheirGoldenFiles) {
         if (format == body || format == spm::formatJson) continue; // the spots' differ too little
         EXPECT_EQ(format(measuredSpots()), readFile(folder + "spots" + extension));
     }
+}
+
+TEST(Formats, HaveXyzBesideCielab) {
+    spm::Run run = simulatedRows();
+    run.readings = {
+        {"a", SPM_LAB{50, 10, -20}, {{380, 1}}}, {"b", SPM_LAB{5, 0, 0}, {}}, {"c", std::nullopt, {{380, 1}}}};
+    run.withXyz = true;
+    EXPECT_TRUE(contains(formatCsv(run), "b*,X,Y,Z,nm380_percent,")) << formatCsv(run);
+    EXPECT_TRUE(contains(formatCsv(run), "\na,50.0000,10.0000,-20.0000,19.6986,18.4187,24.7019,1.0000,"));
+    EXPECT_TRUE(contains(formatCsv(run), "\nc,,,,,,,1.0000,"));
+    EXPECT_TRUE(contains(formatJson(run), "      \"xyz\": {\n        \"X\": 19.69")) << formatJson(run);
+    EXPECT_TRUE(contains(formatCgats(run), "\nNUMBER_OF_FIELDS\t9\n")) << formatCgats(run);
+    EXPECT_TRUE(contains(formatCgats(run), "\tLAB_B\tXYZ_X\tXYZ_Y\tXYZ_Z\tSPECTRAL_NM380\n"));
+    EXPECT_TRUE(contains(formatCgats(run), "\n2\t\"b\"\t5.0000\t0.0000\t0.0000\t0.5337\t0.5535\t0.4567\n"));
+    EXPECT_TRUE(contains(tables(run), "      b*      X      Y      Z\n")) << tables(run);
+    EXPECT_TRUE(contains(tables(run), "  -20.00  19.70  18.42  24.70\n")) << tables(run);
 }
 
 TEST(Formats, ReplaceBytesThatAreNotUtf8InJson) {

@@ -10,6 +10,8 @@ inline spm::Run simulatedRows() {
             .version = "5.9.0.3",
             .simulation = "simulated \"i1\" & 24 patches",
             .patchesInRow = 2,
+            .instrument = "i1",
+            .conditions = {"D50", 2, true, "UV, \"in\""},
             .readings = {{"gr\xC3\xBCn", SPM_LAB{53.24F, -80.09F, 67.2F}, {{730, 120}, {380, 33.333333F}}},
                          {"a \"b\", 'c' <&>", std::nullopt, {{380, 0.00004F}, {730, 101}}},
                          {"", SPM_LAB{0, 12.34567F, -100}, {}, "spectra: skipped"},
@@ -24,6 +26,7 @@ inline spm::Run measuredSpots() {
             .version = "3",
             .simulation = "",
             .patchesInRow = 0,
+            .instrument = "i1 Pro3",
             .readings = {{"gr\xFCn",
                           std::nullopt,
                           {{330, -5}, {380, 0}, {390, 12.4F}, {400, 12.5F}, {410, 50}, {420, 87.5F}, {890, 1e6F}}}}};

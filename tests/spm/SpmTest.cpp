@@ -96,6 +96,39 @@ TEST_F(Spm, WritesWhatWasReadBeforeAFailure) {
     EXPECT_TRUE(contains(errors(), "run.csv has measured values; name another output file")) << errors();
 }
 
+TEST_F(Spm, CalculatesCielabFromSpectra) {
+    const std::string expected = SOURCE_FOLDER "/tests/unit/data/colorchecker24_lab.csv";
+    const auto measureFor = [&](Texts more) {
+        more.insert(more.end(), {"--names", "dark skin,light skin,blue sky,foliage", "--patches", "2"});
+        more.insert(more.end(), {"--overwrite", "--reference", expected});
+        return measure(more);
+    };
+    ASSERT_EQ(measureFor({"--illuminant", "D65", "--xyz"}), 0) << errors();
+    EXPECT_TRUE(contains(output(), "CIELab calculated from spectra\nD65/10 degree, simulated ")) << output();
+    EXPECT_TRUE(contains(output(), "\nmaximum                       0.01\n")) << output();
+    EXPECT_FALSE(contains(output(), "Reflectance")) << output();
+    EXPECT_EQ(
+        measure({"--observer", "10", "--patches", "2", "--names", "light skin,dark skin", "--reference", expected}), 0);
+    EXPECT_TRUE(contains(errors(), "Row 1 of 1 in the other direction fits it (0.0)")) << errors();
+    for (const char* const name : {"run.csv", "run.json", "run.cgats"}) {
+        ASSERT_EQ(measureFor({"--illuminant", "A", "--lab", "--output", file(name)}), 0) << errors();
+        EXPECT_TRUE(contains(readText(file(name)), "UV Included")) << readText(file(name));
+        EXPECT_EQ(measureFor({"--observer", "10", "--illuminant", "A", "--first-row", "2", "--output", file(name)}), 0)
+            << errors();
+        for (const Texts& others :
+             {Texts{"--observer", "2", "--illuminant", "A"}, {"--illuminant", "D65"}, {"--lab"}}) {
+            Texts options{"--first-row", "2", "--output", file(name)};
+            options.insert(options.end(), others.begin(), others.end());
+            EXPECT_EQ(measureFor(options), 2);
+            EXPECT_TRUE(contains(errors(), name + std::string(" has CIELab values for other conditions; ")))
+                << errors();
+        }
+    }
+    ASSERT_EQ(measure({"--rows", "1", "--spectra", "--output", file("spectra.csv")}), 0) << errors();
+    ASSERT_EQ(measure({"--observer", "2", "--first-row", "2", "--output", file("spectra.csv")}), 0) << errors();
+    EXPECT_FALSE(contains(readText(file("spectra.csv")), "\npatch 1,,")) << "the earlier rows get values, too";
+}
+
 TEST_F(Spm, TakesItsOwnValuesAsChartAndReference) {
     const std::string values = (folder / "" / u8"values \u8272.csv").string();
     writeFile(file("chart.csv"), "name\n\"a, \"\"b\"\"\"\n\ngr\xC3\xBCn \xE7\xB7\x91\n");
@@ -130,7 +163,7 @@ TEST_F(Spm, SaysWhatFailedAndWithWhat) {
     const auto lampFails = [](const std::string& function) {
         return R"({"result": 9, "text": "lamp", "function": "I1PRO3_)" + function + "\"}";
     };
-    const std::string connectionLost = R"({"function": "I1PRO3_GetConnectionStatus", "call": 14, "exception": "x"})";
+    const std::string connectionLost = R"({"function": "I1PRO3_GetConnectionStatus", "call": 15, "exception": "x"})";
     const Texts row{"--lab", "--spectra", "--patches", "2", "--report", file("page.html")};
     const std::vector<Case> cases{
         {{"--module", missing}, 1, "can't load the module " + missing + ": "},
@@ -154,6 +187,9 @@ TEST_F(Spm, SaysWhatFailedAndWithWhat) {
         {{"--reference", missing}, 1, "can't read the reference file " + missing + ": "},
         {{"--reference", chart}, 2, "\"patch 1\" is to be measured, the reference has \"one\"; name the patches as "},
         {{"--reference", missing, "--spectra"}, 2, "which are not measured; add --lab"},
+        {{"--xyz", "--spectra"}, 2, "which are not measured; add --lab"},
+        {{"--illuminant", "F11"}, 2, "--illuminant"},
+        {{"--observer", "3"}, 2, "--observer"},
         {row, 1, "the instrument could not be opened: lamp\nErrorNumber: 9\n", lampFails("OpenDevice")},
         {row, 1, "no instrument was found; connect one by USB and try again\n", R"({"function": "I1PRO3_GetDevices"})"},
         {row, 1, "calibrating failed: lamp\nErrorNumber: 9\n", lampFails("Calibrate")},
