@@ -20,6 +20,7 @@ namespace {
 constexpr int failed = EXIT_FAILURE;
 constexpr int wrongUse = 2;
 constexpr int incomplete = 3;
+constexpr int outOfTolerance = 4;
 
 constexpr const char* measureHelp =
     R"(Calibrates the instrument on its white reference, then measures a chart row by row, or spots one after another. What to
@@ -33,17 +34,21 @@ Exit status:
   1  something failed; what was read before is written all the same
   2  the command line is wrong
   3  rows were skipped, or the measuring was ended with Ctrl-C
+  4  all was measured, but a difference from the reference is out of tolerance
 
 Examples:
   spm measure --chart chart.csv --patches 6
   spm measure --lab --spectra --output chart.cgats --report chart.html
   spm measure --spots 3 --names paper,black,red --format json
-  spm measure --chart chart.csv --reference expected.csv)";
+  spm measure --chart chart.csv --reference expected.csv --tolerance mean=2,max=5)";
 
 const std::map<std::string, spm::Format> formats{{"table", spm::Format::table},
                                                  {"csv", spm::Format::csv},
                                                  {"json", spm::Format::json},
                                                  {"cgats", spm::Format::cgats}};
+
+const std::map<std::string, spm::Formula> formulas{
+    {"2000", spm::Formula::ciede2000}, {"94", spm::Formula::cie94}, {"76", spm::Formula::cie76}};
 
 constexpr const char* doctorHelp =
     R"(Looks at everything that measuring needs: the module and the SDK library, the settings and the log file, the instrument
@@ -77,6 +82,25 @@ CLI::App* addDoctor(CLI::App& app, std::filesystem::path& module) {
     doctor->footer(doctorHelp);
     addModule(*doctor, module);
     return doctor;
+}
+
+void addComparison(CLI::App& measure, spm::MeasureOptions& options) {
+    auto* const reference =
+        addFile(measure, "--reference", options.reference,
+                "file of expected values (name, L*, a*, b*) to compare with, in a form as for --chart");
+    measure
+        .add_option_function<std::string>(
+            "--difference", [&options](const std::string& name) { options.difference = formulas.at(name); },
+            "how to calculate differences: CIEDE2000 (the default), CIE94 or CIE76")
+        ->option_text("2000|94|76")
+        ->check(CLI::IsMember(&formulas))
+        ->needs(reference);
+    measure
+        .add_option_function<std::string>(
+            "--tolerance", [&options](const std::string& text) { options.limits = spm::parseLimits(text); },
+            "largest tolerated differences: mean, median, p90, p95, max")
+        ->option_text("mean=2,max=5,...")
+        ->needs(reference);
 }
 
 void addMeasure(CLI::App& app, spm::MeasureOptions& options) {
@@ -114,8 +138,7 @@ void addMeasure(CLI::App& app, spm::MeasureOptions& options) {
     measure->add_option("--first-row", options.firstRow, "go on with this row or spot, and complete the output file")
         ->option_text("1..100000")
         ->check(CLI::Range(1, 100'000));
-    addFile(*measure, "--reference", options.reference,
-            "file of expected values (name, L*, a*, b*) to compare with, in a form as for --chart");
+    addComparison(*measure, options);
 }
 
 int diagnose(const std::filesystem::path& module) {
@@ -180,7 +203,14 @@ int run(std::vector<std::string> arguments) {
     }
     if (isListWanted) return list(module);
     if (doctor->parsed()) return diagnose(module);
-    return spm::measure(options) == spm::Outcome::complete ? EXIT_SUCCESS : incomplete;
+    switch (spm::measure(options)) {
+    case spm::Outcome::complete:
+        return EXIT_SUCCESS;
+    case spm::Outcome::outOfTolerance:
+        return outOfTolerance;
+    default:
+        return incomplete;
+    }
 }
 
 int tell(const std::exception& error, int status) {

@@ -1,4 +1,5 @@
 #include "spm/formats/Formats.h"
+#include "spm/formats/Reference.h"
 
 #include <algorithm>
 #include <fmt/format.h>
@@ -12,13 +13,14 @@ namespace {
 struct Columns {
     bool lab = false;
     std::vector<std::int32_t> wavelengths{};
+    bool difference = false;
 
     bool operator==(const Columns&) const = default;
-    std::size_t size() const { return (lab ? 3 : 0) + wavelengths.size(); }
+    std::size_t size() const { return (lab ? 3 : 0) + wavelengths.size() + (difference ? 1 : 0); }
 };
 
-Columns columnsOf(const Reading& reading) {
-    Columns columns{reading.lab.has_value()};
+Columns columnsOf(const Run& run, const Reading& reading) {
+    Columns columns{reading.lab.has_value(), {}, differenceOf(run, reading).has_value()};
     std::transform(reading.spectrum.begin(), reading.spectrum.end(), std::back_inserter(columns.wavelengths),
                    [](const SPM_REFLECTION& point) { return point.wavelength; });
     std::sort(columns.wavelengths.begin(), columns.wavelengths.end());
@@ -30,7 +32,7 @@ std::vector<Columns> tablesOf(const Run& run) {
     std::vector<Columns> tables;
     for (const Reading& reading : run.readings) {
         if (!reading.isMeasured()) continue;
-        Columns columns = columnsOf(reading);
+        Columns columns = columnsOf(run, reading);
         if (std::find(tables.begin(), tables.end(), columns) == tables.end()) tables.push_back(std::move(columns));
     }
     std::stable_sort(tables.begin(), tables.end(),
@@ -77,6 +79,23 @@ std::string comments(const Run& run) {
     return text;
 }
 
+/// The standard's name for a column of differences.
+const char* columnName(Formula formula) {
+    return formula == Formula::ciede2000 ? "LAB_DE_2000" : formula == Formula::cie94 ? "LAB_DE_94" : "LAB_DE";
+}
+
+/// What the differences are from, and their statistics.
+std::string comparisonComment(const Run& run) {
+    const std::optional<Comparison> comparison = compare(run);
+    if (!comparison) return "";
+    std::string text = fmt::format("# {}: difference from {} in {}", columnName(run.reference->formula),
+                                   plain(run.reference->file.string()), nameOf(run.reference->formula));
+    for (const Statistic& statistic : comparison->statistics) {
+        text += fmt::format(", {} {:.2f}{}", statistic.name, statistic.value, statistic.verdict());
+    }
+    return text + '\n';
+}
+
 std::string instrumentation(const Run& run) {
     const std::string source = run.simulation.empty() ? "" : fmt::format("simulated: {}; ", run.simulation);
     return fmt::format("{}module {}, version {}", source, run.module, run.version);
@@ -96,24 +115,28 @@ std::string header(const Run& run, const Columns& columns, std::size_t patches) 
         text += ownLine("OBSERVER_ANGLE", observer.substr(0, observer.find(' ')));
     }
     if (!columns.wavelengths.empty()) text += ownLine("SPECTRAL_NORM", "1.0");
+    if (columns.difference) text += comparisonComment(run);
     return text + comments(run);
 }
 
-std::string format(const Columns& columns) {
+std::string format(const Run& run, const Columns& columns) {
     std::string text = "SAMPLE_ID\tSAMPLE_NAME";
     if (columns.lab) text += "\tLAB_L\tLAB_A\tLAB_B";
     for (const std::int32_t wavelength : columns.wavelengths) {
         text += fmt::format("\tSPECTRAL_NM{}", wavelength);
     }
+    if (columns.difference) text += fmt::format("\t{}", columnName(run.reference->formula));
     return text + '\n';
 }
 
-std::string dataLine(std::size_t id, const Reading& reading, const Columns& columns) {
+std::string dataLine(const Run& run, std::size_t id, const Columns& columns) {
+    const Reading& reading = run.readings[id - 1];
     std::string text = fmt::format("{}\t{}", id, quoted(reading.name));
     if (reading.lab) text += fmt::format("\t{:.4f}\t{:.4f}\t{:.4f}", reading.lab->L, reading.lab->a, reading.lab->b);
     for (const std::int32_t wavelength : columns.wavelengths) {
         text += fmt::format("\t{:.6f}", static_cast<double>(reflectance(reading, wavelength).value()) / 100);
     }
+    if (const auto difference = differenceOf(run, reading)) text += fmt::format("\t{:.4f}", difference->deltaE);
     return text + '\n';
 }
 
@@ -121,12 +144,12 @@ std::string table(const Run& run, const Columns& columns) {
     std::string lines;
     std::size_t patches = 0;
     for (std::size_t i = 0; i < run.readings.size(); ++i) {
-        if (columnsOf(run.readings[i]) != columns) continue;
-        lines += dataLine(i + 1, run.readings[i], columns);
+        if (columnsOf(run, run.readings[i]) != columns) continue;
+        lines += dataLine(run, i + 1, columns);
         ++patches;
     }
     return header(run, columns, patches) + fmt::format("NUMBER_OF_FIELDS\t{}\n", 2 + columns.size()) +
-           fmt::format("BEGIN_DATA_FORMAT\n{}END_DATA_FORMAT\n", format(columns)) +
+           fmt::format("BEGIN_DATA_FORMAT\n{}END_DATA_FORMAT\n", format(run, columns)) +
            fmt::format("NUMBER_OF_SETS\t{}\nBEGIN_DATA\n{}END_DATA\n", patches, lines);
 }
 

@@ -1,4 +1,5 @@
 #include "spm/formats/Formats.h"
+#include "spm/formats/Reference.h"
 
 #include <fmt/format.h>
 
@@ -16,13 +17,25 @@ std::string field(const std::string& text) {
     return quoted + '"';
 }
 
-std::string numberAfterComma(float value) {
+std::string numberAfterComma(double value) {
     return fmt::format(",{:.4f}", value);
 }
 
 std::string labFields(const Reading& reading) {
     if (!reading.lab) return ",,,";
     return numberAfterComma(reading.lab->L) + numberAfterComma(reading.lab->a) + numberAfterComma(reading.lab->b);
+}
+
+std::string differenceTitles(const Run& run) {
+    if (run.reference == nullptr) return "";
+    return fmt::format(",expected_L*,expected_a*,expected_b*,{}", nameOf(run.reference->formula));
+}
+
+std::string differenceFields(const Run& run, const Reading& reading) {
+    const std::optional<Difference> difference = differenceOf(run, reading);
+    if (!difference) return run.reference == nullptr ? "" : ",,,,";
+    const auto& [lab, deltaE] = *difference;
+    return numberAfterComma(lab.L) + numberAfterComma(lab.a) + numberAfterComma(lab.b) + numberAfterComma(deltaE);
 }
 
 } // namespace
@@ -35,6 +48,7 @@ std::string formatCsv(const Run& run) {
     for (const std::int32_t wavelength : columns) {
         text += fmt::format(",nm{}_percent", wavelength);
     }
+    text += differenceTitles(run);
     text += withLab ? ",illuminant,observer,simulated,not_measured\n" : ",simulated,not_measured\n";
 
     const std::string conditions = (withLab ? fmt::format(",{},{},", illuminant, observer) : ",") +
@@ -47,6 +61,7 @@ std::string formatCsv(const Run& run) {
             const std::optional<float> value = reflectance(reading, wavelength);
             text += value ? numberAfterComma(*value) : ",";
         }
+        text += differenceFields(run, reading);
         text += conditions + field(reading.isMeasured() ? reading.gap : reasonOf(reading) + measured) + '\n';
     }
     return text;

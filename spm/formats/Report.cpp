@@ -5,9 +5,11 @@
 #include "spm/formats/Report.h"
 
 #include "common/Text.h"
+#include "spm/formats/Reference.h"
 #include "spm/formats/Swatch.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <fmt/format.h>
 #include <kainjow/mustache.hpp>
@@ -25,22 +27,94 @@ std::string colour(const SPM_LAB& lab) {
     return fmt::format("#{:02x}{:02x}{:02x}", rgb[0], rgb[1], rgb[2]);
 }
 
-list labOf(const Reading& reading) {
-    list values;
-    for (const auto value : {&SPM_LAB::L, &SPM_LAB::a, &SPM_LAB::b}) {
-        values.push_back(object{{"value", reading.lab ? fmt::format("{:.2f}", (*reading.lab).*value) : "\u2013"}});
-    }
-    return values;
+/// The patch's colour; beside it the expected one, if there is one.
+std::string fill(const Run& run, const Reading& reading) {
+    const auto difference = differenceOf(run, reading);
+    if (!difference) return colour(*reading.lab);
+    return fmt::format("linear-gradient(90deg, {} 50%, {} 50%)", colour(*reading.lab), colour(difference->expected));
 }
 
+std::string tip(const Run& run, const Reading& reading) {
+    if (!reading.lab) return "";
+    std::string text = fmt::format(": {:.2f} {:.2f} {:.2f}", reading.lab->L, reading.lab->a, reading.lab->b);
+    if (const auto difference = differenceOf(run, reading)) {
+        const auto& [expected, deltaE] = *difference;
+        text += fmt::format(", expected {:.2f} {:.2f} {:.2f}, {} {:.2f}", expected.L, expected.a, expected.b,
+                            nameOf(run.reference->formula), deltaE);
+    }
+    return text;
+}
+
+/// The titles of the values' columns.
+list columnsOf(const Run& run) {
+    list columns{object{{"name", "L*"}}, object{{"name", "a*"}}, object{{"name", "b*"}}};
+    if (run.reference == nullptr) return columns;
+    for (const char* const name : {"\u0394E", "\u0394L*", "\u0394a*", "\u0394b*"}) {
+        columns.push_back(object{{"name", name}});
+    }
+    return columns;
+}
+
+/// A number for each column; a dash for what was not measured or not expected.
+list cellsOf(const Run& run, const Reading& reading) {
+    constexpr std::array values{&SPM_LAB::L, &SPM_LAB::a, &SPM_LAB::b};
+    list cells;
+    for (const auto value : values) {
+        cells.push_back(object{{"value", reading.lab ? fmt::format("{:.2f}", (*reading.lab).*value) : "\u2013"}});
+    }
+    if (run.reference == nullptr) return cells;
+    const auto difference = differenceOf(run, reading);
+    cells.push_back(object{{"value", difference ? fmt::format("{:.2f}", difference->deltaE) : "\u2013"}});
+    for (const auto value : values) {
+        cells.push_back(
+            object{{"value", difference ? fmt::format("{:+.2f}", (*reading.lab).*value - difference->expected.*value)
+                                        : "\u2013"}});
+    }
+    return cells;
+}
+
+object patchOf(const Run& run, const Reading& reading) {
+    object patch{{"name", common::printable(reading.name)}, {"tip", tip(run, reading)}};
+    if (reading.lab) patch["fill"] = fill(run, reading);
+    return patch;
+}
+
+/// All patches in the order of the chart.
 list patchesOf(const Run& run) {
     list patches;
     for (const Reading& reading : run.readings) {
-        object patch{{"name", common::printable(reading.name)}, {"lab", labOf(reading)}};
-        if (reading.lab) patch["colour"] = colour(*reading.lab);
-        patches.push_back(patch);
+        patches.push_back(patchOf(run, reading));
     }
     return patches;
+}
+
+list rowsOf(const Run& run) {
+    list rows;
+    for (const Reading* const reading : worstFirst(run)) {
+        object row = patchOf(run, *reading);
+        row["cells"] = cellsOf(run, *reading);
+        rows.push_back(row);
+    }
+    return rows;
+}
+
+object comparisonOf(const Run& run, const Comparison& comparison) {
+    const Reference& reference = *run.reference;
+    list statistics;
+    for (const Statistic& statistic : comparison.statistics) {
+        statistics.push_back(object{{"name", statistic.name},
+                                    {"value", fmt::format("{:.2f}", statistic.value)},
+                                    {"verdict", statistic.verdict()},
+                                    {"failed", statistic.isWithinLimit() ? "" : "failed"}});
+    }
+    object section{{"file", common::printable(reference.file.string())},
+                   {"formula", nameOf(reference.formula)},
+                   {"compared", fmt::format("{} of {} patches", comparison.patches, run.readings.size())},
+                   {"statistics", statistics},
+                   {"failed", comparison.hasFailed() ? " failed" : ""}};
+    if (const std::string verdict = comparison.verdict(); !verdict.empty()) section["verdict"] = verdict;
+    if (const std::string text = notCompared(comparison); !text.empty()) section["notCompared"] = text;
+    return section;
 }
 
 /// The drawing's coordinates, in its own units; the template has them, too. It shows at least 380 nm to 730 nm and 0 to
@@ -133,7 +207,10 @@ std::string htmlReport(const Run& run) {
                 {"observer", std::string(observer)},
                 {"coverage", coverage(run)},
                 {"patches", patchesOf(run)},
-                {"values", hasLab(run)}};
+                {"values", hasLab(run)},
+                {"columns", columnsOf(run)},
+                {"rows", rowsOf(run)}};
+    if (const auto comparison = compare(run)) page["comparison"] = comparisonOf(run, *comparison);
     for (const Gap& gap : gaps(run)) {
         notMeasured.push_back(object{{"text", describe(gap)}});
     }
@@ -144,7 +221,8 @@ std::string htmlReport(const Run& run) {
         const Axes axes(run.readings);
         page["spectra"] = object{{"percents", axes.percents()},
                                  {"wavelengths", axes.wavelengths()},
-                                 {"curves", curvesOf(run.readings, axes)}};
+                                 {"curves", curvesOf(run.readings, axes)},
+                                 {"many", run.readings.size() > 100}};
     }
     kainjow::mustache::mustache view(reportTemplate);
     return view.render(data(page));

@@ -5,6 +5,7 @@
 #include "module/SPM.h"
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <set>
 #include <string>
@@ -16,6 +17,8 @@ namespace spm {
 /// What the CIELab values are for.
 inline constexpr std::string_view illuminant = "D65";
 inline constexpr std::string_view observer = "10 degree";
+
+struct Reference;
 
 /// A patch of the chart, and what was measured of it.
 struct Reading {
@@ -50,6 +53,8 @@ struct Run {
     std::int32_t patchesInRow = 0;
     /// All patches of the chart in their order, measured or not.
     std::vector<Reading> readings;
+    /// What to compare the readings with; null for nothing.
+    std::shared_ptr<const Reference> reference{};
 };
 
 /// @throws Error  when no patch was measured, or a value is not finite

@@ -10,7 +10,7 @@ namespace spm {
 
 namespace {
 
-/// Prints of one chart seldom differ by more; other patches mostly do.
+/// In CIEDE2000: prints of one chart seldom differ by more; other patches mostly do.
 constexpr double largestGoodMean = 5;
 
 /// The mean difference if the values are those of a strip; infinite when the reference lacks one of its patches.
@@ -19,7 +19,7 @@ double meanDifference(std::span<const Reading> read, std::span<const Reading> pa
     for (std::size_t i = 0; i < read.size(); ++i) {
         const auto expected = reference.patches.find(patches[i].name);
         if (expected == reference.patches.end() || !read[i].lab) return std::numeric_limits<double>::infinity();
-        sum += deltaE2000(*read[i].lab, expected->second);
+        sum += deltaE(Formula::ciede2000, *read[i].lab, expected->second);
     }
     return sum / static_cast<double>(read.size());
 }

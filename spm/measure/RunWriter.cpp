@@ -86,9 +86,13 @@ bool RunWriter::attempt(const std::function<void()>& write, std::string& failure
     return false;
 }
 
-void RunWriter::show(const std::string& text) const {
-    if (format == Format::table) {
-        writeOut('\n' + text);
+void RunWriter::showComparison() const {
+    if (run.reference == nullptr) return;
+    const std::string text = formatComparison(run);
+    if (text.empty()) {
+        prompter.say(fmt::format("No patch of the reference file {} was measured.", run.reference->file.string()));
+    } else if (format == Format::table && options.output.empty()) {
+        writeOut(text);
     } else {
         prompter.say(text);
     }
@@ -113,7 +117,7 @@ std::string RunWriter::text() const {
         for (const Quantity quantity : passesOf(options)) {
             tables += table(quantity, run.readings);
         }
-        return tables;
+        return options.output.empty() ? tables : tables + formatComparison(run);
     }
     }
 }

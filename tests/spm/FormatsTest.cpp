@@ -11,6 +11,7 @@
 
 #include <gtest/gtest.h>
 #include <limits>
+#include <regex>
 
 namespace {
 
@@ -52,6 +53,39 @@ TEST(Formats, MatchTheirGoldenFiles) {
     }
 }
 
+TEST(Formats, HaveTheComparison) {
+    const spm::Run run = comparedSpots();
+    EXPECT_TRUE(spm::formatCsv(run).starts_with(
+        "name,L*,a*,b*,expected_L*,expected_a*,expected_b*,CIE76,illuminant,observer,simulated,not_measured\n"
+        "b,90.0000,0.0000,0.0000,,,,,D65,10 degree,no,\n"
+        "a,50.0000,3.0000,0.0000,50.0000,0.0000,4.0000,5.0000,D65,10 degree,no,\n"))
+        << spm::formatCsv(run);
+    const std::string json = std::regex_replace(spm::formatJson(run), std::regex("\\s+"), "");
+    EXPECT_TRUE(contains(json,
+                         R"("comparison":{"reference":"r.csv","formula":"CIE76","patches":1,"mean":5.0,"median":5.0,)"
+                         R"("p90":5.0,"p95":5.0,"max":5.0,"limits":{"max":4.0,"mean":5.5},"passed":false,)"
+                         R"("notInReference":["b"],"notMeasured":["c"]})"))
+        << json;
+    EXPECT_TRUE(contains(json, R"("expected":{"L":50.0,"a":0.0,"b":4.0},"difference":5.0})")) << json;
+    const std::string cgats = spm::formatCgats(run);
+    EXPECT_TRUE(contains(cgats, "LAB_B\tLAB_DE\nEND_DATA_FORMAT\nNUMBER_OF_SETS\t1\nBEGIN_DATA\n"
+                                "2\t\"a\"\t50.0000\t3.0000\t0.0000\t5.0000\n"))
+        << cgats;
+    EXPECT_TRUE(
+        contains(cgats, "NUMBER_OF_FIELDS\t5\nBEGIN_DATA_FORMAT\nSAMPLE_ID\tSAMPLE_NAME\tLAB_L\tLAB_A\tLAB_B\n"))
+        << cgats;
+    const std::string page = body(run);
+    for (const char* const part :
+         {"Tolerance: FAILED", "<div class=\"\"><dt>mean</dt><dd>5.00 (at most 5.5: passed)</dd></div>",
+          "<div class=\"failed\"><dt>maximum</dt><dd>5.00 (at most 4: FAILED by 1)</dd></div>",
+          "Not compared, because not in the reference: &quot;b&quot;",
+          "linear-gradient(90deg, #7c7577 50%, #7a7770 50%)",
+          "title=\"a: 50.00 3.00 0.00, expected 50.00 0.00 4.00, CIE76 5.00\"",
+          "<td>5.00</td><td>+0.00</td><td>+3.00</td><td>-4.00</td></tr>\n<tr><th scope=\"row\">b</th>"}) {
+        EXPECT_TRUE(contains(page, part)) << part << page;
+    }
+}
+
 TEST(Formats, ReplaceBytesThatAreNotUtf8InJson) {
     EXPECT_TRUE(contains(spm::formatJson(measuredSpots()), "\"name\": \"gr\uFFFDn\""));
 }
@@ -86,7 +120,7 @@ TEST(Report, LeavesOutWhatWasNotMeasured) {
     const std::string page = body(measuredSpots());
     EXPECT_TRUE(page.starts_with("<title>Measurement 2026-")) << page;
     EXPECT_TRUE(contains(page, "<h1>Measurement</h1>\n<dl>")) << page;
-    EXPECT_TRUE(contains(page, "<ol>\n<li>")) << page;
+    EXPECT_TRUE(contains(page, "<ol>\n<li title")) << page;
     EXPECT_TRUE(contains(page, "</ol>\n<h2>Spectra</h2>")) << page;
     EXPECT_TRUE(contains(page, "points=\"56.0,352.0 106.0,352.0 116.0,332.2 126.0,332.0 136.0,272.0 146.0,212.0 "
                                "616.0,32.0\""))
