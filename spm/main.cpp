@@ -19,8 +19,6 @@ namespace {
 
 constexpr int failed = EXIT_FAILURE;
 constexpr int wrongUse = 2;
-constexpr int incomplete = 3;
-constexpr int outOfTolerance = 4;
 
 constexpr const char* measureHelp =
     R"(Calibrates the instrument on its white reference, then measures a chart row by row, or spots one after another. What to
@@ -203,14 +201,7 @@ int run(std::vector<std::string> arguments) {
     }
     if (isListWanted) return list(module);
     if (doctor->parsed()) return diagnose(module);
-    switch (spm::measure(options)) {
-    case spm::Outcome::complete:
-        return EXIT_SUCCESS;
-    case spm::Outcome::outOfTolerance:
-        return outOfTolerance;
-    default:
-        return incomplete;
-    }
+    return static_cast<int>(spm::measure(options));
 }
 
 int tell(const std::exception& error, int status) {

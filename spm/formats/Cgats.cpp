@@ -13,14 +13,20 @@ namespace {
 struct Columns {
     bool lab = false;
     std::vector<std::int32_t> wavelengths{};
-    bool difference = false;
+    /// The title of the differences; empty when there are none.
+    std::string difference{};
 
     bool operator==(const Columns&) const = default;
-    std::size_t size() const { return (lab ? 3 : 0) + wavelengths.size() + (difference ? 1 : 0); }
+    std::size_t size() const { return (lab ? 3 : 0) + wavelengths.size() + (difference.empty() ? 0 : 1); }
 };
 
+/// The standard's name for a column of differences.
+const char* titleOf(Formula formula) {
+    return formula == Formula::ciede2000 ? "LAB_DE_2000" : formula == Formula::cie94 ? "LAB_DE_94" : "LAB_DE";
+}
+
 Columns columnsOf(const Run& run, const Reading& reading) {
-    Columns columns{reading.lab.has_value(), {}, differenceOf(run, reading).has_value()};
+    Columns columns{reading.lab.has_value(), {}, differenceOf(run, reading) ? titleOf(run.reference->formula) : ""};
     std::transform(reading.spectrum.begin(), reading.spectrum.end(), std::back_inserter(columns.wavelengths),
                    [](const SPM_REFLECTION& point) { return point.wavelength; });
     std::sort(columns.wavelengths.begin(), columns.wavelengths.end());
@@ -79,23 +85,6 @@ std::string comments(const Run& run) {
     return text;
 }
 
-/// The standard's name for a column of differences.
-const char* columnName(Formula formula) {
-    return formula == Formula::ciede2000 ? "LAB_DE_2000" : formula == Formula::cie94 ? "LAB_DE_94" : "LAB_DE";
-}
-
-/// What the differences are from, and their statistics.
-std::string comparisonComment(const Run& run) {
-    const std::optional<Comparison> comparison = compare(run);
-    if (!comparison) return "";
-    std::string text = fmt::format("# {}: difference from {} in {}", columnName(run.reference->formula),
-                                   plain(run.reference->file.string()), nameOf(run.reference->formula));
-    for (const Statistic& statistic : comparison->statistics) {
-        text += fmt::format(", {} {:.2f}{}", statistic.name, statistic.value, statistic.verdict());
-    }
-    return text + '\n';
-}
-
 std::string instrumentation(const Run& run) {
     const std::string source = run.simulation.empty() ? "" : fmt::format("simulated: {}; ", run.simulation);
     return fmt::format("{}module {}, version {}", source, run.module, run.version);
@@ -115,17 +104,18 @@ std::string header(const Run& run, const Columns& columns, std::size_t patches) 
         text += ownLine("OBSERVER_ANGLE", observer.substr(0, observer.find(' ')));
     }
     if (!columns.wavelengths.empty()) text += ownLine("SPECTRAL_NORM", "1.0");
-    if (columns.difference) text += comparisonComment(run);
+    if (!columns.difference.empty())
+        text += fmt::format("# {}: from {}\n", columns.difference, plain(run.reference->file.string()));
     return text + comments(run);
 }
 
-std::string format(const Run& run, const Columns& columns) {
+std::string format(const Columns& columns) {
     std::string text = "SAMPLE_ID\tSAMPLE_NAME";
     if (columns.lab) text += "\tLAB_L\tLAB_A\tLAB_B";
     for (const std::int32_t wavelength : columns.wavelengths) {
         text += fmt::format("\tSPECTRAL_NM{}", wavelength);
     }
-    if (columns.difference) text += fmt::format("\t{}", columnName(run.reference->formula));
+    if (!columns.difference.empty()) text += '\t' + columns.difference;
     return text + '\n';
 }
 
@@ -149,7 +139,7 @@ std::string table(const Run& run, const Columns& columns) {
         ++patches;
     }
     return header(run, columns, patches) + fmt::format("NUMBER_OF_FIELDS\t{}\n", 2 + columns.size()) +
-           fmt::format("BEGIN_DATA_FORMAT\n{}END_DATA_FORMAT\n", format(run, columns)) +
+           fmt::format("BEGIN_DATA_FORMAT\n{}END_DATA_FORMAT\n", format(columns)) +
            fmt::format("NUMBER_OF_SETS\t{}\nBEGIN_DATA\n{}END_DATA\n", patches, lines);
 }
 

@@ -21,21 +21,12 @@ std::string numberAfterComma(double value) {
     return fmt::format(",{:.4f}", value);
 }
 
-std::string labFields(const Reading& reading) {
-    if (!reading.lab) return ",,,";
-    return numberAfterComma(reading.lab->L) + numberAfterComma(reading.lab->a) + numberAfterComma(reading.lab->b);
+std::string labFields(const std::optional<SPM_LAB>& lab) {
+    return lab ? numberAfterComma(lab->L) + numberAfterComma(lab->a) + numberAfterComma(lab->b) : ",,,";
 }
 
-std::string differenceTitles(const Run& run) {
-    if (run.reference == nullptr) return "";
-    return fmt::format(",expected_L*,expected_a*,expected_b*,{}", nameOf(run.reference->formula));
-}
-
-std::string differenceFields(const Run& run, const Reading& reading) {
-    const std::optional<Difference> difference = differenceOf(run, reading);
-    if (!difference) return run.reference == nullptr ? "" : ",,,,";
-    const auto& [lab, deltaE] = *difference;
-    return numberAfterComma(lab.L) + numberAfterComma(lab.a) + numberAfterComma(lab.b) + numberAfterComma(deltaE);
+std::string differenceFields(const std::optional<Difference>& difference) {
+    return difference ? labFields(difference->expected) + numberAfterComma(difference->deltaE) : ",,,,";
 }
 
 } // namespace
@@ -48,7 +39,7 @@ std::string formatCsv(const Run& run) {
     for (const std::int32_t wavelength : columns) {
         text += fmt::format(",nm{}_percent", wavelength);
     }
-    text += differenceTitles(run);
+    if (run.reference) text += fmt::format(",expected_L*,expected_a*,expected_b*,{}", nameOf(run.reference->formula));
     text += withLab ? ",illuminant,observer,simulated,not_measured\n" : ",simulated,not_measured\n";
 
     const std::string conditions = (withLab ? fmt::format(",{},{},", illuminant, observer) : ",") +
@@ -56,12 +47,12 @@ std::string formatCsv(const Run& run) {
     const std::string measured = fmt::format(" ({} measured)", coverage(run));
     for (const Reading& reading : run.readings) {
         text += field(reading.name);
-        if (withLab) text += labFields(reading);
+        if (withLab) text += labFields(reading.lab);
         for (const std::int32_t wavelength : columns) {
             const std::optional<float> value = reflectance(reading, wavelength);
             text += value ? numberAfterComma(*value) : ",";
         }
-        text += differenceFields(run, reading);
+        if (run.reference) text += differenceFields(differenceOf(run, reading));
         text += conditions + field(reading.isMeasured() ? reading.gap : reasonOf(reading) + measured) + '\n';
     }
     return text;

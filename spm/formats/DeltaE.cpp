@@ -105,18 +105,15 @@ double ciede2000(const SPM_LAB& sample, const SPM_LAB& reference) {
 }
 
 double cie76(const SPM_LAB& sample, const SPM_LAB& reference) {
-    const auto distance = [&](float SPM_LAB::*value) {
-        return static_cast<double>(sample.*value) - static_cast<double>(reference.*value);
-    };
-    return std::hypot(distance(&SPM_LAB::L), distance(&SPM_LAB::a), distance(&SPM_LAB::b));
+    return static_cast<double>(std::hypot(sample.L - reference.L, sample.a - reference.a, sample.b - reference.b));
 }
 
 double cie94(const SPM_LAB& sample, const SPM_LAB& reference) {
     const double chroma = chromaOf(reference);
-    const double l = static_cast<double>(sample.L) - static_cast<double>(reference.L);
+    const auto l = static_cast<double>(sample.L - reference.L);
     const double c = chromaOf(sample) - chroma;
-    const double all = cie76(sample, reference);
-    const double h = std::sqrt(std::max(all * all - l * l - c * c, 0.0)); // rounding must not make it negative
+    const double h2 = std::pow(cie76(sample, reference), 2) - l * l - c * c;
+    const double h = std::sqrt(std::max(h2, 0.0)); // rounding must not make it negative
     return std::hypot(l, c / (1 + 0.045 * chroma), h / (1 + 0.015 * chroma));
 }
 
@@ -127,14 +124,8 @@ const char* nameOf(Formula formula) {
 }
 
 double deltaE(Formula formula, const SPM_LAB& sample, const SPM_LAB& reference) {
-    switch (formula) {
-    case Formula::cie94:
-        return cie94(sample, reference);
-    case Formula::cie76:
-        return cie76(sample, reference);
-    default:
-        return ciede2000(sample, reference);
-    }
+    if (formula == Formula::ciede2000) return ciede2000(sample, reference);
+    return formula == Formula::cie94 ? cie94(sample, reference) : cie76(sample, reference);
 }
 
 } // namespace spm

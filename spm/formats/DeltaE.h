@@ -4,15 +4,10 @@
 
 namespace spm {
 
-/// How a colour difference is calculated, with parametric factors of 1.
-enum class Formula {
-    /// CIEDE2000 (CIE 142-2001, ISO/CIE 11664-6).
-    ciede2000,
-    /// CIE94 (CIE 116-1995) with the weights for graphic arts: K1 = 0.045, K2 = 0.015.
-    cie94,
-    /// The distance in CIELab (CIE 15:2004, ISO/CIE 11664-4).
-    cie76
-};
+/// How a colour difference is calculated, with parametric factors of 1: CIEDE2000 (CIE 142-2001, ISO/CIE 11664-6),
+/// CIE94 (CIE 116-1995) with the weights for graphic arts, K1 = 0.045 and K2 = 0.015, or the distance in CIELab (CIE
+/// 15:2004, ISO/CIE 11664-4).
+enum class Formula { ciede2000, cie94, cie76 };
 
 /// The formula's name for people: "CIEDE2000".
 const char* nameOf(Formula formula);

@@ -23,7 +23,7 @@ Json comparisonJson(const Reference& reference, const Comparison& comparison) {
         json[statistic.key] = statistic.value;
     }
     if (!reference.limits.empty()) json["limits"] = reference.limits;
-    if (!reference.limits.empty()) json["passed"] = !comparison.hasFailed();
+    if (!reference.limits.empty()) json["passed"] = comparison.isWithinLimits;
     json["notInReference"] = comparison.notInReference;
     json["notMeasured"] = comparison.notMeasured;
     return json;

@@ -6,13 +6,12 @@
 #include "spm/formats/Table.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
-#include <cmath>
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 #include <functional>
 #include <numeric>
+#include <regex>
 #include <set>
 #include <sstream>
 #include <string_view>
@@ -24,47 +23,20 @@ namespace {
 /// From the best to the worst; never empty.
 using Differences = std::vector<double>;
 
-double mean(const Differences& differences) {
-    return std::accumulate(differences.begin(), differences.end(), 0.0) / static_cast<double>(differences.size());
-}
-
-double median(const Differences& differences) {
-    const std::size_t count = differences.size();
-    return (differences[(count - 1) / 2] + differences[count / 2]) / 2;
-}
-
-template <std::size_t percent>
-double percentile(const Differences& differences) {
-    return differences[(percent * differences.size() + 99) / 100 - 1];
-}
-
-struct StatisticKind {
-    const char* key;
-    const char* name;
-    double (*of)(const Differences& differences);
-};
-
-constexpr std::array<StatisticKind, 5> statisticKinds{{{"mean", "mean", mean},
-                                                       {"median", "median", median},
-                                                       {"p90", "90th percentile", percentile<90>},
-                                                       {"p95", "95th percentile", percentile<95>},
-                                                       {"max", "maximum", percentile<100>}}};
-
 std::vector<Statistic> statisticsOf(const Differences& differences, const Limits& limits) {
-    std::vector<Statistic> statistics;
-    for (const StatisticKind& kind : statisticKinds) {
-        const auto limit = limits.find(kind.key);
-        statistics.push_back({kind.key, kind.name, kind.of(differences),
-                              limit == limits.end() ? std::nullopt : std::optional(limit->second)});
+    const std::size_t count = differences.size();
+    const double sum = std::accumulate(differences.begin(), differences.end(), 0.0);
+    const auto percentile = [&](std::size_t percent) { return differences[(percent * count + 99) / 100 - 1]; };
+    std::vector<Statistic> statistics{
+        {"mean", "mean", sum / static_cast<double>(count), {}},
+        {"median", "median", (differences[(count - 1) / 2] + differences[count / 2]) / 2, {}},
+        {"p90", "90th percentile", percentile(90), {}},
+        {"p95", "95th percentile", percentile(95), {}},
+        {"max", "maximum", differences.back(), {}}};
+    for (Statistic& statistic : statistics) {
+        if (limits.contains(statistic.key)) statistic.limit = limits.at(statistic.key);
     }
     return statistics;
-}
-
-std::optional<double> limitOf(std::string_view text) {
-    double value = 0;
-    const auto [stop, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    const bool isNumber = error == std::errc{} && stop == text.data() + text.size();
-    return isNumber && std::isfinite(value) && value >= 0 ? std::optional(value) : std::nullopt;
 }
 
 std::string listOf(std::string_view what, const std::vector<std::string>& names) {
@@ -75,18 +47,17 @@ std::string listOf(std::string_view what, const std::vector<std::string>& names)
 } // namespace
 
 Limits parseLimits(const std::string& text) {
+    static const std::regex form("(mean|median|p90|p95|max)=([0-9]{1,9}([.][0-9]{1,9})?)");
     Limits limits;
     std::istringstream items(text + ',');
+    std::smatch parts;
     for (std::string item; std::getline(items, item, ',');) {
-        const std::string key = item.substr(0, item.find('='));
-        const std::optional<double> limit =
-            limitOf(std::string_view(item).substr(std::min(key.size() + 1, item.size())));
-        const bool isKnown = std::ranges::count(statisticKinds, key, &StatisticKind::key) > 0;
-        if (!isKnown || !limit || !limits.emplace(key, *limit).second) {
+        if (!std::regex_match(item, parts, form) || limits.contains(parts[1])) {
             throw UsageError(fmt::format("--tolerance: \"{}\" is not a limit", item),
-                             "write each of mean, median, p90, p95 and max at most once, with a number from 0 on, as "
-                             "in mean=2,max=5");
+                             "write each of mean, median, p90, p95 and max at most once, with a number from 0 to "
+                             "999999999, as in mean=2,max=5.5");
         }
+        std::from_chars(&*parts[2].first, &*parts[2].first + parts[2].length(), limits[parts[1]]);
     }
     return limits;
 }
@@ -106,15 +77,12 @@ std::optional<Difference> differenceOf(const Run& run, const Reading& reading) {
     return Difference{expected->second, deltaE(run.reference->formula, *reading.lab, expected->second)};
 }
 
-std::vector<const Reading*> worstFirst(const Run& run) {
-    std::vector<std::pair<double, const Reading*>> order;
-    for (const Reading& reading : run.readings) {
+std::vector<Reading> worstFirst(const Run& run) {
+    std::vector<Reading> readings = run.readings;
+    std::ranges::stable_sort(readings, std::greater{}, [&](const Reading& reading) {
         const auto difference = differenceOf(run, reading);
-        order.emplace_back(difference ? difference->deltaE : -1, &reading);
-    }
-    std::ranges::stable_sort(order, std::greater{}, [](const auto& each) { return each.first; });
-    std::vector<const Reading*> readings;
-    std::ranges::transform(order, std::back_inserter(readings), [](const auto& each) { return each.second; });
+        return difference ? difference->deltaE : -1;
+    });
     return readings;
 }
 
@@ -122,15 +90,6 @@ std::string Statistic::verdict() const {
     if (!limit) return "";
     if (isWithinLimit()) return fmt::format(" (at most {}: passed)", *limit);
     return fmt::format(" (at most {}: FAILED by {:.2g})", *limit, value - *limit);
-}
-
-bool Comparison::hasFailed() const {
-    return !std::ranges::all_of(statistics, &Statistic::isWithinLimit);
-}
-
-std::string Comparison::verdict() const {
-    if (std::ranges::none_of(statistics, [](const Statistic& each) { return each.limit.has_value(); })) return "";
-    return hasFailed() ? "FAILED" : "passed";
 }
 
 std::optional<Comparison> compare(const Run& run) {
@@ -154,6 +113,7 @@ std::optional<Comparison> compare(const Run& run) {
     std::ranges::sort(differences);
     comparison.statistics = statisticsOf(differences, run.reference->limits);
     comparison.patches = differences.size();
+    comparison.isWithinLimits = std::ranges::all_of(comparison.statistics, &Statistic::isWithinLimit);
     return comparison;
 }
 
@@ -164,23 +124,25 @@ std::string notCompared(const Comparison& comparison) {
 
 std::string formatComparison(const Run& run) {
     const std::optional<Comparison> comparison = compare(run);
-    if (!comparison) return "";
+    if (!comparison) {
+        return run.reference ? fmt::format("\nNothing to compare with {}.\n", run.reference->file.string()) : "";
+    }
     std::string text =
         fmt::format("\nCompared with {}\n{:<24} {:>9} {:>8} {:>8} {:>8}\n", run.reference->file.string(),
                     conditions(!run.simulation.empty()), nameOf(run.reference->formula), "dL*", "da*", "db*");
-    for (const Reading* const reading : worstFirst(run)) {
-        const auto difference = differenceOf(run, *reading);
+    for (const Reading& reading : worstFirst(run)) {
+        const auto difference = differenceOf(run, reading);
         if (!difference) break;
         const auto [L, a, b] = difference->expected;
-        text += fmt::format("{:<24.24} {:9.2f} {:+8.2f} {:+8.2f} {:+8.2f}\n", common::printable(reading->name),
-                            difference->deltaE, reading->lab->L - L, reading->lab->a - a, reading->lab->b - b);
+        text += fmt::format("{:<24.24} {:9.2f} {:+8.2f} {:+8.2f} {:+8.2f}\n", common::printable(reading.name),
+                            difference->deltaE, reading.lab->L - L, reading.lab->a - a, reading.lab->b - b);
     }
     text += '\n';
     for (const Statistic& statistic : comparison->statistics) {
         text += fmt::format("{:<24} {:9.2f}{}\n", statistic.name, statistic.value, statistic.verdict());
     }
-    if (const std::string verdict = comparison->verdict(); !verdict.empty())
-        text += fmt::format("{:<24} {:>9}\n", "Tolerance", verdict);
+    if (!run.reference->limits.empty())
+        text += fmt::format("{:<24} {:>9}\n", "Tolerance", comparison->isWithinLimits ? "passed" : "FAILED");
     return text + notCompared(*comparison);
 }
 

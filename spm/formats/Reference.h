@@ -42,7 +42,7 @@ struct Difference {
 std::optional<Difference> differenceOf(const Run& run, const Reading& reading);
 
 /// The patches in the order of the chart, or with a reference first those that were compared, the worst first.
-std::vector<const Reading*> worstFirst(const Run& run);
+std::vector<Reading> worstFirst(const Run& run);
 
 /// One number for all differences. Percentiles are by nearest rank: the least of the differences that so many percent
 /// of them don't exceed.
@@ -67,10 +67,7 @@ struct Comparison {
     std::vector<std::string> notInReference;
     /// Patches of the reference without measured CIELab values, in alphabetical order.
     std::vector<std::string> notMeasured;
-
-    /// "passed" or "FAILED"; empty without limits.
-    std::string verdict() const;
-    bool hasFailed() const;
+    bool isWithinLimits;
 };
 
 /// @return none when there is nothing to compare, or no reference
@@ -79,7 +76,7 @@ std::optional<Comparison> compare(const Run& run);
 /// Lines that name the patches that were not compared, and why; empty when all were.
 std::string notCompared(const Comparison& comparison);
 
-/// A blank line and a table for people; empty when there is nothing to compare.
+/// A blank line and a table for people; empty without a reference.
 std::string formatComparison(const Run& run);
 
 } // namespace spm

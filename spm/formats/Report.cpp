@@ -9,7 +9,6 @@
 #include "spm/formats/Swatch.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <fmt/format.h>
 #include <kainjow/mustache.hpp>
@@ -34,85 +33,46 @@ std::string fill(const Run& run, const Reading& reading) {
     return fmt::format("linear-gradient(90deg, {} 50%, {} 50%)", colour(*reading.lab), colour(difference->expected));
 }
 
-std::string tip(const Run& run, const Reading& reading) {
-    if (!reading.lab) return "";
-    std::string text = fmt::format(": {:.2f} {:.2f} {:.2f}", reading.lab->L, reading.lab->a, reading.lab->b);
-    if (const auto difference = differenceOf(run, reading)) {
-        const auto& [expected, deltaE] = *difference;
-        text += fmt::format(", expected {:.2f} {:.2f} {:.2f}, {} {:.2f}", expected.L, expected.a, expected.b,
-                            nameOf(run.reference->formula), deltaE);
-    }
-    return text;
+std::string textOf(const SPM_LAB& lab) {
+    return fmt::format("{:.2f} {:.2f} {:.2f}", lab.L, lab.a, lab.b);
 }
 
-/// The titles of the values' columns.
-list columnsOf(const Run& run) {
-    list columns{object{{"name", "L*"}}, object{{"name", "a*"}}, object{{"name", "b*"}}};
-    if (run.reference == nullptr) return columns;
-    for (const char* const name : {"\u0394E", "\u0394L*", "\u0394a*", "\u0394b*"}) {
-        columns.push_back(object{{"name", name}});
+list labOf(const Reading& reading) {
+    list values;
+    for (const auto value : {&SPM_LAB::L, &SPM_LAB::a, &SPM_LAB::b}) {
+        values.push_back(object{{"value", reading.lab ? fmt::format("{:.2f}", (*reading.lab).*value) : "\u2013"}});
     }
-    return columns;
+    return values;
 }
 
-/// A number for each column; a dash for what was not measured or not expected.
-list cellsOf(const Run& run, const Reading& reading) {
-    constexpr std::array values{&SPM_LAB::L, &SPM_LAB::a, &SPM_LAB::b};
-    list cells;
-    for (const auto value : values) {
-        cells.push_back(object{{"value", reading.lab ? fmt::format("{:.2f}", (*reading.lab).*value) : "\u2013"}});
-    }
-    if (run.reference == nullptr) return cells;
-    const auto difference = differenceOf(run, reading);
-    cells.push_back(object{{"value", difference ? fmt::format("{:.2f}", difference->deltaE) : "\u2013"}});
-    for (const auto value : values) {
-        cells.push_back(
-            object{{"value", difference ? fmt::format("{:+.2f}", (*reading.lab).*value - difference->expected.*value)
-                                        : "\u2013"}});
-    }
-    return cells;
-}
-
-object patchOf(const Run& run, const Reading& reading) {
-    object patch{{"name", common::printable(reading.name)}, {"tip", tip(run, reading)}};
-    if (reading.lab) patch["fill"] = fill(run, reading);
-    return patch;
-}
-
-/// All patches in the order of the chart.
-list patchesOf(const Run& run) {
+list patchesOf(const Run& run, const std::vector<Reading>& readings) {
     list patches;
-    for (const Reading& reading : run.readings) {
-        patches.push_back(patchOf(run, reading));
+    for (const Reading& reading : readings) {
+        const auto difference = differenceOf(run, reading);
+        object patch{{"name", common::printable(reading.name)},
+                     {"lab", labOf(reading)},
+                     {"deltaE", difference ? fmt::format("{:.2f}", difference->deltaE) : "\u2013"}};
+        if (reading.lab) patch["fill"] = fill(run, reading);
+        if (reading.lab) patch["measured"] = textOf(*reading.lab);
+        if (difference) patch["expected"] = textOf(difference->expected);
+        patches.push_back(patch);
     }
     return patches;
-}
-
-list rowsOf(const Run& run) {
-    list rows;
-    for (const Reading* const reading : worstFirst(run)) {
-        object row = patchOf(run, *reading);
-        row["cells"] = cellsOf(run, *reading);
-        rows.push_back(row);
-    }
-    return rows;
 }
 
 object comparisonOf(const Run& run, const Comparison& comparison) {
     const Reference& reference = *run.reference;
     list statistics;
     for (const Statistic& statistic : comparison.statistics) {
-        statistics.push_back(object{{"name", statistic.name},
-                                    {"value", fmt::format("{:.2f}", statistic.value)},
-                                    {"verdict", statistic.verdict()},
-                                    {"failed", statistic.isWithinLimit() ? "" : "failed"}});
+        statistics.push_back(
+            object{{"name", statistic.name}, {"value", fmt::format("{:.2f}{}", statistic.value, statistic.verdict())}});
     }
     object section{{"file", common::printable(reference.file.string())},
                    {"formula", nameOf(reference.formula)},
                    {"compared", fmt::format("{} of {} patches", comparison.patches, run.readings.size())},
                    {"statistics", statistics},
-                   {"failed", comparison.hasFailed() ? " failed" : ""}};
-    if (const std::string verdict = comparison.verdict(); !verdict.empty()) section["verdict"] = verdict;
+                   {"passed", comparison.isWithinLimits},
+                   {"hasLimits", !reference.limits.empty()}};
     if (const std::string text = notCompared(comparison); !text.empty()) section["notCompared"] = text;
     return section;
 }
@@ -206,10 +166,9 @@ std::string htmlReport(const Run& run) {
                 {"illuminant", std::string(illuminant)},
                 {"observer", std::string(observer)},
                 {"coverage", coverage(run)},
-                {"patches", patchesOf(run)},
+                {"patches", patchesOf(run, run.readings)},
                 {"values", hasLab(run)},
-                {"columns", columnsOf(run)},
-                {"rows", rowsOf(run)}};
+                {"rows", patchesOf(run, worstFirst(run))}};
     if (const auto comparison = compare(run)) page["comparison"] = comparisonOf(run, *comparison);
     for (const Gap& gap : gaps(run)) {
         notMeasured.push_back(object{{"text", describe(gap)}});

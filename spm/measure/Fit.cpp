@@ -32,14 +32,15 @@ struct Candidate {
 } // namespace
 
 std::optional<std::string> findBetterFit(std::span<const Reading> read, const Strip& strip,
-                                         const std::vector<Strip>& strips, std::span<const Reading> chart,
-                                         const Reference& reference) {
-    const double mean = meanDifference(read, chart.subspan(strip.first, read.size()), reference);
+                                         const std::vector<Strip>& strips, const Run& chart) {
+    const auto patchesOf = [&](const Strip& one) { return std::span(chart.readings).subspan(one.first, read.size()); };
+    const Reference& reference = *chart.reference;
+    const double mean = meanDifference(read, patchesOf(strip), reference);
     if (mean <= largestGoodMean || mean == std::numeric_limits<double>::infinity()) return std::nullopt;
     const std::vector<Reading> reversed(read.rbegin(), read.rend());
     Candidate best{mean / 2, ""};
     for (const Strip& other : strips) {
-        const std::span<const Reading> patches = chart.subspan(other.first, read.size());
+        const std::span<const Reading> patches = patchesOf(other);
         const double forwards = meanDifference(read, patches, reference);
         const double backwards = meanDifference(reversed, patches, reference);
         if (forwards < best.mean) best = {forwards, other.name};

@@ -69,11 +69,10 @@ struct Ending {
     std::exception_ptr failure{};
 };
 
-Ending measureAll(const Module& module, const MeasureOptions& options, const Prompter& prompter, RunWriter& writer,
-                  const Reference* reference) {
+Ending measureAll(const Module& module, const MeasureOptions& options, const Prompter& prompter, RunWriter& writer) {
     const InterruptGuard interrupts;
     try {
-        return {Session(module, prompter, writer, options, reference).measure(), ""};
+        return {Session(module, prompter, writer, options).measure(), ""};
     } catch (const Interrupted&) {
         prompter.say("\nEnded; the instrument is closed, and what was read is kept.");
         return {Outcome::incomplete, "the run was interrupted"};
@@ -147,14 +146,14 @@ Outcome measure(const MeasureOptions& wanted) {
         throw UsageError(fmt::format("--first-row is {}, but there are {} rows or spots", options.firstRow,
                                      stripsOf(options).size()));
     }
-    const std::shared_ptr<const Reference> reference = referenceOf(options, names);
+    std::shared_ptr<const Reference> reference = referenceOf(options, names);
     const Prompter prompter;
     const Module module(options.module);
     Run begun = begin(module, options, names);
-    begun.reference = reference;
+    begun.reference = std::move(reference);
     RunWriter writer(options, prompter, std::move(begun));
     introduce(prompter, writer.measured(), options);
-    const Ending ending = measureAll(module, options, prompter, writer, reference.get());
+    const Ending ending = measureAll(module, options, prompter, writer);
     try {
         const InterruptGuard interrupts; // what was read is written all the same
         writer.finish(ending.reason);
@@ -167,7 +166,7 @@ Outcome measure(const MeasureOptions& wanted) {
     if (ending.failure) std::rethrow_exception(ending.failure);
     if (!gaps(writer.measured()).empty() || ending.outcome != Outcome::complete) return Outcome::incomplete;
     const std::optional<Comparison> comparison = compare(writer.measured());
-    return comparison && comparison->hasFailed() ? Outcome::outOfTolerance : Outcome::complete;
+    return !comparison || comparison->isWithinLimits ? Outcome::complete : Outcome::outOfTolerance;
 }
 
 } // namespace spm

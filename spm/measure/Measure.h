@@ -42,8 +42,8 @@ struct MeasureOptions {
 };
 
 /// Whether all was measured, or something was left out by the person's wish; of what is complete, whether the
-/// differences from the reference are within the limits.
-enum class Outcome { complete, incomplete, outOfTolerance };
+/// differences from the reference are within the limits. The numbers are exit statuses.
+enum class Outcome { complete = 0, incomplete = 3, outOfTolerance = 4 };
 
 /// Calibrates and measures. What was read is written even when something fails later.
 /// @throws Error  when something fails

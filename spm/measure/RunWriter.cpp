@@ -87,11 +87,9 @@ bool RunWriter::attempt(const std::function<void()>& write, std::string& failure
 }
 
 void RunWriter::showComparison() const {
-    if (run.reference == nullptr) return;
     const std::string text = formatComparison(run);
-    if (text.empty()) {
-        prompter.say(fmt::format("No patch of the reference file {} was measured.", run.reference->file.string()));
-    } else if (format == Format::table && options.output.empty()) {
+    if (text.empty()) return;
+    if (format == Format::table && options.output.empty()) {
         writeOut(text);
     } else {
         prompter.say(text);

@@ -31,13 +31,9 @@ inline spm::Run measuredSpots() {
 
 /// Patches on an instrument of which one is expected, and one is not.
 inline spm::Run comparedSpots() {
-    const spm::Reference reference{
-        "r.csv", {{"a", {50, 0, 4}}, {"c", {1, 2, 3}}}, spm::Formula::cie76, {{"max", 4}, {"mean", 5.5}}};
-    return {.started = "",
-            .module = "/opt/spm.so",
-            .version = "3",
-            .simulation = "",
-            .patchesInRow = 0,
-            .readings = {{"b", SPM_LAB{90, 0, 0}, {}}, {"a", SPM_LAB{50, 3, 0}, {}}},
-            .reference = std::make_shared<const spm::Reference>(reference)};
+    spm::Run run;
+    run.readings = {{"b", SPM_LAB{90, 0, 0}, {}}, {"a", SPM_LAB{50, 3, 0}, {}}};
+    run.reference.reset(new spm::Reference{
+        "r.csv", {{"a", {50, 0, 4}}, {"c", {1, 2, 3}}}, spm::Formula::cie76, {{"max", 4}, {"mean", 5.5}}});
+    return run;
 }

@@ -106,10 +106,9 @@ TEST_F(Spm, TakesItsOwnValuesAsChartAndReference) {
     EXPECT_TRUE(contains(output(), " b*\na, \"b\" ")) << output();
     EXPECT_TRUE(contains(output(), "\n\nCompared with ")) << output();
     EXPECT_TRUE(contains(output(), "\nmaximum                       0.00\n")) << output();
-    ASSERT_EQ(measure({"--spots", "2", "--chart", values, "--format", "json", "--reference", values, "--tolerance",
-                       "max=0.1"}),
-              0)
-        << errors();
+    const Texts within{"--spots", "2",           "--chart", values,        "--format",
+                       "json",    "--reference", values,    "--tolerance", "max=0.1"};
+    ASSERT_EQ(measure(within), 0) << errors();
     EXPECT_TRUE(contains(output(), "\"patchesInRow\": 0,")) << output();
     EXPECT_TRUE(contains(output(), "\"passed\": true,") && output().ends_with("]\n}\n")) << output();
     EXPECT_TRUE(contains(errors(), "\nmaximum                       0.00 (at most 0.1: passed)\n")) << errors();
@@ -130,8 +129,6 @@ TEST_F(Spm, ComparesWithinATolerance) {
         EXPECT_TRUE(contains(text, "\nTolerance                   FAILED\n")) << text;
     }
     EXPECT_EQ(compare({"--tolerance", "max=0", "--first-row", "2"}), 3) << "what is incomplete comes first";
-    EXPECT_EQ(compare({"--tolerance", "max=0", "--first-row", "3"}), 3);
-    EXPECT_TRUE(contains(errors(), "\nNo patch of the reference file ")) << errors();
 }
 
 TEST_F(Spm, SaysWhatFailedAndWithWhat) {
