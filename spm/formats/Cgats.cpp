@@ -105,7 +105,7 @@ std::string header(const Run& run, const Columns& columns, std::size_t patches) 
     }
     if (!columns.wavelengths.empty()) text += ownLine("SPECTRAL_NORM", "1.0");
     if (!columns.difference.empty())
-        text += fmt::format("# {}: from {}\n", columns.difference, plain(run.reference->file.string()));
+        text += fmt::format("# {}: difference from {}\n", columns.difference, plain(run.reference->file.string()));
     return text + comments(run);
 }
 

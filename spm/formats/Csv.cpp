@@ -26,7 +26,8 @@ std::string labFields(const std::optional<SPM_LAB>& lab) {
 }
 
 std::string differenceFields(const std::optional<Difference>& difference) {
-    return difference ? labFields(difference->expected) + numberAfterComma(difference->deltaE) : ",,,,";
+    if (!difference) return ",,,,";
+    return labFields(difference->expected) + numberAfterComma(difference->deltaE);
 }
 
 } // namespace
@@ -53,7 +54,8 @@ std::string formatCsv(const Run& run) {
             text += value ? numberAfterComma(*value) : ",";
         }
         if (run.reference) text += differenceFields(differenceOf(run, reading));
-        text += conditions + field(reading.isMeasured() ? reading.gap : reasonOf(reading) + measured) + '\n';
+        text += conditions;
+        text += field(reading.isMeasured() ? reading.gap : reasonOf(reading) + measured) + '\n';
     }
     return text;
 }
