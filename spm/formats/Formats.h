@@ -9,7 +9,7 @@
 namespace spm {
 
 // Lines end in '\n', numbers have a decimal point whatever the locale is, and each form tells whether the values were
-// simulated and, where there is CIELab, that it is for D65 and 10 degree.
+// simulated and, where there is CIELab, that it is for D65 and 10 degree. With a reference, each has the differences.
 // All throw Error when no patch was measured, or a value is not finite.
 
 /// Comma-separated values with a header line, quoted by RFC 4180, a line for each patch of the chart; the conditions
