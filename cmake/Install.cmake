@@ -38,7 +38,7 @@ install(DIRECTORY cap DESTINATION ${header_dir} COMPONENT kit FILES_MATCHING
     PATTERN CAPException.h
     PATTERN CAPLoggingHandler.h
     PATTERN "ICAPLogging*.h")
-install(FILES docs/host-guide.md docs/spm.md DESTINATION ${doc_dir} COMPONENT kit)
+install(FILES docs/host-guide.md docs/report.png docs/spm.md DESTINATION ${doc_dir} COMPONENT kit)
 install(DIRECTORY examples/ DESTINATION ${examples_dir} COMPONENT kit PATTERN simulator EXCLUDE)
 
 configure_package_config_file(cmake/spm_i1pro3-config.cmake.in ${PROJECT_BINARY_DIR}/spm_i1pro3-config.cmake

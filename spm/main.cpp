@@ -19,7 +19,6 @@ namespace {
 
 constexpr int failed = EXIT_FAILURE;
 constexpr int wrongUse = 2;
-constexpr int incomplete = 3;
 
 constexpr const char* measureHelp =
     R"(Calibrates the instrument on its white reference, then measures a chart row by row, or spots one after another. What to
@@ -33,18 +32,22 @@ Exit status:
   1  something failed; what was read before is written all the same
   2  the command line is wrong
   3  patches were not measured: rows were skipped, or the run was ended with Ctrl-C
+  4  all was measured, but a difference from the reference is out of tolerance
 
 Examples:
   spm measure --chart chart.csv --patches 6
   spm measure --lab --spectra --output chart.cgats --report chart.html
   spm measure --illuminant D50 --observer 2 --xyz
   spm measure --spots 3 --names paper,black,red --format json
-  spm measure --chart chart.csv --reference expected.csv)";
+  spm measure --chart chart.csv --reference expected.csv --tolerance mean=2,max=5)";
 
 const std::map<std::string, spm::Format> formats{{"table", spm::Format::table},
                                                  {"csv", spm::Format::csv},
                                                  {"json", spm::Format::json},
                                                  {"cgats", spm::Format::cgats}};
+
+const std::map<std::string, spm::Formula> formulas{
+    {"2000", spm::Formula::ciede2000}, {"94", spm::Formula::cie94}, {"76", spm::Formula::cie76}};
 
 constexpr const char* doctorHelp =
     R"(Looks at everything that measuring needs: the module and the SDK library, the settings and the log file, the instrument
@@ -93,6 +96,25 @@ void addConditions(CLI::App& measure, spm::Conditions& conditions) {
         ->each(calculate);
 }
 
+void addComparison(CLI::App& measure, spm::MeasureOptions& options) {
+    auto* const reference =
+        addFile(measure, "--reference", options.reference,
+                "file of expected values (name, L*, a*, b*) to compare with, in a form as for --chart");
+    measure
+        .add_option_function<std::string>(
+            "--difference", [&options](const std::string& name) { options.difference = formulas.at(name); },
+            "how to calculate differences: CIEDE2000 (the default), CIE94 or CIE76")
+        ->option_text("2000|94|76")
+        ->check(CLI::IsMember(&formulas))
+        ->needs(reference);
+    measure
+        .add_option_function<std::string>(
+            "--tolerance", [&options](const std::string& text) { options.limits = spm::parseLimits(text); },
+            "largest tolerated differences: mean, median, p90, p95, max")
+        ->option_text("mean=2,max=5,...")
+        ->needs(reference);
+}
+
 void addMeasure(CLI::App& app, spm::MeasureOptions& options) {
     CLI::App* const measure = app.add_subcommand("measure", "measure a chart or spots");
     measure->footer(measureHelp);
@@ -130,8 +152,7 @@ void addMeasure(CLI::App& app, spm::MeasureOptions& options) {
     measure->add_option("--first-row", options.firstRow, "go on with this row or spot, and complete the output file")
         ->option_text("1..100000")
         ->check(CLI::Range(1, 100'000));
-    addFile(*measure, "--reference", options.reference,
-            "file of expected values (name, L*, a*, b*) to compare with, in a form as for --chart");
+    addComparison(*measure, options);
 }
 
 int diagnose(const std::filesystem::path& module) {
@@ -196,7 +217,7 @@ int run(std::vector<std::string> arguments) {
     }
     if (isListWanted) return list(module);
     if (doctor->parsed()) return diagnose(module);
-    return spm::measure(options) == spm::Outcome::complete ? EXIT_SUCCESS : incomplete;
+    return static_cast<int>(spm::measure(options));
 }
 
 int tell(const std::exception& error, int status) {

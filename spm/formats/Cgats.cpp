@@ -1,4 +1,5 @@
 #include "spm/formats/Formats.h"
+#include "spm/formats/Reference.h"
 
 #include <algorithm>
 #include <fmt/format.h>
@@ -15,13 +16,25 @@ struct Columns {
     bool lab = false;
     bool xyz = false;
     std::vector<std::int32_t> wavelengths{};
+    /// The title of the differences; empty when there are none.
+    std::string difference{};
 
     bool operator==(const Columns&) const = default;
-    std::size_t size() const { return (lab ? 3 : 0) + (xyz ? 3 : 0) + wavelengths.size(); }
+    std::size_t size() const {
+        return (lab ? 3 : 0) + (xyz ? 3 : 0) + wavelengths.size() + (difference.empty() ? 0 : 1);
+    }
 };
 
+/// The standard's name for a column of differences.
+const char* titleOf(Formula formula) {
+    return formula == Formula::ciede2000 ? "LAB_DE_2000" : formula == Formula::cie94 ? "LAB_DE_94" : "LAB_DE";
+}
+
 Columns columnsOf(const Run& run, const Reading& reading) {
-    Columns columns{reading.lab.has_value(), xyzOf(run, reading).has_value()};
+    Columns columns{reading.lab.has_value(),
+                    xyzOf(run, reading).has_value(),
+                    {},
+                    differenceOf(run, reading) ? titleOf(run.reference->formula) : ""};
     std::transform(reading.spectrum.begin(), reading.spectrum.end(), std::back_inserter(columns.wavelengths),
                    [](const SPM_REFLECTION& point) { return point.wavelength; });
     std::sort(columns.wavelengths.begin(), columns.wavelengths.end());
@@ -116,6 +129,8 @@ std::string header(const Run& run, const Columns& columns, std::size_t patches) 
     if (!run.conditions.measurement.empty()) text += line("MEASUREMENT_SOURCE", run.conditions.measurement);
     if (columns.lab) text += labLines(run.conditions);
     if (!columns.wavelengths.empty()) text += spectralLines(columns.wavelengths);
+    if (!columns.difference.empty())
+        text += fmt::format("# {}: difference from {}\n", columns.difference, plain(run.reference->file.string()));
     return text + comments(run);
 }
 
@@ -126,6 +141,7 @@ std::string format(const Columns& columns) {
     for (const std::int32_t wavelength : columns.wavelengths) {
         text += fmt::format("\tSPECTRAL_NM{}", wavelength);
     }
+    if (!columns.difference.empty()) text += '\t' + columns.difference;
     return text + '\n';
 }
 
@@ -137,6 +153,7 @@ std::string dataLine(const Run& run, std::size_t place, const Columns& columns) 
     for (const std::int32_t wavelength : columns.wavelengths) {
         text += fmt::format("\t{:.6f}", static_cast<double>(reflectance(reading, wavelength).value()) / 100);
     }
+    if (const auto difference = differenceOf(run, reading)) text += fmt::format("\t{:.4f}", difference->deltaE);
     return text + '\n';
 }
 

@@ -1,4 +1,5 @@
 #include "spm/formats/Formats.h"
+#include "spm/formats/Reference.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -17,16 +18,22 @@ std::string field(const std::string& text) {
     return quoted + '"';
 }
 
-std::string numberAfterComma(float value) {
+std::string numberAfterComma(double value) {
     return fmt::format(",{:.4f}", value);
 }
 
-std::string labFields(const Run& run, const Reading& reading) {
+std::string labFields(const SPM_LAB& lab) {
+    return numberAfterComma(lab.L) + numberAfterComma(lab.a) + numberAfterComma(lab.b);
+}
+
+std::string colourFields(const Run& run, const Reading& reading) {
     if (!reading.lab) return run.withXyz ? ",,,,,," : ",,,";
-    const SPM_LAB& lab = *reading.lab;
     const auto xyz = xyzOf(run, reading);
-    return numberAfterComma(lab.L) + numberAfterComma(lab.a) + numberAfterComma(lab.b) +
-           (xyz ? fmt::format(",{:.4f}", fmt::join(*xyz, ",")) : "");
+    return labFields(*reading.lab) + (xyz ? fmt::format(",{:.4f}", fmt::join(*xyz, ",")) : "");
+}
+
+std::string differenceFields(const std::optional<Difference>& difference) {
+    return difference ? labFields(difference->expected) + numberAfterComma(difference->deltaE) : ",,,,";
 }
 
 } // namespace
@@ -40,6 +47,7 @@ std::string formatCsv(const Run& run) {
     for (const std::int32_t wavelength : columns) {
         text += fmt::format(",nm{}_percent", wavelength);
     }
+    if (run.reference) text += fmt::format(",expected_L*,expected_a*,expected_b*,{}", nameOf(run.reference->formula));
     if (withLab) text += ",illuminant,observer,colorimetry";
     text += ",measurement_condition,simulated,not_measured\n";
 
@@ -50,11 +58,12 @@ std::string formatCsv(const Run& run) {
     const std::string measured = fmt::format(" ({} measured)", coverage(run));
     for (const Reading& reading : run.readings) {
         text += field(reading.name);
-        if (withLab) text += labFields(run, reading);
+        if (withLab) text += colourFields(run, reading);
         for (const std::int32_t wavelength : columns) {
             const std::optional<float> value = reflectance(reading, wavelength);
             text += value ? numberAfterComma(*value) : ",";
         }
+        if (run.reference) text += differenceFields(differenceOf(run, reading));
         text += conditions;
         text += field(reading.isMeasured() ? reading.gap : reasonOf(reading) + measured) + '\n';
     }

@@ -1,9 +1,11 @@
 #include "spm/formats/DeltaE.h"
 
+#include <algorithm>
 #include <cmath>
 #include <numbers>
 
-// Step by step as in Sharma, Wu and Dalal, Color Research and Application 30 (2005), 21-30. Angles are in degrees.
+// CIEDE2000 is calculated step by step as in Sharma, Wu and Dalal, Color Research and Application 30 (2005), 21-30.
+// Angles are in degrees.
 
 namespace spm {
 
@@ -84,7 +86,7 @@ double rotation(double chroma, double hue) {
     return -sine(2 * angle) * 2 * saturation(chroma);
 }
 
-double deltaE(const Colour& sample, const Colour& reference) {
+double ciede2000(const Colour& sample, const Colour& reference) {
     const double lightness = (sample.lightness + reference.lightness) / 2;
     const double chroma = (sample.chroma + reference.chroma) / 2;
     const double hue = meanHue(sample, reference);
@@ -97,11 +99,33 @@ double deltaE(const Colour& sample, const Colour& reference) {
     return std::sqrt(l * l + c * c + h * h + rotation(chroma, hue) * c * h);
 }
 
+double ciede2000(const SPM_LAB& sample, const SPM_LAB& reference) {
+    const double factor = 1 + 0.5 * (1 - saturation((chromaOf(sample) + chromaOf(reference)) / 2));
+    return ciede2000(stretched(sample, factor), stretched(reference, factor));
+}
+
+double cie76(const SPM_LAB& sample, const SPM_LAB& reference) {
+    return static_cast<double>(std::hypot(sample.L - reference.L, sample.a - reference.a, sample.b - reference.b));
+}
+
+double cie94(const SPM_LAB& sample, const SPM_LAB& reference) {
+    const double chroma = chromaOf(reference);
+    const auto l = static_cast<double>(sample.L - reference.L);
+    const double c = chromaOf(sample) - chroma;
+    const double h2 = std::pow(cie76(sample, reference), 2) - l * l - c * c;
+    const double h = std::sqrt(std::max(h2, 0.0)); // rounding must not make it negative
+    return std::hypot(l, c / (1 + 0.045 * chroma), h / (1 + 0.015 * chroma));
+}
+
 } // namespace
 
-double deltaE2000(const SPM_LAB& sample, const SPM_LAB& reference) {
-    const double factor = 1 + 0.5 * (1 - saturation((chromaOf(sample) + chromaOf(reference)) / 2));
-    return deltaE(stretched(sample, factor), stretched(reference, factor));
+const char* nameOf(Formula formula) {
+    return formula == Formula::ciede2000 ? "CIEDE2000" : formula == Formula::cie94 ? "CIE94" : "CIE76";
+}
+
+double deltaE(Formula formula, const SPM_LAB& sample, const SPM_LAB& reference) {
+    if (formula == Formula::ciede2000) return ciede2000(sample, reference);
+    return formula == Formula::cie94 ? cie94(sample, reference) : cie76(sample, reference);
 }
 
 } // namespace spm

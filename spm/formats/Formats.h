@@ -9,7 +9,7 @@
 namespace spm {
 
 // Lines end in '\n', numbers have a decimal point whatever the locale is, and each form tells the run's conditions and
-// whether the values were simulated.
+// whether the values were simulated. With a reference, each has the differences.
 // All throw Error when no patch was measured, or a value is not finite.
 
 /// Comma-separated values with a header line, quoted by RFC 4180, a line for each patch of the chart; the conditions

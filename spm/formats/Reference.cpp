@@ -2,41 +2,65 @@
 
 #include "common/Text.h"
 #include "spm/Error.h"
-#include "spm/formats/DeltaE.h"
 #include "spm/formats/PatchFile.h"
 #include "spm/formats/Table.h"
 
 #include <algorithm>
+#include <charconv>
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 #include <functional>
-#include <iterator>
 #include <numeric>
+#include <regex>
 #include <set>
+#include <sstream>
 #include <string_view>
 
 namespace spm {
 
 namespace {
 
-/// Completes a comparison that has its patches.
-void summarise(Comparison& comparison) {
-    std::vector<PatchDifference>& patches = comparison.patches;
-    std::ranges::stable_sort(patches, std::greater{}, &PatchDifference::deltaE);
-    const std::size_t count = patches.size();
-    const auto add = [](double sum, const PatchDifference& patch) { return sum + patch.deltaE; };
-    comparison.mean = std::accumulate(patches.begin(), patches.end(), 0.0, add) / static_cast<double>(count);
-    const std::size_t rank = (95 * count + 99) / 100; // from 1 for the best
-    comparison.percentile95 = patches[count - rank].deltaE;
-    comparison.maximum = patches.front().deltaE;
+/// From the best to the worst; never empty.
+using Differences = std::vector<double>;
+
+std::vector<Statistic> statisticsOf(const Differences& differences, const Limits& limits) {
+    const std::size_t count = differences.size();
+    const double sum = std::accumulate(differences.begin(), differences.end(), 0.0);
+    const auto percentile = [&](std::size_t percent) { return differences[(percent * count + 99) / 100 - 1]; };
+    std::vector<Statistic> statistics{
+        {"mean", "mean", sum / static_cast<double>(count), {}},
+        {"median", "median", (differences[(count - 1) / 2] + differences[count / 2]) / 2, {}},
+        {"p90", "90th percentile", percentile(90), {}},
+        {"p95", "95th percentile", percentile(95), {}},
+        {"max", "maximum", differences.back(), {}}};
+    for (Statistic& statistic : statistics) {
+        if (limits.contains(statistic.key)) statistic.limit = limits.at(statistic.key);
+    }
+    return statistics;
 }
 
-void append(std::string& text, std::string_view what, const std::vector<std::string>& names) {
-    if (!names.empty())
-        text += fmt::format("{}: \"{}\"\n", what, common::printable(fmt::format("{}", fmt::join(names, "\", \""))));
+std::string listOf(std::string_view what, const std::vector<std::string>& names) {
+    if (names.empty()) return "";
+    return fmt::format("{}: \"{}\"\n", what, common::printable(fmt::format("{}", fmt::join(names, "\", \""))));
 }
 
 } // namespace
+
+Limits parseLimits(const std::string& text) {
+    static const std::regex form("(mean|median|p90|p95|max)=([0-9]{1,9}([.][0-9]{1,9})?)");
+    Limits limits;
+    std::istringstream items(text + ',');
+    std::smatch parts;
+    for (std::string item; std::getline(items, item, ',');) {
+        if (!std::regex_match(item, parts, form) || limits.contains(parts[1])) {
+            throw UsageError(fmt::format("--tolerance: \"{}\" is not a limit", item),
+                             "write each of mean, median, p90, p95 and max at most once, with a number from 0 to "
+                             "999999999, as in mean=2,max=5.5");
+        }
+        std::from_chars(&*parts[2].first, &*parts[2].first + parts[2].length(), limits[parts[1]]);
+    }
+    return limits;
+}
 
 Reference readReference(const std::filesystem::path& file) {
     Reference reference{file, {}};
@@ -46,51 +70,79 @@ Reference readReference(const std::filesystem::path& file) {
     return reference;
 }
 
-Comparison compare(const Run& run, const Reference& reference) {
-    Comparison comparison{reference.file, conditionsHead(run), {}, 0, 0, 0, {}, {}};
+std::optional<Difference> differenceOf(const Run& run, const Reading& reading) {
+    if (run.reference == nullptr || !reading.lab) return std::nullopt;
+    const auto expected = run.reference->patches.find(reading.name);
+    if (expected == run.reference->patches.end()) return std::nullopt;
+    return Difference{expected->second, deltaE(run.reference->formula, *reading.lab, expected->second)};
+}
+
+std::vector<Reading> worstFirst(const Run& run) {
+    std::vector<Reading> readings = run.readings;
+    std::ranges::stable_sort(readings, std::greater{}, [&](const Reading& reading) {
+        const auto difference = differenceOf(run, reading);
+        return difference ? difference->deltaE : -1;
+    });
+    return readings;
+}
+
+std::string Statistic::verdict() const {
+    if (!limit) return "";
+    if (isWithinLimit()) return fmt::format(" (at most {}: passed)", *limit);
+    return fmt::format(" (at most {}: FAILED by {:.2g})", *limit, value - *limit);
+}
+
+std::optional<Comparison> compare(const Run& run) {
+    if (run.reference == nullptr) return std::nullopt;
+    Comparison comparison{};
+    Differences differences;
     std::set<std::string_view> measured;
     for (const Reading& reading : run.readings) {
         if (!reading.lab) continue;
         measured.insert(reading.name);
-        const auto expected = reference.patches.find(reading.name);
-        if (expected == reference.patches.end()) {
-            comparison.notInReference.push_back(reading.name);
+        if (const auto difference = differenceOf(run, reading)) {
+            differences.push_back(difference->deltaE);
         } else {
-            const double deltaE = deltaE2000(*reading.lab, expected->second);
-            comparison.patches.push_back({reading.name, *reading.lab, expected->second, deltaE});
+            comparison.notInReference.push_back(reading.name);
         }
     }
-    for (const auto& [name, lab] : reference.patches) {
+    for (const auto& [name, lab] : run.reference->patches) {
         if (!measured.contains(name)) comparison.notMeasured.push_back(name);
     }
-    if (measured.empty()) {
-        throw Error(fmt::format("no CIELab values were measured to compare with the reference file {}; measure the "
-                                "chart's rows",
-                                reference.file.string()));
-    }
-    if (comparison.patches.empty()) {
-        throw Error(fmt::format("no patch has the name of one in the reference file {}: measured was \"{}\", the "
-                                "reference has \"{}\"; name the patches as the reference does",
-                                reference.file.string(), comparison.notInReference.front(),
-                                comparison.notMeasured.front()));
-    }
-    summarise(comparison);
+    if (differences.empty()) return std::nullopt;
+    std::ranges::sort(differences);
+    comparison.statistics = statisticsOf(differences, run.reference->limits);
+    comparison.patches = differences.size();
+    comparison.isWithinLimits = std::ranges::all_of(comparison.statistics, &Statistic::isWithinLimit);
     return comparison;
 }
 
-std::string formatComparison(const Comparison& comparison) {
-    std::string text = fmt::format("Compared with {}\n{:<24} {:>9} {:>8} {:>8} {:>8}\n", comparison.file.string(),
-                                   comparison.conditions, "CIEDE2000", "dL*", "da*", "db*");
-    for (const PatchDifference& patch : comparison.patches) {
-        text += fmt::format("{:<24.24} {:9.2f} {:+8.2f} {:+8.2f} {:+8.2f}\n", common::printable(patch.name),
-                            patch.deltaE, patch.measured.L - patch.expected.L, patch.measured.a - patch.expected.a,
-                            patch.measured.b - patch.expected.b);
+std::string notCompared(const Comparison& comparison) {
+    return listOf("Not compared, because not in the reference", comparison.notInReference) +
+           listOf("Not compared, because not measured", comparison.notMeasured);
+}
+
+std::string formatComparison(const Run& run) {
+    const std::optional<Comparison> comparison = compare(run);
+    if (!comparison) {
+        return run.reference ? fmt::format("\nNothing to compare with {}.\n", run.reference->file.string()) : "";
     }
-    text += fmt::format("\n{:<24} {:9.2f}\n{:<24} {:9.2f}   (nearest rank)\n{:<24} {:9.2f}\n", "mean", comparison.mean,
-                        "95th percentile", comparison.percentile95, "maximum", comparison.maximum);
-    append(text, "Not compared, because not in the reference", comparison.notInReference);
-    append(text, "Not compared, because not measured", comparison.notMeasured);
-    return text;
+    std::string text = fmt::format("\nCompared with {}\n{:<24} {:>9} {:>8} {:>8} {:>8}\n", run.reference->file.string(),
+                                   conditionsHead(run), nameOf(run.reference->formula), "dL*", "da*", "db*");
+    for (const Reading& reading : worstFirst(run)) {
+        const auto difference = differenceOf(run, reading);
+        if (!difference) break;
+        const auto [L, a, b] = difference->expected;
+        text += fmt::format("{:<24.24} {:9.2f} {:+8.2f} {:+8.2f} {:+8.2f}\n", common::printable(reading.name),
+                            difference->deltaE, reading.lab->L - L, reading.lab->a - a, reading.lab->b - b);
+    }
+    text += '\n';
+    for (const Statistic& statistic : comparison->statistics) {
+        text += fmt::format("{:<24} {:9.2f}{}\n", statistic.name, statistic.value, statistic.verdict());
+    }
+    if (!run.reference->limits.empty())
+        text += fmt::format("{:<24} {:>9}\n", "Tolerance", comparison->isWithinLimits ? "passed" : "FAILED");
+    return text + notCompared(*comparison);
 }
 
 } // namespace spm

@@ -5,6 +5,7 @@
 #include "spm/formats/Report.h"
 
 #include "common/Text.h"
+#include "spm/formats/Reference.h"
 #include "spm/formats/Swatch.h"
 
 #include <algorithm>
@@ -25,6 +26,17 @@ std::string colour(const SPM_LAB& lab) {
     return fmt::format("#{:02x}{:02x}{:02x}", rgb[0], rgb[1], rgb[2]);
 }
 
+/// The patch's colour; beside it the expected one, if there is one.
+std::string fill(const Run& run, const Reading& reading) {
+    const auto difference = differenceOf(run, reading);
+    if (!difference) return colour(*reading.lab);
+    return fmt::format("linear-gradient(90deg, {} 50%, {} 50%)", colour(*reading.lab), colour(difference->expected));
+}
+
+std::string textOf(const SPM_LAB& lab) {
+    return fmt::format("{:.2f} {:.2f} {:.2f}", lab.L, lab.a, lab.b);
+}
+
 list labOf(const Reading& reading) {
     list values;
     for (const auto value : {&SPM_LAB::L, &SPM_LAB::a, &SPM_LAB::b}) {
@@ -33,14 +45,36 @@ list labOf(const Reading& reading) {
     return values;
 }
 
-list patchesOf(const Run& run) {
+list patchesOf(const Run& run, const std::vector<Reading>& readings) {
     list patches;
-    for (const Reading& reading : run.readings) {
-        object patch{{"name", common::printable(reading.name)}, {"lab", labOf(reading)}};
-        if (reading.lab) patch["colour"] = colour(*reading.lab);
+    for (const Reading& reading : readings) {
+        const auto difference = differenceOf(run, reading);
+        object patch{{"name", common::printable(reading.name)},
+                     {"lab", labOf(reading)},
+                     {"deltaE", difference ? fmt::format("{:.2f}", difference->deltaE) : "\u2013"}};
+        if (reading.lab) patch["fill"] = fill(run, reading);
+        if (reading.lab) patch["measured"] = textOf(*reading.lab);
+        if (difference) patch["expected"] = textOf(difference->expected);
         patches.push_back(patch);
     }
     return patches;
+}
+
+object comparisonOf(const Run& run, const Comparison& comparison) {
+    const Reference& reference = *run.reference;
+    list statistics;
+    for (const Statistic& statistic : comparison.statistics) {
+        statistics.push_back(
+            object{{"name", statistic.name}, {"value", fmt::format("{:.2f}{}", statistic.value, statistic.verdict())}});
+    }
+    object section{{"file", common::printable(reference.file.string())},
+                   {"formula", nameOf(reference.formula)},
+                   {"compared", fmt::format("{} of {} patches", comparison.patches, run.readings.size())},
+                   {"statistics", statistics},
+                   {"passed", comparison.isWithinLimits},
+                   {"hasLimits", !reference.limits.empty()}};
+    if (const std::string text = notCompared(comparison); !text.empty()) section["notCompared"] = text;
+    return section;
 }
 
 /// The drawing's coordinates, in its own units; the template has them, too. It shows at least 380 nm to 730 nm and 0 to
@@ -134,8 +168,10 @@ std::string htmlReport(const Run& run) {
                 {"colorimetry", colorimetryOf(run.conditions)},
                 {"measurement", run.conditions.measurement},
                 {"coverage", coverage(run)},
-                {"patches", patchesOf(run)},
-                {"values", hasLab(run)}};
+                {"patches", patchesOf(run, run.readings)},
+                {"values", hasLab(run)},
+                {"rows", patchesOf(run, worstFirst(run))}};
+    if (const auto comparison = compare(run)) page["comparison"] = comparisonOf(run, *comparison);
     for (const Gap& gap : gaps(run)) {
         notMeasured.push_back(object{{"text", describe(gap)}});
     }
@@ -146,7 +182,8 @@ std::string htmlReport(const Run& run) {
         const Axes axes(run.readings);
         page["spectra"] = object{{"percents", axes.percents()},
                                  {"wavelengths", axes.wavelengths()},
-                                 {"curves", curvesOf(run.readings, axes)}};
+                                 {"curves", curvesOf(run.readings, axes)},
+                                 {"many", run.readings.size() > 100}};
     }
     kainjow::mustache::mustache view(reportTemplate);
     return view.render(data(page));

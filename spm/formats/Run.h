@@ -6,12 +6,15 @@
 #include "spm/colour/Colorimetry.h"
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <set>
 #include <string>
 #include <vector>
 
 namespace spm {
+
+struct Reference;
 
 /// A patch of the chart, and what was measured of it.
 struct Reading {
@@ -51,6 +54,8 @@ struct Run {
     bool withXyz = false;
     /// All patches of the chart in their order, measured or not.
     std::vector<Reading> readings;
+    /// What to compare the readings with; null for nothing.
+    std::shared_ptr<const Reference> reference{};
 };
 
 /// @throws Error  when no patch was measured, or a value is not finite

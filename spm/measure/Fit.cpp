@@ -10,7 +10,7 @@ namespace spm {
 
 namespace {
 
-/// Prints of one chart seldom differ by more; other patches mostly do.
+/// In CIEDE2000: prints of one chart seldom differ by more; other patches mostly do.
 constexpr double largestGoodMean = 5;
 
 /// The mean difference if the values are those of a strip; infinite when the reference lacks one of its patches.
@@ -19,7 +19,7 @@ double meanDifference(std::span<const Reading> read, std::span<const Reading> pa
     for (std::size_t i = 0; i < read.size(); ++i) {
         const auto expected = reference.patches.find(patches[i].name);
         if (expected == reference.patches.end() || !read[i].lab) return std::numeric_limits<double>::infinity();
-        sum += deltaE2000(*read[i].lab, expected->second);
+        sum += deltaE(Formula::ciede2000, *read[i].lab, expected->second);
     }
     return sum / static_cast<double>(read.size());
 }
@@ -32,14 +32,15 @@ struct Candidate {
 } // namespace
 
 std::optional<std::string> findBetterFit(std::span<const Reading> read, const Strip& strip,
-                                         const std::vector<Strip>& strips, std::span<const Reading> chart,
-                                         const Reference& reference) {
-    const double mean = meanDifference(read, chart.subspan(strip.first, read.size()), reference);
+                                         const std::vector<Strip>& strips, const Run& chart) {
+    const auto patchesOf = [&](const Strip& one) { return std::span(chart.readings).subspan(one.first, read.size()); };
+    const Reference& reference = *chart.reference;
+    const double mean = meanDifference(read, patchesOf(strip), reference);
     if (mean <= largestGoodMean || mean == std::numeric_limits<double>::infinity()) return std::nullopt;
     const std::vector<Reading> reversed(read.rbegin(), read.rend());
     Candidate best{mean / 2, ""};
     for (const Strip& other : strips) {
-        const std::span<const Reading> patches = chart.subspan(other.first, read.size());
+        const std::span<const Reading> patches = patchesOf(other);
         const double forwards = meanDifference(read, patches, reference);
         const double backwards = meanDifference(reversed, patches, reference);
         if (forwards < best.mean) best = {forwards, other.name};

@@ -5,7 +5,6 @@
 #include "common/Text.h"
 #include "spm/Error.h"
 #include "spm/formats/PatchFile.h"
-#include "spm/formats/Reference.h"
 #include "spm/measure/Interrupt.h"
 #include "spm/measure/OutputFile.h"
 #include "spm/measure/PatchNames.h"
@@ -46,16 +45,18 @@ void requireLab(const MeasureOptions& options) {
 }
 
 /// The expected values, of which some must be of these patches.
-std::optional<Reference> referenceOf(const MeasureOptions& options, const std::vector<std::string>& names) {
-    if (options.reference.empty()) return std::nullopt;
+std::shared_ptr<const Reference> referenceOf(const MeasureOptions& options, const std::vector<std::string>& names) {
+    if (options.reference.empty()) return nullptr;
     Reference reference = readReference(options.reference);
+    reference.formula = options.difference;
+    reference.limits = options.limits;
     const auto isExpected = [&](const std::string& name) { return reference.patches.contains(name); };
     if (std::none_of(names.begin(), names.end(), isExpected)) {
         throw UsageError(fmt::format("no patch has the name of one in the reference file {}: \"{}\" is to be measured, "
                                      "the reference has \"{}\"; name the patches as the reference does",
                                      options.reference.string(), names.front(), reference.patches.begin()->first));
     }
-    return reference;
+    return std::make_shared<const Reference>(std::move(reference));
 }
 
 std::string timeNow() {
@@ -71,11 +72,10 @@ struct Ending {
     std::exception_ptr failure{};
 };
 
-Ending measureAll(const Module& module, const MeasureOptions& options, const Prompter& prompter, RunWriter& writer,
-                  const Reference* reference) {
+Ending measureAll(const Module& module, const MeasureOptions& options, const Prompter& prompter, RunWriter& writer) {
     const InterruptGuard interrupts;
     try {
-        return {Session(module, prompter, writer, options, reference).measure(), ""};
+        return {Session(module, prompter, writer, options).measure(), ""};
     } catch (const Interrupted&) {
         prompter.say("\nEnded; the instrument is closed, and what was read is kept.");
         return {Outcome::incomplete, "the run was interrupted"};
@@ -161,23 +161,27 @@ Outcome measure(const MeasureOptions& wanted) {
         throw UsageError(fmt::format("--first-row is {}, but there are {} rows or spots", options.firstRow,
                                      stripsOf(options).size()));
     }
-    const std::optional<Reference> reference = referenceOf(options, names);
+    std::shared_ptr<const Reference> reference = referenceOf(options, names);
     const Prompter prompter;
     const Module module(options.module);
-    RunWriter writer(options, prompter, begin(module, options, names));
+    Run begun = begin(module, options, names);
+    begun.reference = std::move(reference);
+    RunWriter writer(options, prompter, std::move(begun));
     introduce(prompter, writer.measured(), options);
-    const Ending ending = measureAll(module, options, prompter, writer, reference ? &*reference : nullptr);
+    const Ending ending = measureAll(module, options, prompter, writer);
     try {
         const InterruptGuard interrupts; // what was read is written all the same
         writer.finish(ending.reason);
         sumUp(prompter, writer.measured());
-        if (reference && !ending.failure) writer.show(formatComparison(compare(writer.measured(), *reference)));
+        if (!ending.failure) writer.showComparison();
     } catch (const std::exception& error) {
         if (!ending.failure) throw;
         prompter.say(error.what());
     }
     if (ending.failure) std::rethrow_exception(ending.failure);
-    return gaps(writer.measured()).empty() ? ending.outcome : Outcome::incomplete;
+    if (!gaps(writer.measured()).empty() || ending.outcome != Outcome::complete) return Outcome::incomplete;
+    const std::optional<Comparison> comparison = compare(writer.measured());
+    return !comparison || comparison->isWithinLimits ? Outcome::complete : Outcome::outOfTolerance;
 }
 
 } // namespace spm

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "spm/formats/Run.h"
+#include "spm/formats/Reference.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -40,10 +40,14 @@ struct MeasureOptions {
     bool overwrite = false;
     /// The expected values of the patches; empty for none.
     std::filesystem::path reference;
+    /// How to compare with them, and what is tolerated.
+    Formula difference = Formula::ciede2000;
+    Limits limits;
 };
 
-/// Whether all was measured, or something was left out by the person's wish.
-enum class Outcome { complete, incomplete };
+/// Whether all was measured, or something was left out by the person's wish; of what is complete, whether the
+/// differences from the reference are within the limits. The numbers are exit statuses.
+enum class Outcome { complete = 0, incomplete = 3, outOfTolerance = 4 };
 
 /// Calibrates and measures. What was read is written even when something fails later.
 /// @throws Error  when something fails

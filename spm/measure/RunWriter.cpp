@@ -96,9 +96,11 @@ bool RunWriter::attempt(const std::function<void()>& write, std::string& failure
     return false;
 }
 
-void RunWriter::show(const std::string& text) const {
-    if (format == Format::table) {
-        writeOut('\n' + text);
+void RunWriter::showComparison() const {
+    const std::string text = formatComparison(run);
+    if (text.empty()) return;
+    if (format == Format::table && options.output.empty()) {
+        writeOut(text);
     } else {
         prompter.say(text);
     }
@@ -124,7 +126,7 @@ std::string RunWriter::text() const {
         for (const Quantity quantity : passesOf(options)) {
             tables += table(quantity, run.readings);
         }
-        return tables;
+        return options.output.empty() ? tables : tables + formatComparison(run);
     }
     }
 }

@@ -57,8 +57,9 @@ public:
     /// @throws Error  with all that can't be written
     void finish(const std::string& reason);
 
-    /// Shows a text for people: on standard output where that has no data.
-    void show(const std::string& text) const;
+    /// Shows people the comparison with the reference, if there is one: on standard output below the tables, otherwise
+    /// on standard error.
+    void showComparison() const;
 
 private:
     using Clock = std::chrono::steady_clock;

@@ -49,10 +49,9 @@ std::vector<Strip> stripsOf(const MeasureOptions& options) {
     return all;
 }
 
-Session::Session(const Module& loaded, const Prompter& shown, RunWriter& kept, const MeasureOptions& chosen,
-                 const Reference* expected)
-    : module(loaded), prompter(shown), writer(kept), reference(expected), passes(passesOf(chosen)),
-      strips(stripsOf(chosen)), firstStrip(static_cast<std::size_t>(chosen.firstRow - 1)) {
+Session::Session(const Module& loaded, const Prompter& shown, RunWriter& kept, const MeasureOptions& chosen)
+    : module(loaded), prompter(shown), writer(kept), passes(passesOf(chosen)), strips(stripsOf(chosen)),
+      firstStrip(static_cast<std::size_t>(chosen.firstRow - 1)) {
     progress.all = passes.size() * (strips.size() - firstStrip) * static_cast<std::size_t>(strips.front().count);
 }
 
@@ -158,8 +157,8 @@ std::string Session::findDoubt(std::span<const Reading> read, Quantity quantity,
                            read.size(), count);
     }
     const bool isLabNew = quantity == Quantity::lab || writer.measured().conditions.isCalculated;
-    if (reference == nullptr || !isLabNew) return "";
-    return findBetterFit(read, strip, strips, writer.measured().readings, *reference).value_or("");
+    if (writer.measured().reference == nullptr || !isLabNew) return "";
+    return findBetterFit(read, strip, strips, writer.measured()).value_or("");
 }
 
 /// What to do about a doubt. Without a terminal to ask on, a strip that is only dubious is kept.

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "spm/formats/Reference.h"
 #include "spm/Instrument.h"
 #include "spm/measure/RunWriter.h"
 
@@ -15,9 +14,7 @@ std::vector<Strip> stripsOf(const MeasureOptions& options);
 /// repeated, when there is a terminal to ask on.
 class Session {
 public:
-    /// @param expected  null without a reference
-    Session(const Module& loaded, const Prompter& shown, RunWriter& kept, const MeasureOptions& chosen,
-            const Reference* expected);
+    Session(const Module& loaded, const Prompter& shown, RunWriter& kept, const MeasureOptions& chosen);
 
     /// @throws Error        when something fails that is not to be repeated
     /// @throws Interrupted  when the person ends the measuring
@@ -45,7 +42,6 @@ private:
     const Module& module;
     const Prompter& prompter;
     RunWriter& writer;
-    const Reference* reference;
     const std::vector<Quantity> passes;
     const std::vector<Strip> strips;
     const std::size_t firstStrip;

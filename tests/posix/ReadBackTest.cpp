@@ -28,7 +28,7 @@ TEST(ReadBack, JsonAndReportByPython) {
     const TempFolder folder;
     writeFile(folder / "page.html", spm::htmlReport(simulatedRows()));
     const std::string program = R"(import json, sys, xml.etree.ElementTree as xml
-print(json.load(open(sys.argv[1]))["readings"][1]["name"], xml.parse(sys.argv[2]).find(".//table")[2][1][0].text))";
+print(json.load(open(sys.argv[1]))["readings"][1]["name"], xml.parse(sys.argv[2]).find(".//table")[1][1][0].text))";
     const Output output{folder / "out", folder / "err"};
     run("python3", {"-c", program, SOURCE_FOLDER "/tests/spm/data/rows.json", folder / "page.html"}, output);
     EXPECT_EQ(readText(output.out), "a \"b\", 'c' <&> a \"b\", 'c' <&>\n") << readText(output.err);

@@ -1,8 +1,9 @@
 #include "common/CsvReader.h"
-#include "spm/formats/DeltaE.h"
+#include "spm/Error.h"
 #include "spm/formats/Reference.h"
 #include "tests/support/Support.h"
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 namespace {
@@ -16,7 +17,15 @@ spm::Run greys(const std::vector<std::pair<std::string, float>>& lightnesses) {
     return run;
 }
 
-const spm::Reference reference{"chart.csv", {{"A1", {50, 0, 0}}}};
+std::string statisticsOf(spm::Run run) {
+    run.reference.reset(new spm::Reference{"chart.csv", {{"A1", {50, 0, 0}}}, spm::Formula::cie76});
+    std::string text;
+    const spm::Comparison comparison = spm::compare(run).value();
+    for (const spm::Statistic& statistic : comparison.statistics) {
+        text += fmt::format("{} {} ", statistic.key, statistic.value);
+    }
+    return text;
+}
 
 } // namespace
 
@@ -32,10 +41,25 @@ TEST(DeltaE, IsThatOfThePublishedPairs) {
         const SPM_LAB one{number(0), number(1), number(2)};
         const SPM_LAB other{number(3), number(4), number(5)};
         const double deltaE = std::stod((*pair)[6]);
-        EXPECT_NEAR(spm::deltaE2000(one, other), deltaE, 1e-4) << "pair " << pairs;
-        EXPECT_NEAR(spm::deltaE2000(other, one), deltaE, 1e-4) << "pair " << pairs << " reversed";
+        EXPECT_NEAR(spm::deltaE(spm::Formula::ciede2000, one, other), deltaE, 1e-4) << "pair " << pairs;
+        EXPECT_NEAR(spm::deltaE(spm::Formula::ciede2000, other, one), deltaE, 1e-4) << "pair " << pairs << " reversed";
     }
     EXPECT_EQ(pairs, 34);
+}
+
+// The examples in the documentation of the Python libraries Colour and (the last) python-colormath, with the weights
+// for graphic arts.
+TEST(DeltaE, IsThatOfThePublishedExamples) {
+    const SPM_LAB reference{100, 21.57210357F, 272.22819350F};
+    const std::vector<std::tuple<SPM_LAB, double, double>> cases{
+        {{100, 426.67945353F, 72.39590835F}, 83.779225, 451.713302},
+        {{100, 74.05216981F, 276.45318193F}, 10.053932, 52.649861},
+        {{100, 8.32281957F, -73.58297716F}, 57.535454, 346.064892}};
+    for (const auto& [sample, cie94, cie76] : cases) {
+        EXPECT_NEAR(spm::deltaE(spm::Formula::cie94, sample, reference), cie94, 1e-4);
+        EXPECT_NEAR(spm::deltaE(spm::Formula::cie76, sample, reference), cie76, 1e-4);
+    }
+    EXPECT_NEAR(spm::deltaE(spm::Formula::cie94, {0.7F, 14.2F, -1.8F}, {0.9F, 16.3F, -2.22F}), 1.249293, 1e-4);
 }
 
 TEST(Comparison, MatchesByNameAndSumsUp) {
@@ -50,26 +74,39 @@ TEST(Comparison, MatchesByNameAndSumsUp) {
     spm::Run run = greys({{"B1", 50}, {"white (.05\")", 50}, {"red, \"signal\"", 52}});
     run.simulation = "simulated";
     run.readings.push_back({"A2", std::nullopt, {{380, 5}}});
-    EXPECT_EQ(spm::formatComparison(spm::compare(run, spm::readReference(file))),
-              "Compared with " + file.string() +
-                  "\n"
-                  "D65/10 degree, simulated CIEDE2000      dL*      da*      db*\n"
-                  "red, \"signal\"                 1.99    +2.00    +0.00    +0.00\n"
-                  "white (.05\")                  0.78    +0.00    +0.50    -0.25\n"
-                  "\n"
-                  "mean                          1.39\n"
-                  "95th percentile               1.99   (nearest rank)\n"
-                  "maximum                       1.99\n"
-                  "Not compared, because not in the reference: \"B1\"\n"
-                  "Not compared, because not measured: \"\", \"A2\"\n");
+    spm::Reference reference = spm::readReference(file);
+    reference.limits = spm::parseLimits("mean=1.5,p95=1.9");
+    run.reference = std::make_shared<const spm::Reference>(reference);
+    EXPECT_EQ(spm::formatComparison(run), "\nCompared with " + file.string() +
+                                              "\n"
+                                              "D65/10 degree, simulated CIEDE2000      dL*      da*      db*\n"
+                                              "red, \"signal\"                 1.99    +2.00    +0.00    +0.00\n"
+                                              "white (.05\")                  0.78    +0.00    +0.50    -0.25\n"
+                                              "\n"
+                                              "mean                          1.39 (at most 1.5: passed)\n"
+                                              "median                        1.39\n"
+                                              "90th percentile               1.99\n"
+                                              "95th percentile               1.99 (at most 1.9: FAILED by 0.093)\n"
+                                              "maximum                       1.99\n"
+                                              "Tolerance                   FAILED\n"
+                                              "Not compared, because not in the reference: \"B1\"\n"
+                                              "Not compared, because not measured: \"\", \"A2\"\n");
 }
 
-TEST(Comparison, TakesThe95thPercentileByNearestRank) {
-    std::vector<std::pair<std::string, float>> patches(18, {"A1", 50});
-    patches.emplace_back("A1", 60);
-    const spm::Comparison of19 = spm::compare(greys(patches), reference);
-    EXPECT_EQ(of19.percentile95, of19.maximum);
+TEST(Comparison, SumsUpByMedianAndNearestRank) {
+    std::vector<std::pair<std::string, float>> patches;
+    for (const int difference : {19, 1, 18, 2, 17, 3, 16, 4, 15, 5, 14, 6, 13, 7, 12, 8, 11, 9, 10}) {
+        patches.emplace_back("A1", static_cast<float>(50 - difference));
+    }
+    EXPECT_EQ(statisticsOf(greys(patches)), "mean 10 median 10 p90 18 p95 19 max 19 ");
     patches.emplace_back("A1", 70);
-    const spm::Comparison of20 = spm::compare(greys(patches), reference);
-    EXPECT_EQ(of20.percentile95, of19.maximum) << "the second worst";
+    EXPECT_EQ(statisticsOf(greys(patches)), "mean 10.5 median 10.5 p90 18 p95 19 max 20 ");
+}
+
+TEST(Comparison, TakesLimitsOrSaysWhatIsAllowed) {
+    EXPECT_EQ(spm::parseLimits("p90=3.5,max=0"), (spm::Limits{{"max", 0}, {"p90", 3.5}}));
+    for (const char* const text : {"", "mean", "mean=", "mean=2,", "p99=2", "max=-1", "max=nan", "max=1e999", "max=2x",
+                                   "mean=2,mean=3", "mean=2;max=5"}) {
+        EXPECT_THROW(spm::parseLimits(text), spm::UsageError) << text;
+    }
 }

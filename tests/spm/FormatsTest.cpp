@@ -11,6 +11,7 @@
 
 #include <gtest/gtest.h>
 #include <limits>
+#include <regex>
 
 namespace {
 
@@ -65,6 +66,33 @@ TEST(Formats, HaveXyzBesideCielab) {
     EXPECT_TRUE(contains(tables(run), "  -20.00  19.70  18.42  24.70\n")) << tables(run);
 }
 
+TEST(Formats, HaveTheComparison) {
+    const spm::Run run = comparedSpots();
+    const std::string json = std::regex_replace(spm::formatJson(run), std::regex("\\s+"), "");
+    const std::string page = body(run);
+    const std::vector<std::pair<std::string, std::string>> cases{
+        {spm::formatCsv(run), "name,L*,a*,b*,expected_L*,expected_a*,expected_b*,CIE76,illuminant"},
+        {spm::formatCsv(run), "\nb,90.0000,0.0000,0.0000,,,,,D65,"},
+        {spm::formatCsv(run), "\na,50.0000,3.0000,0.0000,50.0000,0.0000,4.0000,5.0000,D65,"},
+        {json, R"("comparison":{"reference":"r.csv","formula":"CIE76","patches":1,"mean":5.0,"median":5.0,"p90":5.0,)"
+               R"("p95":5.0,"max":5.0,"limits":{"max":4.0,"mean":5.5},"passed":false,"notInReference":["b"],)"
+               R"("notMeasured":["c"]})"},
+        {json, R"("expected":{"L":50.0,"a":0.0,"b":4.0},"difference":5.0})"},
+        {spm::formatCgats(run), "FIELDS\t6\nBEGIN_DATA_FORMAT\nSAMPLE_ID\tSAMPLE_NAME\tLAB_L\tLAB_A\tLAB_B\tLAB_DE\n"},
+        {spm::formatCgats(run), "\n2\t\"a\"\t50.0000\t3.0000\t0.0000\t5.0000\n"},
+        {spm::formatCgats(run), "\n1\t\"b\"\t90.0000\t0.0000\t0.0000\n"},
+        {page, "<p class=\"verdict failed\"><strong>Tolerance: FAILED<"},
+        {page, "<dt>mean</dt><dd>5.00 (at most 5.5: passed)<"},
+        {page, "<dt>maximum</dt><dd>5.00 (at most 4: FAILED by 1)<"},
+        {page, "Not compared, because not in the reference: &quot;b&quot;"},
+        {page, "<li title=\"a: 50.00 3.00 0.00, expected 50.00 0.00 4.00, difference 5.00\"><i style=\"background: "
+               "linear-gradient(90deg, #7c7577 50%, #7a7770 50%)\">"},
+        {page, "<td>0.00</td><td>5.00</td></tr>\n<tr><th scope=\"row\">b</th>"}};
+    for (const auto& [text, part] : cases) {
+        EXPECT_TRUE(contains(text, part)) << part << '\n' << text;
+    }
+}
+
 TEST(Formats, ReplaceBytesThatAreNotUtf8InJson) {
     EXPECT_TRUE(contains(spm::formatJson(measuredSpots()), "\"name\": \"gr\uFFFDn\""));
 }
@@ -99,7 +127,7 @@ TEST(Report, LeavesOutWhatWasNotMeasured) {
     const std::string page = body(measuredSpots());
     EXPECT_TRUE(page.starts_with("<title>Measurement 2026-")) << page;
     EXPECT_TRUE(contains(page, "<h1>Measurement</h1>\n<dl>")) << page;
-    EXPECT_TRUE(contains(page, "<ol>\n<li>")) << page;
+    EXPECT_TRUE(contains(page, "<ol>\n<li title")) << page;
     EXPECT_TRUE(contains(page, "</ol>\n<h2>Spectra</h2>")) << page;
     EXPECT_TRUE(contains(page, "points=\"56.0,352.0 106.0,352.0 116.0,332.2 126.0,332.0 136.0,272.0 146.0,212.0 "
                                "616.0,32.0\""))

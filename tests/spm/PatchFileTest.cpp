@@ -36,7 +36,7 @@ TEST(PatchFile, ReadsWhatIsWritten) {
         {".csv", spm::formatCsv}, {".json", spm::formatJson}, {".cgats", spm::formatCgats}};
     const TempFolder folder;
     for (const auto& [extension, format] : formats) {
-        for (spm::Run sample : {simulatedRows(), measuredSpots()}) {
+        for (spm::Run sample : {simulatedRows(), measuredSpots(), comparedSpots()}) {
             std::erase_if(sample.readings, [](const spm::Reading& reading) { return !reading.isMeasured(); });
             std::ranges::for_each(sample.readings, [](spm::Reading& reading) { reading.gap.clear(); });
             const std::string text = format(sample);

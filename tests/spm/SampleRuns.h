@@ -1,6 +1,6 @@
 #pragma once
 
-#include "spm/formats/Run.h"
+#include "spm/formats/Reference.h"
 
 /// Rows on a simulated instrument: values of all kinds, patches with only some of them or none, and names that could
 /// break a form.
@@ -30,4 +30,13 @@ inline spm::Run measuredSpots() {
             .readings = {{"gr\xFCn",
                           std::nullopt,
                           {{330, -5}, {380, 0}, {390, 12.4F}, {400, 12.5F}, {410, 50}, {420, 87.5F}, {890, 1e6F}}}}};
+}
+
+/// Patches on an instrument of which one is expected, and one is not.
+inline spm::Run comparedSpots() {
+    spm::Run run;
+    run.readings = {{"b", SPM_LAB{90, 0, 0}, {}}, {"a", SPM_LAB{50, 3, 0}, {}}};
+    run.reference.reset(new spm::Reference{
+        "r.csv", {{"a", {50, 0, 4}}, {"c", {1, 2, 3}}}, spm::Formula::cie76, {{"max", 4}, {"mean", 5.5}}});
+    return run;
 }

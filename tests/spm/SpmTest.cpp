@@ -139,11 +139,29 @@ TEST_F(Spm, TakesItsOwnValuesAsChartAndReference) {
     EXPECT_TRUE(contains(output(), " b*\na, \"b\" ")) << output();
     EXPECT_TRUE(contains(output(), "\n\nCompared with ")) << output();
     EXPECT_TRUE(contains(output(), "\nmaximum                       0.00\n")) << output();
-    ASSERT_EQ(measure({"--spots", "2", "--chart", values, "--format", "json", "--reference", values}), 0) << errors();
+    const Texts within{"--spots", "2",           "--chart", values,        "--format",
+                       "json",    "--reference", values,    "--tolerance", "max=0.1"};
+    ASSERT_EQ(measure(within), 0) << errors();
     EXPECT_TRUE(contains(output(), "\"patchesInRow\": 0,")) << output();
-    EXPECT_TRUE(output().ends_with("]\n}\n")) << "the comparison stands apart from the data";
-    EXPECT_TRUE(contains(errors(), "\nmaximum                       0.00\n")) << errors();
+    EXPECT_TRUE(contains(output(), "\"passed\": true,") && output().ends_with("]\n}\n")) << output();
+    EXPECT_TRUE(contains(errors(), "\nmaximum                       0.00 (at most 0.1: passed)\n")) << errors();
     EXPECT_FALSE(contains(errors(), "measured twice")) << errors();
+}
+
+TEST_F(Spm, ComparesWithinATolerance) {
+    writeFile(file("expected.csv"), "name,L*,a*,b*\npatch 1,40,13.9,14.7\npatch 3,51.6,-3.8,-20.2\n");
+    const std::string txt = file("run.txt");
+    const auto compare = [&](Texts more) {
+        more.insert(more.end(), {"--patches", "2", "--reference", file("expected.csv"), "--overwrite"});
+        return measure(more);
+    };
+    EXPECT_EQ(compare({"--difference", "76", "--tolerance", "mean=1.7,max=3.3"}), 0) << output();
+    EXPECT_TRUE(contains(output(), "\nTolerance                   passed\n")) << output();
+    EXPECT_EQ(compare({"--difference", "76", "--tolerance", "max=3.1", "--format", "table", "--output", txt}), 4);
+    for (const std::string& text : {errors(), readText(txt)}) {
+        EXPECT_TRUE(contains(text, "\nTolerance                   FAILED\n")) << text;
+    }
+    EXPECT_EQ(compare({"--tolerance", "max=0", "--first-row", "2"}), 3) << "what is incomplete comes first";
 }
 
 TEST_F(Spm, SaysWhatFailedAndWithWhat) {
@@ -190,6 +208,12 @@ TEST_F(Spm, SaysWhatFailedAndWithWhat) {
         {{"--xyz", "--spectra"}, 2, "which are not measured; add --lab"},
         {{"--illuminant", "F11"}, 2, "--illuminant"},
         {{"--observer", "3"}, 2, "--observer"},
+        {{"--tolerance", "mean=2"}, 2, "--tolerance requires --reference"},
+        {{"--difference", "94"}, 2, "--difference requires --reference"},
+        {{"--reference", chart, "--difference", "00"}, 2, "--difference: 00 not in {2000,76,94}"},
+        {{"--reference", chart, "--tolerance", "p99=2"},
+         2,
+         "\"p99=2\" is not a limit; write each of mean, median, p90, "},
         {row, 1, "the instrument could not be opened: lamp\nErrorNumber: 9\n", lampFails("OpenDevice")},
         {row, 1, "no instrument was found; connect one by USB and try again\n", R"({"function": "I1PRO3_GetDevices"})"},
         {row, 1, "calibrating failed: lamp\nErrorNumber: 9\n", lampFails("Calibrate")},

@@ -22,8 +22,8 @@ MITIGATIONS = ["IMAGE_DLLCHARACTERISTICS_DYNAMIC_BASE", "IMAGE_DLLCHARACTERISTIC
 HEADERS = ["IScmSPM.h", "SPM.h", "cap/CAPException.h", "cap/CAPLoggingHandler.h", "cap/ICAPLoggingListener.h",
            "cap/ICAPLoggingMessage.h", "cap/ICAPLoggingSource.h"]
 PACKAGE = ["spm_i1pro3-config-version.cmake", "spm_i1pro3-config.cmake"]
-ARCHIVE = ["README.md", "bin/spm.exe", "bin/spm_i1pro3.dll", "docs/host-guide.md", "docs/simulator.md", "docs/spm.md",
-           *(f"include/spm_i1pro3/{name}" for name in HEADERS),
+ARCHIVE = ["README.md", "bin/spm.exe", "bin/spm_i1pro3.dll", "docs/host-guide.md", "docs/report.png",
+           "docs/simulator.md", "docs/spm.md", *(f"include/spm_i1pro3/{name}" for name in HEADERS),
            *(f"lib/cmake/spm_i1pro3/{name}" for name in PACKAGE), "lib/libspm_i1pro3.dll.a", "licenses/CLI11.txt",
            "licenses/GPL-3.txt", "licenses/Mustache.txt", "licenses/fmt.txt", "licenses/gcc.txt",
            "licenses/mingw-w64.txt", "licenses/nlohmann-json.txt", "recorder/i1Pro364.dll", "simulator/i1Pro364.dll",
