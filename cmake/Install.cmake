@@ -1,7 +1,7 @@
 # The reference of the public headers, made by doxygen.
 set(PUBLIC_HEADERS module/SPM.h module/IScmSPM.h cap/CAPException.h cap/CAPLoggingHandler.h cap/ICAPLoggingListener.h
     cap/ICAPLoggingMessage.h cap/ICAPLoggingSource.h)
-list(TRANSFORM PUBLIC_HEADERS PREPEND ${PROJECT_SOURCE_DIR}/)
+list(TRANSFORM PUBLIC_HEADERS REPLACE "(.+)" "\"${PROJECT_SOURCE_DIR}/\\1\"")
 list(JOIN PUBLIC_HEADERS " " PUBLIC_HEADERS)
 configure_file(docs/Doxyfile.in Doxyfile @ONLY)
 

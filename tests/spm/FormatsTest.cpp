@@ -45,7 +45,7 @@ TEST(Formats, MatchTheirGoldenFiles) {
     const std::string folder = SOURCE_FOLDER "/tests/spm/data/";
     for (const auto& [extension, format] : formats) {
         EXPECT_EQ(format(simulatedRows()), readFile(folder + "rows" + extension));
-        if (format == body || format == spm::formatJson) continue; // the spots' differ too little
+        if (format != spm::formatCsv && format != tables) continue; // the spots' differ too little
         EXPECT_EQ(format(measuredSpots()), readFile(folder + "spots" + extension));
     }
 }
