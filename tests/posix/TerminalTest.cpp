@@ -9,10 +9,12 @@
 #include <csignal>
 #include <gtest/gtest.h>
 #include <iterator>
+#include <poll.h>
 #include <pty.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <utility>
+#include <utmp.h>
 
 namespace {
 
@@ -29,8 +31,11 @@ public:
         std::vector<char*> arguments;
         std::ranges::transform(words, std::back_inserter(arguments), [](std::string& word) { return word.data(); });
         arguments.push_back(nullptr);
-        process = forkpty(&terminal, nullptr, nullptr, nullptr);
+        openpty(&terminal, &programsSide, nullptr, nullptr, nullptr);
+        process = fork();
         if (process == 0) {
+            close(terminal);
+            login_tty(programsSide);
             alarm(30);               // ends a spm that hangs, and so the test's wait for it
             signal(SIGINT, SIG_DFL); // a shell's background jobs ignore it
             signal(SIGHUP, SIG_DFL);
@@ -40,12 +45,15 @@ public:
     }
     Spm(const Spm&) = delete;
     Spm& operator=(const Spm&) = delete;
-    ~Spm() { close(terminal); }
+    ~Spm() {
+        close(terminal);
+        close(programsSide);
+    }
 
     /// Waits until a text is shown, behind what was waited for before.
     bool shows(const std::string& text) {
         while (shown.find(text, seen) == std::string::npos) {
-            if (!readMore()) return false;
+            if (!readMore(30'000)) return false;
         }
         seen = shown.find(text, seen) + text.size();
         return true;
@@ -64,25 +72,31 @@ public:
 
     /// The exit status; -1 when it was killed.
     int end() {
-        while (readMore()) {
-        }
         int status = 0;
-        waitpid(process, &status, 0);
+        while (waitpid(process, &status, WNOHANG) == 0) {
+            readMore(20);
+        }
+        while (readMore(0)) {
+        }
         return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     }
 
     std::string shown;
 
 private:
-    /// @return false when nothing more comes
-    bool readMore() {
+    /// @return false when nothing comes in so many milliseconds
+    bool readMore(int milliseconds) {
         std::array<char, 4096> part{};
+        pollfd output{terminal, POLLIN, 0};
+        if (poll(&output, 1, milliseconds) <= 0) return false;
         const ssize_t length = read(terminal, part.data(), part.size());
         if (length > 0) shown.append(part.data(), static_cast<std::size_t>(length));
         return length > 0;
     }
 
     int terminal = -1;
+    /// Kept open: what a terminal has not passed on yet is lost when nobody holds this side any more.
+    int programsSide = -1;
     pid_t process = -1;
     std::size_t seen = 0;
 };
