@@ -1,13 +1,14 @@
 # The target "lint": formatting of all sources, and static analysis of those that this system is built from, each again
-# only when it or a header changed. Of what other builds have, benchmarks and examples, the formatting alone. On Windows just what is built there alone: the rest is the native build's.
+# only when it or a header changed. Of what other builds have, benchmarks and examples, the formatting alone. On Windows
+# just what is built there alone: the rest is the native build's.
 find_program(CLANG_FORMAT clang-format)
 find_program(CLANG_TIDY clang-tidy)
 if(NOT CLANG_FORMAT OR NOT CLANG_TIDY)
     return()
 endif()
 
-set(folders cap common i1pro3 module platform platform/posix platform/windows simulator spm spm/doctor spm/formats spm/measure tests tests/boundary tests/posix
-    tests/spm tests/support tests/unit tests/windows)
+set(folders cap common i1pro3 module platform platform/posix platform/windows simulator spm spm/colour spm/doctor
+    spm/formats spm/measure tests tests/boundary tests/posix tests/spm tests/support tests/unit tests/windows)
 list(TRANSFORM folders PREPEND ${PROJECT_SOURCE_DIR}/)
 list(TRANSFORM folders APPEND /*.c OUTPUT_VARIABLE c_sources)
 list(TRANSFORM folders APPEND /*.cpp OUTPUT_VARIABLE cpp_sources)
