@@ -184,11 +184,12 @@ class Layers(unittest.TestCase):
         "cap": "cap/|platform/",
         "module": "module/|cap/|platform/|SPM.h|version.h",
         "i1pro3": "i1pro3/|module/|cap/|platform/ForeignCall.h",
+        "listener": "listener/|module/IScmSPM.h|platform/ForeignCall.h|SPM.h",
         "common": "common/|platform/win32.h",
         "simulator": "simulator/|common/|i1pro3/I1PRO3_SDK.h|version.h",
         "spm": "spm/|common/|module/SPM.h|module/IScmSPM.h|module/SPMRegistry.h|cap/CAPFileVersionInfo.h",
     }
-    of_the_module = ("platform", "cap", "module", "i1pro3")
+    of_the_module = ("platform", "cap", "module", "i1pro3", "listener")
 
     @staticmethod
     def includes(folder):
