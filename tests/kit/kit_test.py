@@ -136,10 +136,9 @@ class Kit(unittest.TestCase):
             path = self.succeed("pkg-config", f"--variable={variable}", "spm_i1pro3", env=environment).strip()
             self.assertEqual(Path(path.replace("\\", "")).resolve(), (self.prefix / MODULES / library).resolve())
         flags = self.succeed("pkg-config", "--cflags", "spm_i1pro3", env=environment).strip()
-        for header, language, standard in (("IScmSPM.h", "c++", "c++17"), ("SPM_listener.h", "c++", "c++11"),
-                                           ("SPM_listener.h", "c", "c11")):
-            self.succeed("sh", "-c", f"echo '#include <{header}>' | "
-                                     f"c++ -std={standard} {STRICT} {flags} -fsyntax-only -x {language} -")
+        for include, standard in (("<IScmSPM.h>", "c++17"), ("<SPM_listener.h>", "c++11"), ("<SPM_listener.h>", "c11")):
+            compiler = f"c++ -std={standard} {STRICT} {flags} -fsyntax-only -x {standard[:-2]} -"
+            self.succeed("sh", "-c", f"echo '#include {include}' | {compiler}")
 
     def test_spm_finds_the_installed_module(self):
         spm = [*WINE, self.prefix / f"bin/spm{PROGRAM}", "doctor"]
