@@ -40,7 +40,8 @@ std::int32_t deliver(const Delivery* delivery) {
 } // namespace
 
 void SPM_SUBSCRIPTION::HandleMessage(ICAPLoggingSource* /*source*/, const ICAPLoggingMessage& message) {
-    if (message.GetLevel() < CAPLevel::error || message.GetLevel() > CAPLevel::information) return;
+    // Debug detail, like the levels above information, which the module sends to no listener.
+    if (message.GetLevel() < CAPLevel::error) return;
     try {
         const Delivery delivery{*this, message, message.GetText(), message.GetDetail()};
         callForeign(deliver, &delivery);
