@@ -1,13 +1,13 @@
 # The reference of the public headers, made by doxygen.
-set(PUBLIC_HEADERS module/SPM.h module/IScmSPM.h cap/CAPException.h cap/CAPLoggingHandler.h cap/ICAPLoggingListener.h
-    cap/ICAPLoggingMessage.h cap/ICAPLoggingSource.h)
+set(PUBLIC_HEADERS module/SPM.h module/IScmSPM.h listener/SPM_listener.h cap/CAPException.h cap/CAPLoggingHandler.h
+    cap/ICAPLoggingListener.h cap/ICAPLoggingMessage.h cap/ICAPLoggingSource.h)
 list(TRANSFORM PUBLIC_HEADERS REPLACE "(.+)" "\"${PROJECT_SOURCE_DIR}/\\1\"")
 list(JOIN PUBLIC_HEADERS " " PUBLIC_HEADERS)
 configure_file(docs/Doxyfile.in Doxyfile @ONLY)
 
 # What is installed, in two components. "kit" has all that a host's developer needs; "simulator" has the simulated SDK
-# library with a copy of the module beside it, ready to be loaded, and the recorder. They have folders of their own:
-# beside the module that measures they could be taken for the vendor's library.
+# library with copies of the module and the listener library beside it, ready to be loaded, and the recorder. They have
+# folders of their own: beside the module that measures they could be taken for the vendor's library.
 include(CMakePackageConfigHelpers)
 
 set(header_dir ${CMAKE_INSTALL_INCLUDEDIR}/${PROJECT_NAME})
@@ -28,12 +28,12 @@ else()
     install(FILES ${PROJECT_BINARY_DIR}/spm_i1pro3.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT kit)
 endif()
 
-install(TARGETS spm_i1pro3 COMPONENT kit
+install(TARGETS spm_i1pro3 spm_i1pro3_listener COMPONENT kit
     RUNTIME DESTINATION ${SPM_MODULE_FOLDER}
     LIBRARY DESTINATION ${SPM_MODULE_FOLDER}
     ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(TARGETS spm RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT kit)
-install(FILES module/SPM.h module/IScmSPM.h DESTINATION ${header_dir} COMPONENT kit)
+install(FILES module/SPM.h module/IScmSPM.h listener/SPM_listener.h DESTINATION ${header_dir} COMPONENT kit)
 install(DIRECTORY cap DESTINATION ${header_dir} COMPONENT kit FILES_MATCHING
     PATTERN CAPException.h
     PATTERN CAPLoggingHandler.h
@@ -54,7 +54,8 @@ foreach(kind RUNTIME LIBRARY)
 endforeach()
 install(TARGETS i1Pro364 COMPONENT simulator ${simulator_files})
 install(TARGETS recorder COMPONENT simulator ${recorder_files})
-install(PROGRAMS $<TARGET_FILE:spm_i1pro3> DESTINATION ${simulator_dir} COMPONENT simulator)
+install(PROGRAMS $<TARGET_FILE:spm_i1pro3> $<TARGET_FILE:spm_i1pro3_listener> DESTINATION ${simulator_dir}
+    COMPONENT simulator)
 install(FILES docs/simulator.md DESTINATION ${doc_dir} COMPONENT simulator)
 install(DIRECTORY examples/simulator DESTINATION ${examples_dir} COMPONENT simulator)
 

@@ -7,7 +7,7 @@ if(NOT CLANG_FORMAT OR NOT CLANG_TIDY)
     return()
 endif()
 
-set(folders cap common i1pro3 module platform platform/posix platform/windows simulator spm spm/colour spm/doctor
+set(folders cap common i1pro3 listener module platform platform/posix platform/windows simulator spm spm/colour spm/doctor
     spm/formats spm/measure tests tests/boundary tests/posix tests/spm tests/support tests/unit tests/windows)
 list(TRANSFORM folders PREPEND ${PROJECT_SOURCE_DIR}/)
 list(TRANSFORM folders APPEND /*.c OUTPUT_VARIABLE c_sources)

@@ -17,7 +17,9 @@
  *   usable. Why SPM_open, SPM_calibrate, SPM_read, SPM_readSpectrum or SPM_destroy failed is logged, with the
  *   instrument's own error text. Without a message stay: that no instrument was found, that an earlier connection could
  *   not be closed, and the failures of the other functions.
- *   - A C++ host attaches an ICAPLoggingListener through the interface that the handle points to (IScmSPM.h).
+ *   - A host in any language attaches a callback with the library spm_i1pro3_listener (SPM_listener.h).
+ *   - A C++ host of the module's compiler can attach an ICAPLoggingListener through the interface behind the
+ *     handle (IScmSPM.h).
  *   - With the setting "Logging" (a REG_DWORD that is not 0 in the registry key
  *     `HKEY_LOCAL_MACHINE\SOFTWARE\Kestrova\SPM`, read by SPM_create), an object appends to the file with the module's
  *     name and the extension ".log" beside the module. Messages reach it only while a listener is attached, so that of

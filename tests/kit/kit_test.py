@@ -17,6 +17,7 @@ IS_WINDOWS = (BUILD / "bin/spm.exe").exists()
 WINE = [PROJECT / "cmake/run-in-wine"] if IS_WINDOWS else []
 PROGRAM = ".exe" if IS_WINDOWS else ""
 LIBRARY = "spm_i1pro3.dll" if IS_WINDOWS else "spm_i1pro3.so"
+LISTENER = LIBRARY.replace(".", "_listener.")
 SDK = "i1Pro364.dll" if IS_WINDOWS else "libi1Pro364.so"
 MODULES = "bin" if IS_WINDOWS else "lib/spm_i1pro3"
 SIMULATOR = "simulator" if IS_WINDOWS else "lib/spm_i1pro3/simulator"
@@ -33,7 +34,7 @@ cmake_minimum_required(VERSION 3.25)
 project(guide LANGUAGES C CXX)
 find_package(spm_i1pro3 REQUIRED COMPONENTS simulator)
 add_executable(guide guide.c)
-target_link_libraries(guide PRIVATE spm_i1pro3::simulated)
+target_link_libraries(guide PRIVATE spm_i1pro3::simulated spm_i1pro3::simulated_listener)
 add_library(pieces OBJECT pieces.cpp)
 target_link_libraries(pieces PRIVATE spm_i1pro3::headers)
 """
@@ -123,14 +124,21 @@ class Kit(unittest.TestCase):
             program = build / "guide"
         output = self.succeed(*WINE, program).splitlines()
         self.assertEqual([line.split()[0] for line in output], ["Place", "L*", "380"])
+        for script, reason in ((LAMP, "row.*: lamp\nErrorNumber: 7"), ('{"instruments": []}', "no instrument")):
+            failed = self.run_with(script, *WINE, program)
+            self.assertEqual(failed.returncode, 1)
+            self.assertRegex(failed.stdout, reason)
 
     @unittest.skipIf(IS_WINDOWS, "there is no pkg-config for Windows here")
     def test_pkg_config(self):
         environment = os.environ | {"PKG_CONFIG_PATH": str(self.prefix / "lib/pkgconfig")}
-        module = self.succeed("pkg-config", "--variable=module", "spm_i1pro3", env=environment).strip()
-        self.assertEqual(Path(module.replace("\\", "")).resolve(), (self.prefix / MODULES / LIBRARY).resolve())
+        for variable, library in (("module", LIBRARY), ("listener", LISTENER)):
+            path = self.succeed("pkg-config", f"--variable={variable}", "spm_i1pro3", env=environment).strip()
+            self.assertEqual(Path(path.replace("\\", "")).resolve(), (self.prefix / MODULES / library).resolve())
         flags = self.succeed("pkg-config", "--cflags", "spm_i1pro3", env=environment).strip()
-        self.succeed("sh", "-c", f"echo '#include <IScmSPM.h>' | c++ -std=c++17 {flags} -fsyntax-only -x c++ -")
+        for include, standard in (("<IScmSPM.h>", "c++17"), ("<SPM_listener.h>", "c++11"), ("<SPM_listener.h>", "c11")):
+            compiler = f"c++ -std={standard} {STRICT} {flags} -fsyntax-only -x {standard[:-2]} -"
+            self.succeed("sh", "-c", f"echo '#include {include}' | {compiler}")
 
     def test_spm_finds_the_installed_module(self):
         spm = [*WINE, self.prefix / f"bin/spm{PROGRAM}", "doctor"]
@@ -170,10 +178,11 @@ class Binary(unittest.TestCase):
         self.assertEqual((result.returncode, result.stdout), (0, ""))
 
     def test_is_hardened(self):
-        headers = run("readelf", "--wide", "--program-headers", "--dynamic", BUILD / "bin" / LIBRARY).stdout
-        self.assertRegex(headers, r"\n  GNU_RELRO ")
-        self.assertRegex(headers, r"\(FLAGS\) +BIND_NOW\n")
-        self.assertRegex(headers, r"\n  GNU_STACK .* RW +0x")
+        for library in (LIBRARY, LISTENER):
+            headers = run("readelf", "--wide", "--program-headers", "--dynamic", BUILD / "bin" / library).stdout
+            self.assertRegex(headers, r"\n  GNU_RELRO ")
+            self.assertRegex(headers, r"\(FLAGS\) +BIND_NOW\n")
+            self.assertRegex(headers, r"\n  GNU_STACK .* RW +0x")
 
 
 class Layers(unittest.TestCase):
@@ -184,11 +193,12 @@ class Layers(unittest.TestCase):
         "cap": "cap/|platform/",
         "module": "module/|cap/|platform/|SPM.h|version.h",
         "i1pro3": "i1pro3/|module/|cap/|platform/ForeignCall.h",
+        "listener": "listener/|module/IScmSPM.h|platform/ForeignCall.h|SPM.h",
         "common": "common/|platform/win32.h",
         "simulator": "simulator/|common/|i1pro3/I1PRO3_SDK.h|version.h",
         "spm": "spm/|common/|module/SPM.h|module/IScmSPM.h|module/SPMRegistry.h|cap/CAPFileVersionInfo.h",
     }
-    of_the_module = ("platform", "cap", "module", "i1pro3")
+    of_the_module = ("platform", "cap", "module", "i1pro3", "listener")
 
     @staticmethod
     def includes(folder):

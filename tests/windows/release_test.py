@@ -1,4 +1,4 @@
-"""The release for Windows, as files: the module's library and the archive.
+"""The release for Windows, as files: its libraries and the archive.
 
 Use: release_test.py BUILD_FOLDER, that of the preset "windows"; needs pefile, cpack and Wine.
 """
@@ -19,15 +19,16 @@ EXPORTS = (PROJECT / "module/exports.txt").read_text().split()
 IMPORTS = {"ADVAPI32.dll", "KERNEL32.dll", "VERSION.dll", "i1Pro364.dll", "msvcrt.dll"}
 MITIGATIONS = ["IMAGE_DLLCHARACTERISTICS_DYNAMIC_BASE", "IMAGE_DLLCHARACTERISTICS_HIGH_ENTROPY_VA",
                "IMAGE_DLLCHARACTERISTICS_NX_COMPAT"]
-HEADERS = ["IScmSPM.h", "SPM.h", "cap/CAPException.h", "cap/CAPLoggingHandler.h", "cap/ICAPLoggingListener.h",
-           "cap/ICAPLoggingMessage.h", "cap/ICAPLoggingSource.h"]
+HEADERS = ["IScmSPM.h", "SPM.h", "SPM_listener.h", "cap/CAPException.h", "cap/CAPLoggingHandler.h",
+           "cap/ICAPLoggingListener.h", "cap/ICAPLoggingMessage.h", "cap/ICAPLoggingSource.h"]
 PACKAGE = ["spm_i1pro3-config-version.cmake", "spm_i1pro3-config.cmake"]
-ARCHIVE = ["README.md", "bin/spm.exe", "bin/spm_i1pro3.dll", "docs/host-guide.md", "docs/report.png",
-           "docs/simulator.md", "docs/spm.md", *(f"include/spm_i1pro3/{name}" for name in HEADERS),
-           *(f"lib/cmake/spm_i1pro3/{name}" for name in PACKAGE), "lib/libspm_i1pro3.dll.a", "licenses/CLI11.txt",
-           "licenses/GPL-3.txt", "licenses/Mustache.txt", "licenses/fmt.txt", "licenses/gcc.txt",
-           "licenses/mingw-w64.txt", "licenses/nlohmann-json.txt", "recorder/i1Pro364.dll", "simulator/i1Pro364.dll",
-           "simulator/spm_i1pro3.dll"]
+ARCHIVE = ["README.md", "bin/spm.exe", "bin/spm_i1pro3.dll", "bin/spm_i1pro3_listener.dll", "docs/host-guide.md",
+           "docs/report.png", "docs/simulator.md", "docs/spm.md", *(f"include/spm_i1pro3/{name}" for name in HEADERS),
+           *(f"lib/cmake/spm_i1pro3/{name}" for name in PACKAGE), "lib/libspm_i1pro3.dll.a",
+           "lib/libspm_i1pro3_listener.dll.a", "licenses/CLI11.txt", "licenses/GPL-3.txt", "licenses/Mustache.txt",
+           "licenses/fmt.txt", "licenses/gcc.txt", "licenses/mingw-w64.txt", "licenses/nlohmann-json.txt",
+           "recorder/i1Pro364.dll", "simulator/i1Pro364.dll", "simulator/spm_i1pro3.dll",
+           "simulator/spm_i1pro3_listener.dll"]
 EXAMPLES = [str(path.relative_to(PROJECT)) for path in (PROJECT / "examples").rglob("*") if path.is_file()]
 LOGGING = ("REGEDIT4\r\n\r\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM]\r\n"
            "\"Logging\"={}\r\n")
@@ -35,18 +36,22 @@ LOGGING = ("REGEDIT4\r\n\r\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM]\r\n"
 
 class Library(unittest.TestCase):
     library = pefile.PE(BUILD / "bin/spm_i1pro3.dll")
+    listener = pefile.PE(BUILD / "bin/spm_i1pro3_listener.dll")
 
     def test_exports_and_imports(self):
-        symbols = self.library.DIRECTORY_ENTRY_EXPORT.symbols
-        self.assertEqual(sorted(str(symbol.name, "ascii") for symbol in symbols), sorted(EXPORTS))
-        self.assertEqual([symbol.name for symbol in symbols if symbol.forwarder], [])
-        self.assertEqual({entry.dll.decode() for entry in self.library.DIRECTORY_ENTRY_IMPORT}, IMPORTS)
-        self.assertFalse(hasattr(self.library, "DIRECTORY_ENTRY_DELAY_IMPORT"))
+        of_listener = (self.listener, ["SPM_subscribe", "SPM_unsubscribe"], {"KERNEL32.dll", "msvcrt.dll"})
+        for library, exports, imports in ((self.library, EXPORTS, IMPORTS), of_listener):
+            symbols = library.DIRECTORY_ENTRY_EXPORT.symbols
+            self.assertEqual(sorted(str(symbol.name, "ascii") for symbol in symbols), sorted(exports))
+            self.assertEqual([symbol.name for symbol in symbols if symbol.forwarder], [])
+            self.assertEqual({entry.dll.decode() for entry in library.DIRECTORY_ENTRY_IMPORT}, imports)
+            self.assertFalse(hasattr(library, "DIRECTORY_ENTRY_DELAY_IMPORT"))
 
     def test_is_hardened_and_reproducible(self):
-        self.assertEqual([name for name in MITIGATIONS if not getattr(self.library.OPTIONAL_HEADER, name)], [])
-        self.assertTrue(hasattr(self.library, "DIRECTORY_ENTRY_BASERELOC"))
-        self.assertEqual(self.library.FILE_HEADER.TimeDateStamp, 0)
+        for library in (self.library, self.listener):
+            self.assertEqual([name for name in MITIGATIONS if not getattr(library.OPTIONAL_HEADER, name)], [])
+            self.assertTrue(hasattr(library, "DIRECTORY_ENTRY_BASERELOC"))
+            self.assertEqual(library.FILE_HEADER.TimeDateStamp, 0)
 
     def test_tells_its_version(self):
         texts = self.library.FileInfo[0][0].StringTable[0].entries
