@@ -82,6 +82,7 @@ TEST(Formats, HaveTheComparison) {
         {spm::formatCgats(run), "\n2\t\"a\"\t50.0000\t3.0000\t0.0000\t5.0000\n"},
         {spm::formatCgats(run), "\n1\t\"b\"\t90.0000\t0.0000\t0.0000\n"},
         {page, "<p class=\"verdict failed\"><strong>Tolerance: FAILED<"},
+        {page, "<dt>Reference</dt><dd>r.csv<"},
         {page, "<dt>mean</dt><dd>5.00 (at most 5.5: passed)<"},
         {page, "<dt>maximum</dt><dd>5.00 (at most 4: FAILED by 1)<"},
         {page, "Not compared, because not in the reference: &quot;b&quot;"},
