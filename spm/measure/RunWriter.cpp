@@ -66,7 +66,7 @@ void RunWriter::save(Quantity quantity, const Strip& strip) {
 
 void RunWriter::saveDue() {
     const Clock::time_point begin = Clock::now();
-    if (isSaved || hasFailed || begin < nextSave) return;
+    if (options.output.empty() || isSaved || hasFailed || begin < nextSave) return;
     std::string failures;
     isSaved = attempt([&] { replaceFile(options.output, text()); }, failures);
     hasFailed = !isSaved;

@@ -124,6 +124,20 @@ TEST(Terminal, ShowsWhatIsDoneAndTheColours) {
     EXPECT_EQ(spm.end(), 0) << spm.shown;
 }
 
+// Without a terminal, standard output is a device that takes nothing.
+TEST(FullDisk, KeepsNoReportFromBeingWritten) {
+    const Settings settings;
+    const TempFolder folder;
+    const std::string report = folder / "page.html";
+    EXPECT_EQ(run(common::programFolder() / "spm", {"measure", "--rows", "2", "--patches", "2", "--report", report},
+                  {"/dev/full", folder / "err"}),
+              1);
+    const std::string errors = readText(folder / "err");
+    EXPECT_EQ(errors.find("can't write : "), std::string::npos) << "there is no output file to save to";
+    EXPECT_TRUE(errors.ends_with("\nspm: can't write to standard output: No space left on device\n")) << errors;
+    EXPECT_NE(readFile(report).find("4 of 4 patches"), std::string::npos) << errors;
+}
+
 TEST(Terminal, DoesWhatThePersonAnswers) {
     using Step = std::pair<std::string, std::string>; // what is waited for, and what is done then
     struct Case {
