@@ -9,7 +9,8 @@ function(spm_export_only target)
     if(WIN32)
         list(JOIN names "\n    " lines)
         set(script ${CMAKE_CURRENT_BINARY_DIR}/${target}.def)
-        file(CONFIGURE OUTPUT ${script} CONTENT "EXPORTS\n    ${lines}\n")
+        get_target_property(name ${target} OUTPUT_NAME)
+        file(CONFIGURE OUTPUT ${script} CONTENT "LIBRARY ${name}.dll\nEXPORTS\n    ${lines}\n")
         target_sources(${target} PRIVATE ${script})
     else()
         list(JOIN names ";\n        " lines)
@@ -18,4 +19,18 @@ function(spm_export_only target)
         target_link_options(${target} PRIVATE LINKER:--version-script=${script})
     endif()
     set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS ${script})
+endfunction()
+
+# Makes the import library of a Windows library in the form that Visual C++ takes, from the list of its exports.
+function(spm_add_visual_cpp_library target)
+    find_program(LLVM_DLLTOOL llvm-dlltool REQUIRED)
+    get_target_property(folder ${target} BINARY_DIR)
+    set(script ${folder}/${target}.def)
+    set(library ${CMAKE_ARCHIVE_OUTPUT_DIRECTORY}/${target}.lib)
+    add_custom_command(OUTPUT ${library}
+        COMMAND ${LLVM_DLLTOOL} --machine i386:x86-64 --input-def ${script} --output-lib ${library}
+        DEPENDS ${script}
+        VERBATIM)
+    add_custom_target(${target}_lib ALL DEPENDS ${library})
+    install(FILES ${library} ${script} DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT kit)
 endfunction()

@@ -32,6 +32,10 @@ install(TARGETS spm_i1pro3 spm_i1pro3_listener COMPONENT kit
     RUNTIME DESTINATION ${SPM_MODULE_FOLDER}
     LIBRARY DESTINATION ${SPM_MODULE_FOLDER}
     ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+if(MINGW)
+    spm_add_visual_cpp_library(spm_i1pro3)
+    spm_add_visual_cpp_library(spm_i1pro3_listener)
+endif()
 install(TARGETS spm RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT kit)
 install(FILES module/SPM.h module/IScmSPM.h listener/SPM_listener.h DESTINATION ${header_dir} COMPONENT kit)
 install(DIRECTORY cap DESTINATION ${header_dir} COMPONENT kit FILES_MATCHING

@@ -144,7 +144,7 @@ typedef struct SPM_VERSION {
 #pragma pack(pop)
 
 /** @cond checks of the binary interface, where the language has them */
-#if defined(__cplusplus) && __cplusplus >= 201103L
+#if defined(__cplusplus) && (__cplusplus >= 201103L || (defined(_MSC_VER) && _MSC_VER >= 1900))
 #define SPM_STATIC_ASSERT static_assert
 #define SPM_ALIGNOF alignof
 #elif defined(__STDC_VERSION__) && __STDC_VERSION__ >= 201112L

@@ -23,8 +23,10 @@ MODULES = "bin" if IS_WINDOWS else "lib/spm_i1pro3"
 SIMULATOR = "simulator" if IS_WINDOWS else "lib/spm_i1pro3/simulator"
 DOCUMENTS = "docs" if IS_WINDOWS else "share/doc/spm_i1pro3"
 EXAMPLES = "examples" if IS_WINDOWS else "share/doc/spm_i1pro3/examples"
-TOOLCHAIN = [f"-DCMAKE_TOOLCHAIN_FILE={PROJECT}/cmake/mingw-w64.cmake", "-DCMAKE_EXE_LINKER_FLAGS=-static"]
 STRICT = "-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror"
+COMPILER = [f"-DCMAKE_C_FLAGS={STRICT}", f"-DCMAKE_CXX_FLAGS={STRICT}",
+            *([f"-DCMAKE_TOOLCHAIN_FILE={PROJECT}/cmake/mingw-w64.cmake"] if IS_WINDOWS else [])]
+VISUAL_CPP = PROJECT / "tests/windows/visual_cpp"
 
 LAMP = '{"faults": [{"function": "I1PRO3_TriggerMeasurement", "result": 7, "text": "lamp"}]}'
 ROW = ["L*  36.81  a*  13.89  b*  14.69", "L*  71.70  a* -30.21  b*   3.69"]
@@ -62,12 +64,12 @@ class Kit(unittest.TestCase):
             raise AssertionError(f"{command}: {result.stdout}{result.stderr}")
         return result.stdout
 
-    def build(self, source, prefix=None):
+    def build(self, source, prefix=None, compiler=COMPILER):
         """Configures and builds a project against the kit, and gives its build folder."""
         build = Path(tempfile.mkdtemp(dir=self.folder))
         package = (prefix or self.prefix) / "lib/cmake/spm_i1pro3"
         self.succeed("cmake", "-G", "Ninja", "-S", source, "-B", build, f"-Dspm_i1pro3_DIR={package}",
-                     f"-DCMAKE_C_FLAGS={STRICT}", f"-DCMAKE_CXX_FLAGS={STRICT}", *(TOOLCHAIN if IS_WINDOWS else []))
+                     *compiler)
         self.succeed("cmake", "--build", build)
         return build
 
@@ -128,6 +130,13 @@ class Kit(unittest.TestCase):
             failed = self.run_with(script, *WINE, program)
             self.assertEqual(failed.returncode, 1)
             self.assertRegex(failed.stdout, reason)
+
+    @unittest.skipUnless(IS_WINDOWS, "for hosts on Windows")
+    def test_visual_cpp(self):
+        build = self.build(VISUAL_CPP, compiler=[f"-DCMAKE_TOOLCHAIN_FILE={VISUAL_CPP}/toolchain.cmake"])
+        for name in ("host_c.exe", "host_cpp.exe"):
+            (build / name).rename(self.simulated.parent / name)
+            self.assertEqual(run(*WINE, self.simulated.parent / name).returncode, 0, f"{name}: line that failed")
 
     @unittest.skipIf(IS_WINDOWS, "there is no pkg-config for Windows here")
     def test_pkg_config(self):
