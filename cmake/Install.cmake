@@ -28,21 +28,39 @@ else()
     install(FILES ${PROJECT_BINARY_DIR}/spm_i1pro3.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT kit)
 endif()
 
-install(TARGETS spm_i1pro3 spm_i1pro3_listener COMPONENT kit
-    RUNTIME DESTINATION ${SPM_MODULE_FOLDER}
-    LIBRARY DESTINATION ${SPM_MODULE_FOLDER}
-    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
-if(MINGW)
-    spm_add_visual_cpp_library(spm_i1pro3)
-    spm_add_visual_cpp_library(spm_i1pro3_listener)
-endif()
-install(TARGETS spm RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT kit)
+# Installs a program or library, stripped. The component "debug" adds what was stripped, where debuggers look for it.
+install(CODE "set(CMAKE_INSTALL_DO_STRIP ON)" ALL_COMPONENTS)
+function(spm_install component folder target)
+    install(TARGETS ${target} COMPONENT ${component}
+        RUNTIME DESTINATION ${folder}
+        LIBRARY DESTINATION ${folder})
+    if(NOT WIN32)
+        install(CODE "execute_process(COMMAND_ERROR_IS_FATAL ANY COMMAND
+            \"${PROJECT_SOURCE_DIR}/cmake/install-debug-file\" \"$<TARGET_FILE:${target}>\"
+            \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${folder}\")"
+            COMPONENT debug EXCLUDE_FROM_ALL)
+    endif()
+endfunction()
+
+spm_install(kit ${CMAKE_INSTALL_BINDIR} spm)
+foreach(library spm_i1pro3 spm_i1pro3_listener)
+    spm_install(kit ${SPM_MODULE_FOLDER} ${library})
+    spm_install(simulator ${simulator_dir} ${library})
+    if(WIN32)
+        install(FILES $<TARGET_LINKER_FILE:${library}> DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT kit)
+    endif()
+    if(MINGW)
+        spm_add_visual_cpp_library(${library})
+    endif()
+endforeach()
+spm_install(simulator ${simulator_dir} i1Pro364)
+spm_install(simulator ${recorder_dir} recorder)
 install(FILES module/SPM.h module/IScmSPM.h listener/SPM_listener.h DESTINATION ${header_dir} COMPONENT kit)
 install(DIRECTORY cap DESTINATION ${header_dir} COMPONENT kit FILES_MATCHING
     PATTERN CAPException.h
     PATTERN CAPLoggingHandler.h
     PATTERN "ICAPLogging*.h")
-install(FILES docs/host-guide.md docs/report.png docs/spm.md DESTINATION ${doc_dir} COMPONENT kit)
+install(FILES docs/host-guide.md docs/report.png docs/settings.md docs/spm.md DESTINATION ${doc_dir} COMPONENT kit)
 install(DIRECTORY examples/ DESTINATION ${examples_dir} COMPONENT kit PATTERN simulator EXCLUDE)
 
 configure_package_config_file(cmake/spm_i1pro3-config.cmake.in ${PROJECT_BINARY_DIR}/spm_i1pro3-config.cmake
@@ -52,14 +70,6 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/spm_i1pro3-config-version
 install(FILES ${PROJECT_BINARY_DIR}/spm_i1pro3-config.cmake ${PROJECT_BINARY_DIR}/spm_i1pro3-config-version.cmake
     DESTINATION ${package_dir} COMPONENT kit)
 
-foreach(kind RUNTIME LIBRARY)
-    list(APPEND simulator_files ${kind} DESTINATION ${simulator_dir})
-    list(APPEND recorder_files ${kind} DESTINATION ${recorder_dir})
-endforeach()
-install(TARGETS i1Pro364 COMPONENT simulator ${simulator_files})
-install(TARGETS recorder COMPONENT simulator ${recorder_files})
-install(PROGRAMS $<TARGET_FILE:spm_i1pro3> $<TARGET_FILE:spm_i1pro3_listener> DESTINATION ${simulator_dir}
-    COMPONENT simulator)
 install(FILES docs/simulator.md DESTINATION ${doc_dir} COMPONENT simulator)
 install(DIRECTORY examples/simulator DESTINATION ${examples_dir} COMPONENT simulator)
 

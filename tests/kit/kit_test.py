@@ -159,6 +159,16 @@ class Kit(unittest.TestCase):
         self.assertIn("SIMULATED", result.stdout)
         self.assertRegex(result.stdout, "\n\nReady to measure.\n$")
 
+    @unittest.skipIf(IS_WINDOWS, "there the linker strips")
+    def test_debug_files_are_apart(self):
+        def sections(file):
+            return re.findall(r"\.(debug_info|gnu_debuglink)\b", self.succeed("readelf", "-SW", file))
+        self.assertEqual(sections(self.simulated), [])
+        for _ in range(2):
+            self.succeed("cmake", "--install", BUILD, "--prefix", self.prefix, "--component", "debug")
+        self.assertEqual(sections(self.simulated), ["gnu_debuglink"])
+        self.assertIn("debug_info", sections(self.simulated.parent / f".debug/{LIBRARY}.debug"))
+
     def test_without_the_simulator(self):
         prefix = self.folder / "kit alone"
         self.succeed("cmake", "--install", BUILD, "--prefix", prefix, "--component", "kit")
