@@ -1,6 +1,7 @@
 // Measures a row of six patches and the spectrum of one more.
 // Use: Measure MODULE, the path of the spectrophotometer module. Exit status 0 when all was measured.
-// Compile it with Spm.cs: in a console project, or by csc /platform:x64 Measure.cs Spm.cs, or by mcs Measure.cs Spm.cs
+// Compile it with Spm.cs, for .NET in a console project in place of its Program.cs, for .NET Framework by
+// "csc /platform:x64 Measure.cs Spm.cs", for Mono by "mcs Measure.cs Spm.cs".
 
 using System;
 using static System.FormattableString;

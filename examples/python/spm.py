@@ -24,7 +24,7 @@ class SpmError(Exception):
 
 
 class NoInstrument(SpmError):
-    """There is no instrument to talk to."""
+    """SPM_open failed without a message: there is no instrument to talk to."""
 
 
 class Calibration(ctypes.Structure):
@@ -81,7 +81,9 @@ class Spectrophotometer:
             if not self._subscription:
                 raise MemoryError
             if not self._module.SPM_open(self._handle, b"USB"):
-                raise self._failure("not opened") if self._errors else NoInstrument("not opened: no instrument is connected")
+                if not self._errors:
+                    raise NoInstrument("not opened: no instrument is connected")
+                raise self._failure("not opened")
         except BaseException:
             self.close()
             raise

@@ -106,8 +106,11 @@ class Kit(unittest.TestCase):
     def expect_example_with_reasons(self, *program):
         """Its errors also say why."""
         self.expect_example(*program, failure="not measured: lamp\nErrorNumber: 7")
-        without_instrument = self.run_with(NO_INSTRUMENT, *program, self.simulated)
-        self.assertRegex(without_instrument.stderr, "^[A-Za-z.]+: not opened: no instrument is connected\n$")
+        uncalibrated = LAMP.replace("TriggerMeasurement", "Calibrate")
+        for script, failure in ((NO_INSTRUMENT, "not opened: no instrument is connected"),
+                                (uncalibrated, "not calibrated: lamp\nErrorNumber: 7")):
+            failed = self.run_with(script, *program, self.simulated)
+            self.assertRegex(failed.stderr, f"^[A-Za-z.]+: {failure}\n$")
         self.assertRegex(run(*program, self.prefix / MODULES / LIBRARY).stderr, re.escape(SDK))
 
     @unittest.skipIf(IS_WINDOWS, "there is no Python for Windows here")
