@@ -3,8 +3,8 @@
 //
 // How the libraries are found
 //   new Spectrophotometer(path) loads the module by its absolute path, and the listener library from the same folder,
-//   where the SDK library must be, too; the names in DllImport then stand for what is loaded. Neither the working
-//   folder nor PATH is searched. This is the safe way.
+//   where the SDK library must be, too; the names in DllImport then stand for what is loaded, unless there are other
+//   copies beside the program. This is the safe way: Windows searches neither the working folder nor PATH.
 //   new Spectrophotometer() leaves the search to the runtime. Put the three libraries beside the program, or name their
 //   folder: by SetDllDirectory on Windows, LD_LIBRARY_PATH on Linux, or NativeLibrary.SetDllImportResolver on .NET 6.
 //   Mono on Linux needs Measure.exe.config in both cases, under the name of the program: it expects names with "lib".
