@@ -61,7 +61,9 @@ install(DIRECTORY cap DESTINATION ${header_dir} COMPONENT kit FILES_MATCHING
     PATTERN CAPLoggingHandler.h
     PATTERN "ICAPLogging*.h")
 install(FILES docs/host-guide.md docs/report.png docs/settings.md docs/spm.md DESTINATION ${doc_dir} COMPONENT kit)
-install(DIRECTORY examples/ DESTINATION ${examples_dir} COMPONENT kit PATTERN simulator EXCLUDE)
+install(DIRECTORY examples/ DESTINATION ${examples_dir} COMPONENT kit
+    PATTERN simulator EXCLUDE
+    PATTERN __pycache__ EXCLUDE)
 
 configure_package_config_file(cmake/spm_i1pro3-config.cmake.in ${PROJECT_BINARY_DIR}/spm_i1pro3-config.cmake
     INSTALL_DESTINATION ${package_dir}

@@ -28,6 +28,7 @@ COMPILER = [f"-DCMAKE_C_FLAGS={STRICT}", f"-DCMAKE_CXX_FLAGS={STRICT}",
             *([f"-DCMAKE_TOOLCHAIN_FILE={PROJECT}/cmake/mingw-w64.cmake"] if IS_WINDOWS else [])]
 VISUAL_CPP = PROJECT / "tests/windows/visual_cpp"
 
+NO_INSTRUMENT = '{"instruments": []}'
 LAMP = '{"faults": [{"function": "I1PRO3_TriggerMeasurement", "result": 7, "text": "lamp"}]}'
 ROW = ["L*  36.81  a*  13.89  b*  14.69", "L*  71.70  a* -30.21  b*   3.69"]
 
@@ -78,7 +79,7 @@ class Kit(unittest.TestCase):
         path.write_text(script)
         return run(*command, env=os.environ | {"I1PRO3_SIMULATOR": str(path)})
 
-    def expect_example(self, *program):
+    def expect_example(self, *program, failure="measuring( the row)? failed"):
         """An example measures on the simulated instrument, and fails in good order."""
         result = run(*program, self.simulated)
         self.assertEqual((result.returncode, result.stderr), (0, ""))
@@ -87,7 +88,7 @@ class Kit(unittest.TestCase):
         self.assertEqual(len([line for line in lines if " nm " in line]), 36)
         failed = self.run_with(LAMP, *program, self.simulated)
         self.assertEqual(failed.returncode, 1)
-        self.assertRegex(failed.stderr, "^[a-z.]+: measuring( the row)? failed\n$")
+        self.assertRegex(failed.stderr, f"^[A-Za-z.]+: {failure}\n$")
         without_sdk = run(*program, self.prefix / MODULES / LIBRARY)
         self.assertEqual(without_sdk.returncode, 1)
         self.assertNotEqual(without_sdk.stderr, "")
@@ -104,9 +105,25 @@ class Kit(unittest.TestCase):
         self.assertEqual((failed.returncode, failed.stderr),
                          (1, "M7 E1539: lamp\nErrorNumber: 7\nlisten: measuring failed\n"))
 
+    def expect_example_with_reasons(self, *program):
+        """Its errors also say why."""
+        self.expect_example(*program, failure="not measured: lamp\nErrorNumber: 7")
+        uncalibrated = LAMP.replace("TriggerMeasurement", "Calibrate")
+        for script, failure in ((NO_INSTRUMENT, "not opened: no instrument is connected"),
+                                (uncalibrated, "not calibrated: lamp\nErrorNumber: 7")):
+            failed = self.run_with(script, *program, self.simulated)
+            self.assertRegex(failed.stderr, f"^[A-Za-z.]+: {failure}\n$")
+        self.assertRegex(run(*program, self.prefix / MODULES / LIBRARY).stderr, re.escape(SDK))
+
     @unittest.skipIf(IS_WINDOWS, "there is no Python for Windows here")
     def test_python(self):
-        self.expect_example("python3", self.prefix / EXAMPLES / "python/measure.py")
+        self.expect_example_with_reasons("python3", "-B", self.prefix / EXAMPLES / "python/measure.py")
+
+    @unittest.skipIf(IS_WINDOWS, "there is no .NET for Windows here")
+    def test_csharp(self):
+        folder = self.prefix / EXAMPLES / "csharp"
+        self.succeed("mcs", "-langversion:6", "-warnaserror", *folder.glob("*.cs"), f"-out:{folder / 'Measure.exe'}")
+        self.expect_example_with_reasons("mono", folder / "Measure.exe")
 
     def test_guide(self):
         """The C code of the guide is a host, the rest compiles."""
@@ -126,7 +143,7 @@ class Kit(unittest.TestCase):
             program = build / "guide"
         output = self.succeed(*WINE, program).splitlines()
         self.assertEqual([line.split()[0] for line in output], ["Place", "L*", "380"])
-        for script, reason in ((LAMP, "row.*: lamp\nErrorNumber: 7"), ('{"instruments": []}', "no instrument")):
+        for script, reason in ((LAMP, "row.*: lamp\nErrorNumber: 7"), (NO_INSTRUMENT, "no instrument")):
             failed = self.run_with(script, *WINE, program)
             self.assertEqual(failed.returncode, 1)
             self.assertRegex(failed.stdout, reason)

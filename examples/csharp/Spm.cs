@@ -1,0 +1,245 @@
+// The spectrophotometer module and its listener library for C#: .NET Framework 4.6 or later, .NET 6 or later, and Mono,
+// in a 64-bit process. Compile this file into the host. It declares what Spectrophotometer uses; SPM.h has the rest.
+//
+// How the libraries are found
+//   new Spectrophotometer(path) loads the module by its absolute path, and the listener library from the same folder,
+//   where the SDK library must be, too; the names in DllImport then stand for what is loaded, unless there are other
+//   copies beside the program. This is the safe way: Windows searches neither the working folder nor PATH.
+//   new Spectrophotometer() leaves the search to the runtime. Put the three libraries beside the program, or name their
+//   folder: by SetDllDirectory on Windows, LD_LIBRARY_PATH on Linux, or NativeLibrary.SetDllImportResolver on .NET 6.
+//   Mono on Linux needs Measure.exe.config in both cases, under the name of the program: it expects names with "lib".
+
+using System;
+using System.Collections.Generic;
+using System.ComponentModel;
+using System.IO;
+using System.Linq;
+using System.Runtime.CompilerServices;
+using System.Runtime.InteropServices;
+using System.Threading;
+
+/// <summary>Says what failed and, where the module told it, why.</summary>
+public class SpmException : Exception
+{
+    public SpmException(string message) : base(message) { }
+}
+
+/// <summary>SPM_open failed without a message: there is no instrument to talk to. Ask the user to connect it.</summary>
+public class NoInstrumentException : SpmException
+{
+    public NoInstrumentException() : base("not opened: no instrument is connected") { }
+}
+
+public struct SpmCalibration { public uint Aperture, Illumination, Auxiliary, Reference, Step; }
+public struct SpmLab { public float L, A, B; }
+public struct SpmReflection { public int Wavelength; public float Value; }
+
+[StructLayout(LayoutKind.Sequential, Pack = 1)]
+public struct SpmSpectrum { public int NumberOfReflections; public IntPtr Reflections; }
+
+/// <summary>Takes the texts as pointers: the runtime's conversion could throw before the callback can catch.</summary>
+[UnmanagedFunctionPointer(CallingConvention.Cdecl)]
+public delegate void SpmMessageCallback(
+    IntPtr context, int level, int moduleNumber, int errorNumber, IntPtr text, IntPtr detail);
+
+/// <summary>A module object with its subscription. Both end together, at the latest when it is collected.</summary>
+public sealed class SpmHandle : SafeHandle
+{
+    private SpmMessageCallback callback; // keeps the delegate alive for as long as the module may call it
+    private IntPtr subscription;
+
+    private SpmHandle() : base(IntPtr.Zero, true) { }
+
+    public override bool IsInvalid { get { return handle == IntPtr.Zero; } }
+
+    [MethodImpl(MethodImplOptions.NoInlining)] // Mono looks for a library when it compiles the caller: not before Load
+    public static SpmHandle Create(SpmMessageCallback callback)
+    {
+        SpmHandle created = Spm.SPM_create();
+        created.callback = callback;
+        if (!created.IsInvalid)
+            created.subscription = Spm.SPM_subscribe(created, created.callback, IntPtr.Zero);
+        if (created.subscription != IntPtr.Zero) return created;
+        created.Dispose();
+        throw new OutOfMemoryException();
+    }
+
+    protected override bool ReleaseHandle()
+    {
+        Spm.SPM_unsubscribe(subscription);
+        Spm.SPM_close(handle);
+        Spm.SPM_destroy(handle);
+        return true;
+    }
+}
+
+/// <summary>The functions. The objects share the SDK library, and calls on one object must not overlap.</summary>
+public static class Spm
+{
+    public const uint StepBegin = 0, StepContinue = 1, StepDone = 4;
+
+    private const string Module = "spm_i1pro3", Listener = "spm_i1pro3_listener";
+    private const CallingConvention C = CallingConvention.Cdecl;
+
+    [DllImport(Module, CallingConvention = C)] public static extern SpmHandle SPM_create();
+    [DllImport(Module, CallingConvention = C)] internal static extern void SPM_destroy(IntPtr handle);
+    [DllImport(Module, CallingConvention = C)] [return: MarshalAs(UnmanagedType.I1)]
+    public static extern bool SPM_open(SpmHandle handle, [MarshalAs(UnmanagedType.LPStr)] string device);
+    [DllImport(Module, CallingConvention = C)] public static extern void SPM_close(SpmHandle handle);
+    [DllImport(Module, CallingConvention = C)] internal static extern void SPM_close(IntPtr handle);
+    [DllImport(Module, CallingConvention = C)] [return: MarshalAs(UnmanagedType.I1)]
+    public static extern bool SPM_isOpened(SpmHandle handle);
+    [DllImport(Module, CallingConvention = C)]
+    public static extern void SPM_calibrate(SpmHandle handle, ref SpmCalibration calibration);
+    [DllImport(Module, CallingConvention = C)] public static extern int SPM_getNumberOfReflections(SpmHandle handle);
+    [DllImport(Module, CallingConvention = C)] [return: MarshalAs(UnmanagedType.I1)]
+    public static extern bool SPM_read(SpmHandle handle, [In, Out] SpmLab[] values, ref int count);
+    [DllImport(Module, CallingConvention = C)] [return: MarshalAs(UnmanagedType.I1)]
+    public static extern bool SPM_readSpectrum(SpmHandle handle, [In, Out] SpmSpectrum[] spectra, ref int count);
+
+    [DllImport(Listener, CallingConvention = C)]
+    internal static extern IntPtr SPM_subscribe(SpmHandle handle, SpmMessageCallback callback, IntPtr context);
+    [DllImport(Listener, CallingConvention = C)] internal static extern void SPM_unsubscribe(IntPtr subscription);
+
+    /// <summary>Loads the module and, from the same folder, the listener library; they stay loaded.</summary>
+    public static void Load(string module)
+    {
+        string path = Path.GetFullPath(module);
+        LoadLibrary(path);
+        LoadLibrary(Path.ChangeExtension(path, null) + "_listener" + Path.GetExtension(path));
+    }
+
+    private static void LoadLibrary(string path)
+    {
+        if (Environment.OSVersion.Platform == PlatformID.Win32NT)
+        {
+            const uint ownFolder = 0x100, systemFolder = 0x800; // LOAD_LIBRARY_SEARCH_...: searched for what it needs
+            if (LoadLibraryExW(path, IntPtr.Zero, ownFolder | systemFolder) == IntPtr.Zero)
+                throw new SpmException("can't load " + path + ": " + new Win32Exception().Message);
+        }
+        else if (dlopen(path, 2 /* RTLD_NOW */) == IntPtr.Zero)
+        {
+            throw new SpmException("can't load " + Marshal.PtrToStringAnsi(dlerror()));
+        }
+    }
+
+    [DllImport("kernel32", CharSet = CharSet.Unicode, SetLastError = true)]
+    private static extern IntPtr LoadLibraryExW(string path, IntPtr reserved, uint flags);
+    [DllImport("libdl.so.2")] private static extern IntPtr dlopen(string path, int flags);
+    [DllImport("libdl.so.2")] private static extern IntPtr dlerror();
+}
+
+/// <summary>
+/// An instrument. Use it from one thread at a time; a host with a user interface calls it on a thread of its own, and
+/// gives up waiting for the user by the token of a CancellationTokenSource.
+/// </summary>
+public sealed class Spectrophotometer : IDisposable
+{
+    private readonly SpmHandle handle;
+    private readonly List<string> errors = new List<string>(); // of the last call
+
+    /// <param name="module">the module's path; null leaves the search to the runtime</param>
+    public Spectrophotometer(string module = null)
+    {
+        if (module != null) Spm.Load(module);
+        handle = SpmHandle.Create(KeepError);
+    }
+
+    public void Dispose() { handle.Dispose(); }
+
+    /// <summary>Connects the instrument. Call it again after the connection was lost, and calibrate again.</summary>
+    public void Open()
+    {
+        Spm.SPM_close(handle); // an unplugged instrument would make SPM_open fail
+        errors.Clear();
+        if (Spm.SPM_open(handle, "USB")) return;
+        if (errors.Count == 0) throw new NoInstrumentException();
+        throw Failure("not opened");
+    }
+
+    /// <param name="prompt">asks the user to place the instrument on its white reference and press the button</param>
+    /// <param name="cancel">ends the wait for the user</param>
+    public void Calibrate(Action prompt, CancellationToken cancel = default(CancellationToken))
+    {
+        errors.Clear();
+        var dialogue = new SpmCalibration { Step = Spm.StepBegin };
+        Spm.SPM_calibrate(handle, ref dialogue);
+        if (dialogue.Step == Spm.StepContinue) prompt();
+        while (dialogue.Step == Spm.StepContinue)
+        {
+            Wait(cancel);
+            Spm.SPM_calibrate(handle, ref dialogue);
+        }
+        if (dialogue.Step != Spm.StepDone) throw Failure("not calibrated");
+    }
+
+    /// <summary>Measures a spot or a row. Gives fewer values when fewer patches of a row were found.</summary>
+    public SpmLab[] Read(int patches, CancellationToken cancel = default(CancellationToken))
+    {
+        var values = new SpmLab[patches];
+        int measured = Poll(patches, cancel, (ref int count) => Spm.SPM_read(handle, values, ref count));
+        return values.Take(measured).ToArray();
+    }
+
+    /// <summary>Measures as Read does. Gives the spectrum of each patch, from 380 nm to 730 nm.</summary>
+    public SpmReflection[][] ReadSpectra(int patches, CancellationToken cancel = default(CancellationToken))
+    {
+        int points = Spm.SPM_getNumberOfReflections(handle);
+        var spectra = Enumerable.Range(0, patches).Select(patch => new SpmReflection[points]).ToArray();
+        var pins = spectra.Select(spectrum => GCHandle.Alloc(spectrum, GCHandleType.Pinned)).ToArray();
+        try
+        {
+            var records = pins.Select(pin => new SpmSpectrum {
+                NumberOfReflections = points, Reflections = pin.AddrOfPinnedObject() }).ToArray();
+            int measured = Poll(patches, cancel, (ref int count) => Spm.SPM_readSpectrum(handle, records, ref count));
+            return spectra.Take(measured).ToArray();
+        }
+        finally
+        {
+            foreach (var pin in pins) pin.Free();
+        }
+    }
+
+    private delegate bool Reading(ref int count);
+
+    /// <summary>Reads until the user has pressed the button. Gives the number of patches that were measured.</summary>
+    private int Poll(int patches, CancellationToken cancel, Reading read)
+    {
+        if (patches < 1) throw new ArgumentOutOfRangeException("patches");
+        for (;;)
+        {
+            errors.Clear();
+            int count = patches;
+            if (!read(ref count)) throw Failure("not measured");
+            if (count > 0) return count;
+            if (!Spm.SPM_isOpened(handle)) throw Failure("not measured");
+            Wait(cancel);
+        }
+    }
+
+    private static void Wait(CancellationToken cancel)
+    {
+        cancel.WaitHandle.WaitOne(50);
+        cancel.ThrowIfCancellationRequested();
+    }
+
+    private SpmException Failure(string what)
+    {
+        string reason = errors.Count > 0 ? string.Join("\n", errors) : "the connection was lost";
+        return new SpmException(what + ": " + reason);
+    }
+
+    /// <summary>Is called by the module, which no exception may reach.</summary>
+    private void KeepError(IntPtr context, int level, int moduleNumber, int errorNumber, IntPtr text, IntPtr detail)
+    {
+        if (level != 0) return; // 1 is a warning, 2 information
+        try
+        {
+            errors.Add((Marshal.PtrToStringAnsi(text) + " " + Marshal.PtrToStringAnsi(detail)).Trim());
+        }
+        catch (Exception error)
+        {
+            errors.Add("the instrument's message can't be read: " + error.Message);
+        }
+    }
+}
