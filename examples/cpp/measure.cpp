@@ -1,15 +1,61 @@
 // Measures a row of six patches and the spectrum of one more.
-// Use: measure MODULE, the path of the spectrophotometer module. Exit status 0 when all was measured.
+// Use: measure MODULE, the path of the spectrophotometer module. Exit status 0 if all was measured.
 
-#include "measuring.h"
+#include "spectrophotometer.h"
 
+#include <cstdio>
 #include <exception>
+
+namespace {
+
+constexpr std::size_t patches = 6;
+constexpr std::size_t reflections = 36;
+
+void calibrate(Spectrophotometer& instrument) {
+    SPM_CALIBRATION dialogue{};
+    instrument.calibrate(dialogue);
+    std::puts("Place the instrument on its white reference and press the button.");
+    while (dialogue.step == SPM_STEP_CONTINUE) {
+        wait_a_moment();
+        instrument.calibrate(dialogue);
+    }
+}
+
+void measureRow(Spectrophotometer& instrument) {
+    std::puts("Press the button and slide the instrument along the row.");
+    std::vector<SPM_LAB> values(patches);
+    std::int32_t count = 0;
+    while ((count = instrument.read(values)) == 0) {
+        wait_a_moment();
+    }
+    values.resize(static_cast<std::size_t>(count));
+    for (const SPM_LAB& value : values) {
+        std::printf("L* %6.2f  a* %6.2f  b* %6.2f\n", value.L, value.a, value.b);
+    }
+    if (values.size() < patches) throw std::runtime_error("not measured: not all patches of the row were found");
+}
+
+void measureSpectrum(Spectrophotometer& instrument) {
+    std::puts("Place the instrument on a patch and press the button.");
+    std::vector<SPM_REFLECTION> points(reflections);
+    std::vector<SPM_SPECTRUM> spectra{{reflections, points.data()}};
+    while (instrument.read(spectra) == 0) {
+        wait_a_moment();
+    }
+    for (const SPM_REFLECTION& point : points) {
+        std::printf("%d nm %6.2f %%\n", point.wavelength, point.value);
+    }
+}
+
+} // namespace
 
 int main(int argc, char** argv) {
     try {
         if (argc != 2) throw std::runtime_error("use: measure MODULE");
-        const Module module(argv[1]);
-        measureAll(Spectrophotometer(module));
+        Spectrophotometer instrument(argv[1]);
+        calibrate(instrument);
+        measureRow(instrument);
+        measureSpectrum(instrument);
         return 0;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "measure: %s\n", error.what());

@@ -1,5 +1,5 @@
-# Visual C++ as clang and lld imitate it: its command line, binary interface and macros. There is no C runtime, and thus
-# none of the libraries that are linked by default.
+# Compiles as Visual C++ does, with clang and lld, which imitate its command line, binary interface and macros. There is
+# no C runtime: a program begins with its function `host`.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_C_COMPILER clang-cl-14)
 set(CMAKE_CXX_COMPILER clang-cl-14)

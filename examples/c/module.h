@@ -1,0 +1,60 @@
+/* The functions of the module and of the listener library that the example uses, and why one of them failed. */
+#ifndef MODULE_H
+#define MODULE_H
+
+#include "../system.h"
+
+#include <SPM_listener.h>
+#include <stdio.h>
+
+static struct {
+    SPM_create_t create;
+    SPM_destroy_t destroy;
+    SPM_open_t open;
+    SPM_close_t close;
+    SPM_isOpened_t isOpened;
+    SPM_calibrate_t calibrate;
+    SPM_read_t read;
+    SPM_readSpectrum_t readSpectrum;
+    SPM_subscribe_t subscribe;
+    SPM_unsubscribe_t unsubscribe;
+} spm;
+
+static bool find_functions(void* module, void* listener) {
+    return find_function(module, "SPM_create", &spm.create) && find_function(module, "SPM_destroy", &spm.destroy) &&
+           find_function(module, "SPM_open", &spm.open) && find_function(module, "SPM_close", &spm.close) &&
+           find_function(module, "SPM_isOpened", &spm.isOpened) &&
+           find_function(module, "SPM_calibrate", &spm.calibrate) && find_function(module, "SPM_read", &spm.read) &&
+           find_function(module, "SPM_readSpectrum", &spm.readSpectrum) &&
+           find_function(listener, "SPM_subscribe", &spm.subscribe) &&
+           find_function(listener, "SPM_unsubscribe", &spm.unsubscribe);
+}
+
+/* Loads the module, and the listener library beside it. */
+static bool load_module(const char* path) {
+    char listener_path[1024];
+    const char* const extension = strrchr(path, '.');
+    const int length = (int)(extension != NULL ? extension - path : (ptrdiff_t)strlen(path));
+    void* const module = load_library(path);
+    void* listener = NULL;
+    snprintf(listener_path, sizeof listener_path, "%.*s_listener%s", length, path, path + length);
+    if (module != NULL) listener = load_library(listener_path);
+    if (listener != NULL && find_functions(module, listener)) return true;
+    fprintf(stderr, "measure: can't load %s: %s\n", module == NULL ? path : listener_path, load_error());
+    return false;
+}
+
+static char reason[512]; /* why a call failed; empty while no call has sent an error message */
+
+static void keep_reason(void* context, int32_t level, int32_t part, int32_t number, const char* text,
+                        const char* detail) {
+    (void)context, (void)part, (void)number;
+    if (level == 0) snprintf(reason, sizeof reason, "%s%s%s", text, detail[0] != '\0' ? " " : "", detail);
+}
+
+static bool fail(const char* what, const char* without_message) {
+    fprintf(stderr, "measure: %s: %s\n", what, reason[0] != '\0' ? reason : without_message);
+    return false;
+}
+
+#endif

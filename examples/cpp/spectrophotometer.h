@@ -1,0 +1,73 @@
+// An instrument that is open while its object lives. Failures are exceptions that say why.
+#pragma once
+
+#include "library.h"
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <SPM_listener.h>
+#include <vector>
+
+class Spectrophotometer {
+    template <class Function, class... Arguments>
+    auto call(const char* name, Arguments... arguments) {
+        reason.clear();
+        return module.find<Function>(name)(object.get(), arguments...);
+    }
+
+public:
+    /// @param file  the module; the listener library and the SDK library must be in the same folder
+    explicit Spectrophotometer(const std::filesystem::path& file)
+        : module(file), listener(file.parent_path() / (file.stem().string() + "_listener" + file.extension().string())),
+          object(module.find<SPM_create_t>("SPM_create")(), closeAndDestroy()),
+          subscription(listener.find<SPM_subscribe_t>("SPM_subscribe")(object.get(), keepReason, &reason),
+                       listener.find<SPM_unsubscribe_t>("SPM_unsubscribe")) {
+        if (!call<SPM_open_t>("SPM_open", "USB")) throw failure("not opened", "no instrument is connected");
+    }
+
+    /// Takes one step of the dialogue, which begins with a `step` of SPM_STEP_BEGIN.
+    void calibrate(SPM_CALIBRATION& dialogue) {
+        call<SPM_calibrate_t>("SPM_calibrate", &dialogue);
+        if (dialogue.step == SPM_STEP_NOTHING) throw failure("not calibrated", "the connection was lost");
+    }
+
+    /// Measures a spot or, with more than one record, a row, when the button is pressed.
+    /// @return the number of patches measured; 0 while the button is not pressed
+    std::int32_t read(std::vector<SPM_LAB>& values) { return measure<SPM_read_t>("SPM_read", values); }
+    std::int32_t read(std::vector<SPM_SPECTRUM>& spectra) {
+        return measure<SPM_readSpectrum_t>("SPM_readSpectrum", spectra);
+    }
+
+private:
+    template <class Function, class Record>
+    std::int32_t measure(const char* name, std::vector<Record>& records) {
+        auto count = static_cast<std::int32_t>(records.size());
+        if (!call<Function>(name, records.data(), &count)) throw failure("not measured", "no reason given");
+        if (count == 0 && !call<SPM_isOpened_t>("SPM_isOpened"))
+            throw failure("not measured", "the connection was lost");
+        return count;
+    }
+
+    std::function<void(SPM_HANDLE)> closeAndDestroy() const {
+        const auto close = module.find<SPM_close_t>("SPM_close");
+        const auto destroy = module.find<SPM_destroy_t>("SPM_destroy");
+        return [=](SPM_HANDLE handle) { close(handle), destroy(handle); };
+    }
+
+    /// Is called by the listener library, which ignores exceptions.
+    static void keepReason(void* reason, std::int32_t level, std::int32_t /*part*/, std::int32_t /*number*/,
+                           const char* text, const char* detail) {
+        if (level == 0) *static_cast<std::string*>(reason) = text + (*detail != '\0' ? std::string(" ") + detail : "");
+    }
+
+    std::runtime_error failure(const std::string& what, const std::string& withoutMessage) const {
+        return std::runtime_error(what + ": " + (reason.empty() ? withoutMessage : reason));
+    }
+
+    Library module;
+    Library listener;
+    std::string reason; // of the last failure, as the module logged it
+    std::shared_ptr<IScmSPM> object;
+    std::shared_ptr<SPM_SUBSCRIPTION> subscription; // ends before the object
+};
