@@ -35,8 +35,8 @@ class VersionData {
 public:
     /// Empty when the file has none or can't be read. Asking for the size first would read the file twice.
     explicit VersionData(const char* path)
-        : block(std::make_unique_for_overwrite<char[]>(largestSize)),
-          isEmpty(GetFileVersionInfoA(path, 0, largestSize, block.get()) == FALSE) {}
+        : block(std::make_unique_for_overwrite<char[]>(maxSize)),
+          isEmpty(GetFileVersionInfoA(path, 0, maxSize, block.get()) == FALSE) {}
 
     bool empty() const { return isEmpty; }
 
@@ -63,14 +63,14 @@ public:
 
 private:
     /// A resource states its length in 16 bits; the system converts its texts in as much room again.
-    static constexpr DWORD largestSize = 2 * 0x10000;
+    static constexpr DWORD maxSize = 2 * 0x10000;
 
     std::unique_ptr<char[]> block;
     bool isEmpty;
 };
 
 /// The entry that suits the user best: the same language, the same primary language, a neutral one, English, any.
-std::optional<Translation> choose(const std::vector<Translation>& table) {
+std::optional<Translation> bestTranslation(const std::vector<Translation>& table) {
     if (table.empty()) return std::nullopt;
     const LANGID user = GetUserDefaultLangID();
     const auto find = [&](auto matches) {
@@ -106,9 +106,9 @@ int CAPFileVersionInfo::loadFromFile(const char* path) {
     const std::span<const char> fixedPart = data.query("\\");
     if (fixedPart.size() == sizeof fixedInfo) std::memcpy(&fixedInfo, fixedPart.data(), sizeof fixedInfo);
 
-    if (const std::optional<Translation> chosen = choose(data.translations())) {
+    if (const std::optional<Translation> best = bestTranslation(data.translations())) {
         const std::string table =
-            FormatText("\\StringFileInfo\\%04X%04X\\", unsigned{chosen->language}, unsigned{chosen->codePage});
+            FormatText("\\StringFileInfo\\%04X%04X\\", unsigned{best->language}, unsigned{best->codePage});
         std::transform(textNames.begin(), textNames.end(), texts.begin(),
                        [&](const char* name) { return data.text(table + name); });
     }
@@ -128,6 +128,6 @@ std::uint16_t CAPFileVersionInfo::getFileVersionPart(int index) const {
 }
 
 const char* CAPFileVersionInfo::getText(Text text) const {
-    const std::optional<std::string>& kept = texts[static_cast<std::size_t>(text)];
-    return kept ? kept->c_str() : nullptr;
+    const std::optional<std::string>& loaded = texts[static_cast<std::size_t>(text)];
+    return loaded ? loaded->c_str() : nullptr;
 }

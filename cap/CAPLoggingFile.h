@@ -49,9 +49,9 @@ public:
     void WriteMessage(const ICAPLoggingMessage& message);
 
 private:
-    bool writes(std::int32_t level) const { return stream != nullptr && level <= detailLevel; }
+    bool accepts(std::int32_t level) const { return stream != nullptr && level <= detailLevel; }
     void writeLine(const std::string& source, const ICAPLoggingMessage& message);
-    void appendTime(std::string& line);
+    void appendTimestamp(std::string& line);
 
     struct CloseStream {
         void operator()(std::FILE* open) const { std::fclose(open); }
@@ -60,8 +60,8 @@ private:
     std::unique_ptr<std::FILE, CloseStream> stream;
     std::string zoneText;
     std::int32_t detailLevel = 2;
-    std::atomic<bool> isLineTorn = false;
-    std::atomic_flag isTimeTextInUse;
-    __time64_t timeTextSecond = -1;
-    std::string timeText;
+    std::atomic<bool> isLastLineIncomplete = false;
+    std::atomic_flag isTimestampInUse;
+    __time64_t timestampSecond = -1;
+    std::string timestamp;
 };

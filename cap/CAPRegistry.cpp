@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr const char* makersKey = "Kestrova\\";
+constexpr const char* companyKey = "Kestrova\\";
 
 } // namespace
 
@@ -30,11 +30,11 @@ std::string CAPRegistry::place() {
 }
 
 std::string CAPRegistry::pathOf(const std::string& subkey) {
-    return "HKEY_LOCAL_MACHINE\\SOFTWARE\\" + (makersKey + subkey);
+    return "HKEY_LOCAL_MACHINE\\SOFTWARE\\" + (companyKey + subkey);
 }
 
 CAPRegistry::CAPRegistry(std::string subkey) {
-    const std::string path = makersKey + std::move(subkey);
+    const std::string path = companyKey + std::move(subkey);
     OpenKey software;
     if (openSoftware(software) != ERROR_SUCCESS) return;
     HKEY opened = nullptr;

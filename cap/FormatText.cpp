@@ -5,12 +5,12 @@
 
 namespace {
 
-constexpr std::size_t longest = 1024;
+constexpr std::size_t maxLength = 1024;
 
 } // namespace
 
 std::string FormatTextList(const char* format, std::va_list arguments) {
-    std::array<char, longest + 1> buffer; // most of it is never used, and so not cleared
+    std::array<char, maxLength + 1> buffer; // most of it is never used, and so not cleared
     buffer[0] = '\0';
     // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): the caller has started the list
     std::vsnprintf(buffer.data(), buffer.size(), format, arguments);

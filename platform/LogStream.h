@@ -18,4 +18,4 @@ enum class Written { nothing, part, all };
 [[nodiscard]] Written appendText(std::FILE* stream, std::string_view text);
 
 /// Whether the file ends inside a line, as a full disk leaves it.
-[[nodiscard]] bool endsInsideLine(std::FILE* stream);
+[[nodiscard]] bool endsWithIncompleteLine(std::FILE* stream);

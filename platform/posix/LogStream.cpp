@@ -31,7 +31,7 @@ Written appendText(std::FILE* stream, std::string_view text) {
     return static_cast<std::size_t>(written) < text.size() ? Written::part : Written::all;
 }
 
-bool endsInsideLine(std::FILE* stream) {
+bool endsWithIncompleteLine(std::FILE* stream) {
     const int descriptor = fileno(stream);
     struct stat status {};
     if (fstat(descriptor, &status) != 0 || status.st_size == 0) return false;

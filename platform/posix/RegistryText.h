@@ -19,7 +19,7 @@ struct Value {
 };
 
 /// Whether the text is a store at all: empty, or begun by the line REGEDIT4.
-bool isStore(std::string_view text);
+bool isSettingsText(std::string_view text);
 
 /// Whether the key, or one below it, has a heading. Keys are full paths: "HKEY_LOCAL_MACHINE\SOFTWARE\...".
 bool hasKey(std::string_view text, std::string_view key);

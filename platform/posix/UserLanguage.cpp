@@ -38,9 +38,9 @@ std::string_view environmentLocale() {
 }
 
 /// The identifier of the first locale that begins like this; 0 for none.
-LANGID find(std::string_view begin) {
+LANGID findByPrefix(std::string_view prefix) {
     const auto* const found = std::find_if(languages.begin(), languages.end(), [&](const Language& language) {
-        return language.locale.starts_with(begin);
+        return language.locale.starts_with(prefix);
     });
     return found != languages.end() ? found->identifier : LANGID{0};
 }
@@ -51,7 +51,7 @@ LANGID GetUserDefaultLangID() {
     const std::string_view environment = environmentLocale();
     const std::string locale(environment.substr(0, environment.find_first_of(".@")));
     if (locale.empty()) return usEnglish;
-    if (const LANGID exact = find(locale)) return exact;
-    const LANGID related = find(locale.substr(0, locale.find('_')) + '_');
-    return related != 0 ? related : usEnglish;
+    if (const LANGID exact = findByPrefix(locale)) return exact;
+    const LANGID sameLanguage = findByPrefix(locale.substr(0, locale.find('_')) + '_');
+    return sameLanguage != 0 ? sameLanguage : usEnglish;
 }

@@ -4,7 +4,7 @@
 // The block that the host of these functions allocates is the tree, padded to 4 bytes, followed by as much room again,
 // into which texts are converted on query: a text at offset p goes to p plus the tree's length, as half as many bytes.
 
-#include "platform/posix/SameText.h"
+#include "platform/posix/EqualIgnoringCase.h"
 #include "platform/posix/win32.h"
 
 #include <algorithm>
@@ -21,9 +21,9 @@
 namespace {
 
 constexpr std::string_view sectionName = ".rsrc";
-constexpr std::size_t longestNames = 0xFFFF; // of all sections together
-constexpr std::size_t largestTree = 0xFFFF;  // a node's length has 16 bits
-constexpr std::size_t headerSize = 6;        // length, value length, type
+constexpr std::size_t maxNameTableSize = 0xFFFF; // of all sections together
+constexpr std::size_t maxTreeSize = 0xFFFF;      // a node's length has 16 bits
+constexpr std::size_t headerSize = 6;            // length, value length, type
 
 class File {
 public:
@@ -75,7 +75,7 @@ std::optional<Elf64_Shdr> findSection(const File& file) {
     if (!file.read(header->e_shoff, sections.data(), sections.size() * sizeof(Elf64_Shdr))) return std::nullopt;
     if (header->e_shstrndx >= sections.size()) return std::nullopt;
     const Elf64_Shdr& table = sections[header->e_shstrndx];
-    const std::string names = file.readUpTo(table.sh_offset, std::min<std::size_t>(table.sh_size, longestNames));
+    const std::string names = file.readUpTo(table.sh_offset, std::min<std::size_t>(table.sh_size, maxNameTableSize));
     const auto found = std::find_if(sections.begin(), sections.end(), [&](const Elf64_Shdr& section) {
         return section.sh_name < names.size() && names.c_str() + section.sh_name == sectionName;
     });
@@ -86,7 +86,7 @@ std::optional<Elf64_Shdr> findSection(const File& file) {
 std::vector<char> readTree(const char* path) {
     const File file(path);
     const auto section = findSection(file);
-    if (!section || section->sh_size < headerSize || section->sh_size > largestTree) return {};
+    if (!section || section->sh_size < headerSize || section->sh_size > maxTreeSize) return {};
     std::vector<char> tree(section->sh_size);
     if (!file.read(section->sh_offset, tree.data(), tree.size())) return {};
     const std::size_t length = wordAt(tree.data());
@@ -119,8 +119,8 @@ std::optional<Node> parseNode(const char* tree, std::size_t offset, std::size_t 
     }
     if (position + 2 > node.end) return std::nullopt;
     node.value = std::min(aligned(position + 2), node.end);
-    const std::size_t stated = std::size_t{wordAt(tree + offset + 2)} * (node.isText ? 2 : 1);
-    node.valueSize = std::min(stated, node.end - node.value);
+    const std::size_t valueSize = std::size_t{wordAt(tree + offset + 2)} * (node.isText ? 2 : 1);
+    node.valueSize = std::min(valueSize, node.end - node.value);
     return node;
 }
 
@@ -130,7 +130,7 @@ bool isNamed(const char* tree, const Node& node, std::string_view name) {
     for (std::size_t i = 0; i < text.size(); ++i) {
         text[i] = toLatin1(wordAt(tree + node.name + 2 * i));
     }
-    return sameText(text, name);
+    return equalIgnoringCase(text, name);
 }
 
 std::optional<Node> findChild(const char* tree, const Node& parent, std::string_view name) {

@@ -4,7 +4,7 @@
 #include <string_view>
 
 /// Whether two names are the same without regard to the case of ASCII letters.
-inline bool sameText(std::string_view left, std::string_view right) {
+inline bool equalIgnoringCase(std::string_view left, std::string_view right) {
     const auto lower = [](char character) {
         return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
     };
