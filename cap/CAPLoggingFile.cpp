@@ -13,7 +13,8 @@ namespace {
 constexpr std::int32_t bannerModuleNumber = 0;
 constexpr std::size_t zoneTextLength = 9;
 
-/// The zone's standard offset, such as "UTC+01:00". The runtime counts minutes west of UTC, so east is negative.
+/// Returns the zone's offset without daylight saving, such as "UTC+01:00". The C runtime counts minutes west of UTC, so
+/// the sign is reversed.
 std::string currentZoneText() {
     __timeb64 now{};
     _ftime64(&now);
@@ -43,7 +44,7 @@ CAPLoggingFile::CAPLoggingFile() : zoneText(currentZoneText()) {}
 CAPLoggingFile::~CAPLoggingFile() {
     try {
         CloseFile();
-    } catch (...) { // NOLINT(bugprone-empty-catch): the banner may be lost, the stream closes all the same
+    } catch (...) { // NOLINT(bugprone-empty-catch): only the banner is lost; the stream is closed by its member
     }
 }
 
@@ -92,7 +93,7 @@ void CAPLoggingFile::HandleMessage(ICAPLoggingSource* source, const ICAPLoggingM
 }
 
 void CAPLoggingFile::writeLine(const std::string& source, const ICAPLoggingMessage& message) {
-    std::string line = isLastLineIncomplete ? "\n" : ""; // a full disk may have let a part of the last line through
+    std::string line = isLastLineIncomplete ? "\n" : "";
     appendTimestamp(line);
     line += FormatText("[%X:%X%s] ", static_cast<unsigned>(GetCurrentProcessId()),
                        static_cast<unsigned>(GetCurrentThreadId()), source.c_str());
@@ -102,7 +103,8 @@ void CAPLoggingFile::writeLine(const std::string& source, const ICAPLoggingMessa
     if (written != Written::nothing) isLastLineIncomplete = written == Written::part;
 }
 
-/// Appends date, time and zone, a text that is made once a second. A thread that finds another at it makes its own.
+/// Appends date, time and zone. The text is cached for a second; a thread that finds the cache in use formats its own
+/// text instead of waiting.
 void CAPLoggingFile::appendTimestamp(std::string& line) {
     const __time64_t now = std::time(nullptr);
     if (isTimestampInUse.test_and_set(std::memory_order_acquire)) {

@@ -25,7 +25,7 @@ std::string_view takeLine(std::string_view& text) {
     return trimmed(line);
 }
 
-/// Takes a quoted text with its escapes \\ and \" from the front of a line.
+/// Removes a quoted text from the front of a line and returns it with its escapes \\ and \" resolved.
 std::optional<std::string> takeQuoted(std::string_view& line) {
     if (!line.starts_with('"')) return std::nullopt;
     std::string content;
@@ -40,7 +40,7 @@ std::optional<std::string> takeQuoted(std::string_view& line) {
     return std::nullopt;
 }
 
-/// Takes the "=" behind a value's name.
+/// Removes the "=" after a value's name.
 bool takeEquals(std::string_view& line) {
     line = trimmed(line);
     if (!line.starts_with('=')) return false;
@@ -52,8 +52,8 @@ bool isByteList(std::string_view statement) {
     return takeQuoted(statement) && takeEquals(statement) && statement.starts_with("hex");
 }
 
-/// Takes the next line; a list of bytes together with the lines that it is continued on by a backslash at its end. A
-/// blank line always ends it.
+/// Removes the next line and returns it. A list of bytes includes its continuation lines: those after a backslash at
+/// the end of a line, up to a blank line.
 std::string takeStatement(std::string_view& text) {
     std::string_view line = takeLine(text);
     std::string statement(line);
@@ -89,7 +89,7 @@ std::optional<Value> parseBytes(DWORD type, std::string_view list) {
     return value;
 }
 
-/// What stands behind the "=" of a value: "text", dword:1f, hex:00,01 or hex(type):00,01.
+/// Parses the part after "=": "text", dword:1f, hex:00,01 or hex(type):00,01.
 std::optional<Value> parseValue(std::string_view text) {
     constexpr std::string_view dwordPrefix = "dword:";
     constexpr std::string_view binaryPrefix = "hex:";
@@ -112,7 +112,7 @@ std::optional<Value> parseValue(std::string_view text) {
     return type ? parseBytes(*type, text.substr(close + 2)) : std::nullopt;
 }
 
-/// Imports a store, statement by statement, as far as one key and one value of it go.
+/// Looks up a key and one of its values by applying the statements of a text in order.
 class Lookup {
 public:
     Lookup(std::string_view wantedKey, std::string_view wantedName) : key(wantedKey), name(wantedName) {}
@@ -181,16 +181,16 @@ std::optional<Value> findValue(std::string_view text, std::string_view key, std:
 }
 
 std::string missingHeadings(std::string_view text, std::string_view root, std::string_view key) {
-    const std::string_view lineEnding = text.find("\r\n") != std::string_view::npos ? "\r\n" : "\n";
+    const std::string lineEnding = text.find("\r\n") != std::string_view::npos ? "\r\n" : "\n";
     std::string headings;
     for (std::size_t end = root.size(); end < key.size();) {
         end = std::min(key.find('\\', end + 1), key.size());
         if (hasKey(text, key.substr(0, end))) continue;
-        headings += std::string(lineEnding) + '[' + std::string(key.substr(0, end)) + ']' + std::string(lineEnding);
+        headings += lineEnding + '[' + std::string(key.substr(0, end)) + ']' + lineEnding;
     }
     if (headings.empty()) return {};
-    if (text.empty()) return std::string(signature) + std::string(lineEnding) + headings;
-    return (text.ends_with('\n') ? "" : std::string(lineEnding)) + headings;
+    if (text.empty()) return std::string(signature) + lineEnding + headings;
+    return (text.ends_with('\n') ? "" : lineEnding) + headings;
 }
 
 } // namespace registry

@@ -15,7 +15,7 @@ struct Language {
 
 constexpr LANGID usEnglish = 0x0409;
 
-/// Locales and their language identifiers; the first of a language stands for its other countries.
+/// Locales and their language identifiers. The first entry of a language is also used for countries not listed.
 /// Source: "Language identifier constants and strings" in the Windows API reference.
 constexpr std::array languages{
     Language{"en_US", usEnglish}, Language{"en_GB", 0x0809}, Language{"en_AU", 0x0C09}, Language{"en_CA", 0x1009},
@@ -37,7 +37,7 @@ std::string_view environmentLocale() {
     return {};
 }
 
-/// The identifier of the first locale that begins like this; 0 for none.
+/// Returns the identifier of the first locale with a prefix; 0 if there is none.
 LANGID findByPrefix(std::string_view prefix) {
     const auto* const found = std::find_if(languages.begin(), languages.end(), [&](const Language& language) {
         return language.locale.starts_with(prefix);

@@ -1,6 +1,7 @@
-// A file that is open for appending alone gets each write at its end, in one piece. Wine looks for the end before it
-// writes there, so that writers keep each other off by a lock, too: of a byte far beyond the end, so that nobody is
-// kept from reading. Any process that can read the file can hold its lock for good; then the lines go without.
+// Windows appends each write atomically to a file that is open with FILE_APPEND_DATA but not FILE_WRITE_DATA. Wine
+// finds the end and writes in two steps, so writers also take a lock, on a byte far beyond the end so that readers
+// aren't affected. Any process that can read the file can hold that lock forever; after a limit, lines are written
+// without it.
 
 #include "platform/LogStream.h"
 
@@ -23,8 +24,9 @@ LONGLONG sizeOf(HANDLE file) {
     return GetFileSizeEx(file, &size) != FALSE ? size.QuadPart : 0;
 }
 
-/// Keeps other writers off the file for the object's life: those of this process surely, others if they let it. As long
-/// as the file grows, the lock is passed on among its writers; when it doesn't, the lock is given up after a few tries.
+/// Excludes other writers for the object's lifetime: always those of this process, those of other processes unless the
+/// lock can't be acquired in time. While the file grows, the lock is in use by writers and worth waiting for; while it
+/// doesn't, the wait ends after a few attempts.
 class WriteLock {
 public:
     explicit WriteLock(std::FILE* stream) : file(handleOf(stream)) {
