@@ -28,10 +28,10 @@ std::optional<LibraryFault> findFault(const std::filesystem::path& library) try 
     case LibraryDefect::notALibrary:
         return LibraryFault{library.string() + ": it is not a library of this system",
                             "replace it with the right file"};
-    case LibraryDefect::foreign:
+    case LibraryDefect::wrongArchitecture:
         return LibraryFault{library.string() + ": it is a library of 32 bits, or for another processor",
                             "replace it with the 64-bit library for the processor that this program is for"};
-    case LibraryDefect::cutShort:
+    case LibraryDefect::truncated:
         return LibraryFault{library.string() + ": it is cut short, and has only " + std::to_string(file.size()) +
                                 " bytes",
                             "copy or install it again"};

@@ -8,7 +8,7 @@
 namespace common {
 
 /// What a file's headers say against loading it as a library.
-enum class LibraryDefect { none, notALibrary, foreign, cutShort };
+enum class LibraryDefect { none, notALibrary, wrongArchitecture, truncated };
 
 /// Looks at the headers, which one source per system knows.
 LibraryDefect findHeaderDefect(std::string_view file);

@@ -30,12 +30,12 @@ std::size_t editDistance(std::string_view from, std::string_view to) {
 } // namespace
 
 std::optional<std::string> nearestName(std::string_view given, const std::vector<std::string>& known,
-                                       std::size_t mostEdits) {
+                                       std::size_t maxEdits) {
     std::optional<std::string> nearest;
     for (const std::string& name : known) {
         const std::size_t edits = editDistance(given, name);
-        if (edits > mostEdits || (nearest && edits == mostEdits)) continue;
-        mostEdits = edits;
+        if (edits > maxEdits || (nearest && edits == maxEdits)) continue;
+        maxEdits = edits;
         nearest = name;
     }
     return nearest;

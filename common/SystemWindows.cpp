@@ -18,7 +18,7 @@ const char* const sdkFileName = "i1Pro364.dll";
 
 namespace {
 
-constexpr DWORD longestText = 32'767;
+constexpr DWORD maxTextLength = 32'767;
 
 HMODULE handle(void* library) {
     return static_cast<HMODULE>(library);
@@ -31,12 +31,12 @@ std::wstring exactPath(const std::filesystem::path& path) {
 }
 
 /// Makes a damaged file an error, for the object's life, where the system would show a dialogue.
-class NoDialogues {
+class SuppressErrorDialogs {
 public:
-    NoDialogues() { SetThreadErrorMode(SEM_FAILCRITICALERRORS, &earlier); }
-    NoDialogues(const NoDialogues&) = delete;
-    NoDialogues& operator=(const NoDialogues&) = delete;
-    ~NoDialogues() { SetThreadErrorMode(earlier, nullptr); }
+    SuppressErrorDialogs() { SetThreadErrorMode(SEM_FAILCRITICALERRORS, &earlier); }
+    SuppressErrorDialogs(const SuppressErrorDialogs&) = delete;
+    SuppressErrorDialogs& operator=(const SuppressErrorDialogs&) = delete;
+    ~SuppressErrorDialogs() { SetThreadErrorMode(earlier, nullptr); }
 
 private:
     DWORD earlier = 0;
@@ -50,15 +50,15 @@ LibraryDefect findHeaderDefect(std::string_view file) {
     const auto dos = readRecord<IMAGE_DOS_HEADER>(file, 0);
     const auto start = dos ? static_cast<std::uint64_t>(dos->e_lfanew) : 0;
     const auto header = readRecord<IMAGE_NT_HEADERS64>(file, start);
-    if (!dos || !header) return cutShort;
+    if (!dos || !header) return truncated;
     const IMAGE_FILE_HEADER& kind = header->FileHeader;
     if (header->Signature != IMAGE_NT_SIGNATURE || (kind.Characteristics & IMAGE_FILE_DLL) == 0) return notALibrary;
-    if (kind.Machine != IMAGE_FILE_MACHINE_AMD64) return foreign;
-    if (header->OptionalHeader.Magic != IMAGE_NT_OPTIONAL_HDR64_MAGIC) return foreign;
+    if (kind.Machine != IMAGE_FILE_MACHINE_AMD64) return wrongArchitecture;
+    if (header->OptionalHeader.Magic != IMAGE_NT_OPTIONAL_HDR64_MAGIC) return wrongArchitecture;
     std::uint64_t next = start + offsetof(IMAGE_NT_HEADERS64, OptionalHeader) + kind.SizeOfOptionalHeader;
     for (int i = 0; i < kind.NumberOfSections; ++i, next += sizeof(IMAGE_SECTION_HEADER)) {
         const auto section = readRecord<IMAGE_SECTION_HEADER>(file, next);
-        if (!section || !isInside(file, section->PointerToRawData, section->SizeOfRawData)) return cutShort;
+        if (!section || !isInside(file, section->PointerToRawData, section->SizeOfRawData)) return truncated;
     }
     return none;
 }
@@ -70,7 +70,7 @@ std::filesystem::path sdkOf(const std::filesystem::path& module) {
 // The libraries that this one needs are looked for beside it and among the system's own: never in the working folder
 // or on the path, where anybody may have put one of the same name.
 SharedLibrary::SharedLibrary(const std::filesystem::path& path) {
-    const NoDialogues quiet;
+    const SuppressErrorDialogs quiet;
     library = LoadLibraryExW(exactPath(path).c_str(), nullptr,
                              LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_SYSTEM32);
     if (library != nullptr) return;
@@ -102,8 +102,8 @@ void* libraryOf(const void* address) {
 std::filesystem::path fileOf(const void* address) {
     void* const module = libraryOf(address);
     if (module == nullptr) return {};
-    std::wstring file(longestText, L'\0');
-    file.resize(GetModuleFileNameW(handle(module), file.data(), longestText));
+    std::wstring file(maxTextLength, L'\0');
+    file.resize(GetModuleFileNameW(handle(module), file.data(), maxTextLength));
     return file;
 }
 
@@ -121,8 +121,8 @@ std::filesystem::path programFolder() {
 
 std::optional<std::filesystem::path> fileOfEnvironment(const char* variable) {
     const std::wstring name = std::filesystem::path(variable).native();
-    std::wstring value(longestText, L'\0');
-    value.resize(GetEnvironmentVariableW(name.c_str(), value.data(), longestText));
+    std::wstring value(maxTextLength, L'\0');
+    value.resize(GetEnvironmentVariableW(name.c_str(), value.data(), maxTextLength));
     if (value.empty()) return std::nullopt;
     return value;
 }

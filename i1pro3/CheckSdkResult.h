@@ -5,7 +5,7 @@
 #include <vector>
 
 /// A buffer for the texts that the vendor's library hands out: zeroed, of the size that the library is told.
-class SdkText {
+class SdkTextBuffer {
 public:
     char* data() { return buffer.data(); }
     /// The size variable of a query. It starts as the buffer's size; the library may change it.

@@ -43,7 +43,7 @@ private:
 
 /// Runs what must not fail: there is nowhere left to report to.
 template <class Operation>
-void quietly(Operation operation) noexcept {
+void ignoringExceptions(Operation operation) noexcept {
     try {
         operation();
     } catch (...) { // NOLINT(bugprone-empty-catch)
@@ -67,14 +67,14 @@ SPM_i1PRO3::SPM_i1PRO3() : SPM_BASE(typeName, false) {
 }
 
 SPM_i1PRO3::~SPM_i1PRO3() {
-    quietly([&] { Log(CAPLevel::debug, spmModuleNumber, "close"); });
+    ignoringExceptions([&] { Log(CAPLevel::debug, spmModuleNumber, "close"); });
     deviceState = Closed;
     currentOptions = {};
-    quietly([&] { contain([&] { reset(); }); });
+    ignoringExceptions([&] { attempt([&] { reset(); }); });
 }
 
 template <class Operation>
-bool SPM_i1PRO3::contain(Operation operation) {
+bool SPM_i1PRO3::attempt(Operation operation) {
     try {
         operation();
         return true;
@@ -98,7 +98,7 @@ void SPM_i1PRO3::reset() {
 bool SPM_i1PRO3::open(const char* device) {
     close();
     Log(CAPLevel::debug, spmModuleNumber, "open[%s]", device);
-    if (!contain([&] { connect(); })) close();
+    if (!attempt([&] { connect(); })) close();
     Log(CAPLevel::debug, spmModuleNumber, "open[%s] %s", device, isOpened() ? "done" : "failed");
     return isOpened();
 }
@@ -144,7 +144,7 @@ SPM_OPTIONS_EX SPM_i1PRO3::getStatus() {
     SPM_OPTIONS_EX status;
     if (isOpened()) {
         status.aperture = apertureValue;
-        SdkText illuminationNames;
+        SdkTextBuffer illuminationNames;
         checkSdkResult(callForeign(I1PRO3_GetOption, deviceHandle, "AvailableIlluminationsKey",
                                    illuminationNames.data(), illuminationNames.size()));
         status.illumination = uvIncluded;
@@ -157,7 +157,7 @@ SPM_OPTIONS_EX SPM_i1PRO3::getStatus() {
 SPM_CALIBRATION_EX SPM_i1PRO3::calibrate(const SPM_CALIBRATION_EX& request) {
     SPM_CALIBRATION_EX reply;
     if (!isOpened()) return resolved(reply);
-    contain([&] {
+    attempt([&] {
         switch (request.step) {
         case SPM_STEP_BEGIN:
             deviceState = CalibrationPending;
@@ -211,14 +211,14 @@ std::int32_t SPM_i1PRO3::getNumberOfReflections() const {
 
 bool SPM_i1PRO3::read(SPM_LAB* values, std::int32_t* count) {
     const std::int32_t patches = std::exchange(*count, 0);
-    return contain([&] {
+    return attempt([&] {
         if (isOpened() && patches >= 1) measure(patches, values, count);
     });
 }
 
 bool SPM_i1PRO3::readSpectrum(SPM_SPECTRUM* spectra, std::int32_t* count) {
     const std::int32_t patches = std::exchange(*count, 0);
-    return contain([&] {
+    return attempt([&] {
         if (!isOpened() || patches < 1) return;
         if (spectra->numberOfReflections == getNumberOfReflections()) measure(patches, spectra, count);
     });
@@ -264,12 +264,12 @@ void SPM_i1PRO3::readSample(std::int32_t sample, float* buffer, SPM_LAB& values)
 
 void SPM_i1PRO3::readSample(std::int32_t sample, float* buffer, const SPM_SPECTRUM& spectrum) {
     checkSdkResult(callForeign(I1PRO3_GetSpectrum, deviceHandle, buffer, sample));
-    const std::int32_t room = spectrum.numberOfReflections;
-    if (room > 0 && spectrum.reflections == nullptr)
+    const std::int32_t capacity = spectrum.numberOfReflections;
+    if (capacity > 0 && spectrum.reflections == nullptr)
         throw SPMException(spmErrorNumber, "a spectrum record has no array of reflections");
-    if (room >= numberOfReflections) {
+    if (capacity >= numberOfReflections) {
         writeReflections(buffer, spectrum.reflections, numberOfReflections);
     } else {
-        writeReflections(buffer, spectrum.reflections, room);
+        writeReflections(buffer, spectrum.reflections, capacity);
     }
 }

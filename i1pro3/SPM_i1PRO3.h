@@ -42,7 +42,7 @@ private:
     /// Runs an operation. A CAPException is logged; no exception comes out of it but one of the log itself.
     /// @return whether the operation ran to its end
     template <class Operation>
-    bool contain(Operation operation);
+    bool attempt(Operation operation);
 
     State deviceState = Closed;
     I1PRO3_DeviceHandle deviceHandle = nullptr;

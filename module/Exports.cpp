@@ -27,7 +27,7 @@ auto withModule(SPM_HANDLE handle, Operation operation) noexcept {
 }
 
 /// Whether there is an instrument to read from and a place for what it measures; if not, nothing has been measured.
-bool canRead(SPM_HANDLE handle, const void* records, std::int32_t* count) noexcept {
+bool checkReadArguments(SPM_HANDLE handle, const void* records, std::int32_t* count) noexcept {
     if (count == nullptr) return false;
     if (handle != nullptr && records != nullptr) return true;
     *count = 0;
@@ -119,11 +119,11 @@ int32_t SPM_getNumberOfReflections(SPM_HANDLE handle) {
 }
 
 bool SPM_read(SPM_HANDLE handle, SPM_LAB* values, int32_t* count) {
-    return canRead(handle, values, count) &&
+    return checkReadArguments(handle, values, count) &&
            withModule(handle, [&](SPM_BASE& module) { return module.read(values, count); });
 }
 
 bool SPM_readSpectrum(SPM_HANDLE handle, SPM_SPECTRUM* spectra, int32_t* count) {
-    return canRead(handle, spectra, count) &&
+    return checkReadArguments(handle, spectra, count) &&
            withModule(handle, [&](SPM_BASE& module) { return module.readSpectrum(spectra, count); });
 }

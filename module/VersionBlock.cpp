@@ -49,12 +49,12 @@ constexpr auto tables = std::to_array<version_block::Table>({{0x0409, 0x04B0, te
 
 constexpr version_block::Block block = version_block::build(version_block::fixedPart(fixedInfo), tables);
 
-constexpr std::array<char, block.size()> exactly() {
+constexpr std::array<char, block.size()> resourceBytes() {
     std::array<char, block.size()> bytes{};
     std::copy(block.begin(), block.end(), bytes.begin());
     return bytes;
 }
 
-[[gnu::section(".rsrc"), gnu::used, gnu::aligned(4)]] constexpr auto versionResource = exactly();
+[[gnu::section(".rsrc"), gnu::used, gnu::aligned(4)]] constexpr auto versionResource = resourceBytes();
 
 } // namespace
