@@ -32,7 +32,8 @@ void CsvReader::fail(std::string_view what) const {
     throw CsvError(name + ", line " + std::to_string(number) + ": " + std::string(what));
 }
 
-/// Goes to the next line; false at the end.
+/// Advances to the next line.
+/// @return false at the end
 bool CsvReader::nextLine() {
     constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
     if (linesRead == 0 && rest.starts_with(byteOrderMark)) rest.remove_prefix(byteOrderMark.size());
@@ -48,7 +49,7 @@ std::string CsvReader::takeField() {
     return line.starts_with('"') ? takeQuoted() : std::string(takeUntil(line, ','));
 }
 
-/// Begins at the opening quote, and at the second of two quotes again.
+/// Each pass of the outer loop begins at a quote: the opening one, or the second of an escaped pair.
 std::string CsvReader::takeQuoted() {
     std::string taken;
     do {

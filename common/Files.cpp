@@ -13,12 +13,12 @@ std::string readFile(const std::filesystem::path& path) try {
     file.exceptions(std::ios::badbit | std::ios::failbit);
     file.open(path, std::ios::binary);
     std::string content;
-    std::array<char, 0x10000> part; // not cleared: only what was read is used
+    std::array<char, 0x10000> part; // not initialized: only the bytes read are used
     while (const std::streamsize length = file.rdbuf()->sgetn(part.data(), part.size())) {
         content.append(part.data(), static_cast<std::size_t>(length));
     }
     return content;
-} catch (const std::ios::failure&) { // a folder can be opened, too, but not be read
+} catch (const std::ios::failure&) { // from open, or from reading: a folder can be opened
     throw std::system_error(errno, std::generic_category(), path.string());
 }
 

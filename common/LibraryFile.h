@@ -7,10 +7,10 @@
 
 namespace common {
 
-/// What a file's headers say against loading it as a library.
+/// Why a file can't be loaded as a library, according to its headers.
 enum class LibraryDefect { none, notALibrary, wrongArchitecture, truncated };
 
-/// Looks at the headers, which one source per system knows.
+/// Checks a file's headers. The format is that of the system.
 LibraryDefect findHeaderDefect(std::string_view file);
 
 inline bool isInside(std::string_view file, std::uint64_t offset, std::uint64_t length) {

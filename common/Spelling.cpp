@@ -12,8 +12,9 @@ bool isSame(char a, char b) {
     return lower(a) == lower(b);
 }
 
+/// Computes the Levenshtein distance.
 std::size_t editDistance(std::string_view from, std::string_view to) {
-    // The distances of the beginning of `from` that was looked at so far to each beginning of `to`.
+    // distances[i] is the distance of the processed prefix of `from` to the first i characters of `to`.
     std::vector<std::size_t> distances(to.size() + 1);
     std::iota(distances.begin(), distances.end(), 0);
     for (const char character : from) {

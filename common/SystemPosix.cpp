@@ -31,7 +31,7 @@ LibraryDefect findHeaderDefect(std::string_view file) {
 
 namespace {
 
-/// Whether the loader takes a library from its path. It passes over those for other processors.
+/// Whether the loader picks a file that it finds on its search path. It skips those for another architecture.
 bool isPickedByLoader(const std::filesystem::path& library) try {
     return findHeaderDefect(readFile(library)) != LibraryDefect::wrongArchitecture;
 } catch (const std::system_error&) {

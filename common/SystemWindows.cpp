@@ -24,13 +24,14 @@ HMODULE handle(void* library) {
     return static_cast<HMODULE>(library);
 }
 
-/// The path of just this file: the system would add ".dll" to a name without an extension, and refuses slashes.
+/// Returns a path for LoadLibraryExW, which rejects slashes and appends ".dll" to a name without an extension; a final
+/// dot prevents that.
 std::wstring exactPath(const std::filesystem::path& path) {
     const std::wstring absolute = std::filesystem::absolute(path).make_preferred().native();
     return path.has_extension() ? absolute : absolute + L'.';
 }
 
-/// Makes a damaged file an error, for the object's life, where the system would show a dialogue.
+/// Prevents the system's dialog box for damaged files during the object's lifetime; loading one just fails.
 class SuppressErrorDialogs {
 public:
     SuppressErrorDialogs() { SetThreadErrorMode(SEM_FAILCRITICALERRORS, &earlier); }
@@ -67,8 +68,8 @@ std::filesystem::path sdkOf(const std::filesystem::path& module) {
     return std::filesystem::absolute(module).parent_path() / sdkFileName;
 }
 
-// The libraries that this one needs are looked for beside it and among the system's own: never in the working folder
-// or on the path, where anybody may have put one of the same name.
+// The library's dependencies are searched for beside it and in the system folder only, not in the working folder or on
+// the path, where an attacker could plant a library of the same name.
 SharedLibrary::SharedLibrary(const std::filesystem::path& path) {
     const SuppressErrorDialogs quiet;
     library = LoadLibraryExW(exactPath(path).c_str(), nullptr,
@@ -134,7 +135,7 @@ std::FILE* createFile(const std::filesystem::path& path, const char* mode) {
     return file >= 0 ? _fdopen(file, mode) : nullptr;
 }
 
-// The system ignores case, and dots and blanks at a name's end.
+// Windows ignores case, and dots and spaces at the end of a name.
 bool isSameName(const std::filesystem::path& one, const std::filesystem::path& other) {
     const auto stripped = [](const std::filesystem::path& name) {
         const std::wstring& text = name.native();

@@ -9,7 +9,7 @@ namespace common {
 
 namespace {
 
-/// Where a text stops being UTF-8, or has a NUL byte; its size when it does not.
+/// Returns the position of the first byte that is NUL or not valid UTF-8; the text's size if there is none.
 std::size_t findInvalidByte(std::string_view text) {
     using Facet = std::codecvt<char32_t, char8_t, std::mbstate_t>;
     const std::u8string bytes(text.begin(), text.end());

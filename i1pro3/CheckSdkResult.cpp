@@ -11,7 +11,7 @@ std::string SdkTextBuffer::text() const {
 }
 
 void throwSdkError() {
-    // Both queries share the buffer and the size: the second is offered what the first left in them.
+    // Both queries share the buffer and the size, so the second gets them as the first left them.
     SdkTextBuffer value;
     callForeign(I1PRO3_GetGlobalOption, "LastErrorText", value.data(), value.size());
     const std::string errorText = value.text();

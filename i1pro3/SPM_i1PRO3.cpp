@@ -23,7 +23,7 @@ constexpr std::uint32_t scanMode = 2;
 constexpr std::int32_t numberOfReflections = I1PRO3_NUMBER_OF_REFLECTIONS;
 constexpr float percent = 100.0F;
 
-/// A count as decimal digits, on the stack.
+/// A number as decimal text, without an allocation.
 class Decimal {
 public:
     explicit Decimal(std::int32_t number) { std::to_chars(digits.data(), digits.data() + digits.size() - 1, number); }
@@ -33,7 +33,7 @@ private:
     std::array<char, 12> digits{};
 };
 
-/// Inline, so that the usual record of all entries gets a loop of fixed length.
+/// Always inline, so that the usual call with all entries becomes a loop of constant length.
 [[gnu::always_inline]] inline void writeReflections(const float* factors, SPM_REFLECTION* reflections,
                                                     std::int32_t entries) {
     for (std::int32_t j = 0; j < entries; ++j) {
@@ -41,7 +41,7 @@ private:
     }
 }
 
-/// Runs what must not fail: there is nowhere left to report to.
+/// Runs an operation in the destructor, where an exception can't be reported any more.
 template <class Operation>
 void ignoringExceptions(Operation operation) noexcept {
     try {
@@ -80,7 +80,7 @@ bool SPM_i1PRO3::attempt(Operation operation) {
         return true;
     } catch (const CAPException& exception) {
         LogException(exception);
-    } catch (...) { // NOLINT(bugprone-empty-catch): the answer says it; only the module's own errors have a log message
+    } catch (...) { // NOLINT(bugprone-empty-catch): reported by the result; only a CAPException has a log message
     }
     return false;
 }
@@ -129,6 +129,7 @@ void SPM_i1PRO3::close() {
     reset();
 }
 
+/// The connection status is queried but not evaluated: its values are not documented.
 bool SPM_i1PRO3::isOpened() {
     if (deviceState == Closed) return false;
     try {
@@ -144,7 +145,7 @@ SPM_OPTIONS_EX SPM_i1PRO3::getStatus() {
     SPM_OPTIONS_EX status;
     if (isOpened()) {
         status.aperture = apertureValue;
-        SdkTextBuffer illuminationNames;
+        SdkTextBuffer illuminationNames; // not evaluated: the status is always "UV Included"
         checkSdkResult(callForeign(I1PRO3_GetOption, deviceHandle, "AvailableIlluminationsKey",
                                    illuminationNames.data(), illuminationNames.size()));
         status.illumination = uvIncluded;
@@ -178,7 +179,7 @@ SPM_CALIBRATION_EX SPM_i1PRO3::calibrate(const SPM_CALIBRATION_EX& request) {
     return resolved(reply);
 }
 
-/// Calibrates if the button was pressed, and gives the step to answer with.
+/// Calibrates if the button was pressed, and returns the step to reply with.
 std::uint32_t SPM_i1PRO3::continueCalibration() {
     if (deviceState == CalibrationPending &&
         callForeign(I1PRO3_GetButtonStatusD, deviceHandle) != I1PRO3_BUTTON_NOT_PRESSED) {
@@ -224,22 +225,21 @@ bool SPM_i1PRO3::readSpectrum(SPM_SPECTRUM* spectra, std::int32_t* count) {
     });
 }
 
-/// Measures if the button was pressed. `count` counts the records as they are filled, so that a failure leaves in it
-/// how many there are.
+/// Measures if the button was pressed. Increments `count` with each record, so that it is correct after a failure, too.
 template <class Record>
 void SPM_i1PRO3::measure(std::int32_t patches, Record* records, std::int32_t* count) {
     setMeasurementMode(patches);
     if (callForeign(I1PRO3_GetButtonStatusD, deviceHandle) == I1PRO3_BUTTON_NOT_PRESSED) return;
     checkSdkResult(callForeign(I1PRO3_TriggerMeasurement, deviceHandle));
     const std::int32_t samples = numberOfSamples(patches);
-    std::array<float, numberOfReflections> buffer{}; // for all samples, whether of three values or a spectrum
+    std::array<float, numberOfReflections> buffer{}; // for a spectrum or the three CIELab values of one sample
     for (std::int32_t sample = 0; sample < samples; ++sample) {
         readSample(sample, buffer.data(), records[sample]);
         *count = sample + 1;
     }
 }
 
-/// One patch is a spot; more are a row to scan.
+/// One patch is measured as a spot, several as a scan.
 void SPM_i1PRO3::setMeasurementMode(std::int32_t patches) {
     if (patches == 1) {
         setOption("MeasurementMode", "ReflectanceSpot");
