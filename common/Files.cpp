@@ -29,8 +29,8 @@ std::optional<LibraryFault> findFault(const std::filesystem::path& library) try 
         return LibraryFault{library.string() + ": it is not a library of this system",
                             "replace it with the right file"};
     case LibraryDefect::wrongArchitecture:
-        return LibraryFault{library.string() + ": it is a library of 32 bits, or for another processor",
-                            "replace it with the 64-bit library for the processor that this program is for"};
+        return LibraryFault{library.string() + ": it is a 32-bit library, or one for another processor",
+                            "replace it with the 64-bit library for the processor of this program"};
     case LibraryDefect::truncated:
         return LibraryFault{library.string() + ": it is cut short, and has only " + std::to_string(file.size()) +
                                 " bytes",

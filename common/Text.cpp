@@ -33,7 +33,7 @@ void requireUtf8(std::string_view text, std::string_view description) {
     const std::string_view before = text.substr(0, invalid);
     throw TextError(fmt::format("{}, line {}, byte {}: {} (0x{:02X}); save it as UTF-8", description,
                                 1 + std::count(before.begin(), before.end(), '\n'), invalid - before.rfind('\n'),
-                                text[invalid] == '\0' ? "a NUL byte, which no text has" : "this is not UTF-8",
+                                text[invalid] == '\0' ? "a NUL byte is not allowed" : "this is not UTF-8",
                                 static_cast<std::uint8_t>(text[invalid])));
 }
 

@@ -99,7 +99,7 @@ TEST(Doctor, HasAVerdictOnEachPart) {
          {{wrong, "Module", "can't load the SDK library ", "fix the SDK library first"},
           {wrong, "SDK library", sdk + ": it is cut short, and has only ", "copy or install it again"}}},
         {[](Installation& its) { Installation::makeForeign(its.sdk()); },
-         {{wrong, "SDK library", "it is a library of 32 bits, or for another processor",
+         {{wrong, "SDK library", "it is a 32-bit library, or one for another processor",
            "replace it with the 64-bit library "}}},
         {[](Installation& its) { writeFile(its.module(), readFile(its.sdk())); },
          {{wrong, "Module", "it has no SPM_create", "install the module's file again"}}},
