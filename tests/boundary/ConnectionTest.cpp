@@ -12,7 +12,7 @@ const Texts closing{"GetConnectionStatus SIM1", "CloseDevice SIM1", "SetGlobalOp
 } // namespace
 
 // The calls of opening are FaultSweep's.
-TEST_F(Connection, OpensClosesAndOpensAgain) {
+TEST_F(Connection, OpensClosesAndReopens) {
     EXPECT_FALSE(module.isOpened(handle));
     module.close(handle);
     EXPECT_EQ(module.getStatus(handle).aperture, 0U);
@@ -57,10 +57,10 @@ TEST_F(Connection, FailsWithoutAnInstrument) {
     EXPECT_EQ(sdk.takeCalls()[1], "OpenDevice SIM1") << "the first of two";
 }
 
-TEST_F(Connection, DestroyingResetsAndDoesNotClose) {
+TEST_F(Connection, DestroyResetsButDoesNotClose) {
     open();
     module.destroy(nullptr);
-    fail("SetGlobalOption");
+    failNextCall("SetGlobalOption");
     module.destroy(std::exchange(handle, nullptr));
     EXPECT_EQ(sdk.takeCalls(), (Texts{"SetGlobalOption Reset All", "GetGlobalOption LastErrorText 65000",
                                       "GetGlobalOption LastErrorNumber 65000"}));
@@ -69,9 +69,9 @@ TEST_F(Connection, DestroyingResetsAndDoesNotClose) {
     EXPECT_TRUE(readText(logFile()).find("M7 D: close\n") < readText(logFile()).find(message));
 }
 
-TEST_F(Connection, AFailedCloseEndsAnOpenAtOnce) {
+TEST_F(Connection, FailedCloseAbortsOpen) {
     open();
-    fail("CloseDevice");
+    failNextCall("CloseDevice");
     EXPECT_FALSE(module.open(handle, "USB"));
     EXPECT_EQ(sdk.takeCalls(), (Texts{"GetConnectionStatus SIM1", "CloseDevice SIM1",
                                       "GetGlobalOption LastErrorText 65000", "GetGlobalOption LastErrorNumber 65000"}));
@@ -86,7 +86,7 @@ TEST_F(Connection, AFailedCloseEndsAnOpenAtOnce) {
 }
 
 // Neither as a format, nor beyond its buffer; both queries share the buffer and the size.
-TEST_F(Connection, TakesErrorTextsAsTheyAre) {
+TEST_F(Connection, LogsErrorTextsVerbatim) {
     const std::string longText(65'001, 'x');
     sdk.use(R"({"faults": [{"function": "I1PRO3_GetDevices", "result": 9, "times": 2},
         {"function": "I1PRO3_GetGlobalOption", "output": "100%s%n", "size": 3},

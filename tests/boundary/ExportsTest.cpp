@@ -2,7 +2,7 @@
 
 using Exports = ModuleTest;
 
-TEST_F(Exports, TellVersionAndType) {
+TEST_F(Exports, ReturnVersionAndType) {
     EXPECT_EQ(module.getVersion(nullptr), 3U);
     EXPECT_EQ(module.getMinorVersion(), 0U);
     std::string buffer = "xxxx";
@@ -16,7 +16,7 @@ TEST_F(Exports, TellVersionAndType) {
     module.getType(nullptr);
 }
 
-TEST_F(Exports, GiveOptionsAndConstants) {
+TEST_F(Exports, ReturnOptionMasksAndConstants) {
     const SPM_OPTION_MASKS masks = module.getOptionMasks(handle);
     EXPECT_EQ((std::array{masks.apertureMask, masks.illuminationMask, masks.auxiliaryMask, masks.modeMask,
                           masks.referenceMask}),
@@ -28,8 +28,8 @@ TEST_F(Exports, GiveOptionsAndConstants) {
     EXPECT_TRUE(sdk.takeCalls().empty());
 }
 
-TEST_F(Exports, AnswerNullWithTheirFailure) {
-    prepare();
+TEST_F(Exports, RejectNullArguments) {
+    openAndCalibrate();
     SPM_LAB value{};
     SPM_SPECTRUM spectrum{};
     const SPM_OPTIONS options{};
@@ -55,9 +55,9 @@ TEST_F(Exports, AnswerNullWithTheirFailure) {
     EXPECT_TRUE(module.isOpened(handle));
 }
 
-TEST_F(Exports, ContainWhatTheListenerThrows) {
-    Thrower thrower(1);
-    prepare();
+TEST_F(Exports, CatchExceptionsOfListeners) {
+    ThrowingListener thrower(1);
+    openAndCalibrate();
     SPM_CALIBRATION calibration{9, 9, 9, 9, SPM_STEP_BEGIN};
     module.calibrate(handle, &calibration);
     handle->AddListener(&thrower);

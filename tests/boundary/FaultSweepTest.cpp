@@ -31,8 +31,8 @@ const Texts opening{"!GetDevices",
 const Texts readingStatus{"GetConnectionStatus SIM1", "!GetOption SIM1 AvailableIlluminationsKey 65000"};
 const Texts calibrating{"GetConnectionStatus SIM1", "GetButtonStatusD SIM1", "!SetOption SIM1 PrecisionCalibration 1",
                         "!SetOption SIM1 MeasurementMode ReflectanceSpot", "!Calibrate SIM1"};
-const Texts asking{"GetConnectionStatus SIM1", "!SetOption SIM1 MeasurementMode ReflectanceSpot",
-                   "TriggerMeasurement SIM1"};
+const Texts checkingCalibration{"GetConnectionStatus SIM1", "!SetOption SIM1 MeasurementMode ReflectanceSpot",
+                                "TriggerMeasurement SIM1"};
 const Texts spot{"GetConnectionStatus SIM1", "!SetOption SIM1 MeasurementMode ReflectanceSpot", "GetButtonStatusD SIM1",
                  "!TriggerMeasurement SIM1", "!GetTriStimulus SIM1 0"};
 const Texts scan{"GetConnectionStatus SIM1",
@@ -51,7 +51,7 @@ const std::vector<Operation> operations{
     {"status", "1", "0", "0", readingStatus},
     {"begin", "1", "", "3", {"GetConnectionStatus SIM1"}},
     {"continue", "4", "3", "3", calibrating},
-    {"isCalibrated", "1", "0", "0", asking},
+    {"isCalibrated", "1", "0", "0", checkingCalibration},
     {"spot", "1 1 1", "0 0 0", "1 0 0", spot},
     {"scan", "1 2 11", "0 0 00", "1 0 00", scan},
     {"close", "", "", "", closing},
@@ -135,7 +135,7 @@ private:
 
 } // namespace
 
-TEST_F(FaultSweep, EachFailureShowsAndLeavesAWorkingObject) {
+TEST_F(FaultSweep, ReportsEachFailureAndKeepsTheObjectUsable) {
     EXPECT_EQ(run(), withoutFault());
     const Texts callsWithoutFault = sdk.takeCalls();
     Texts calls;

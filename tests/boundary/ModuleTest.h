@@ -33,17 +33,17 @@ protected:
     Texts log() const;
 
     /// Makes the next call of a function, such as "OpenDevice", give a result. Earlier faults are dropped.
-    void fail(const std::string& function, int32_t result = 9);
+    void failNextCall(const std::string& function, int32_t result = 9);
 
     void open();
     /// Opens and calibrates.
-    void prepare();
+    void openAndCalibrate();
 
     TempFolder folder;
     EnvironmentVariable trace{"I1PRO3_TRACE", (folder / "calls.jsonl").string()};
     LoggingOn settings;
     const spm::Module module;
     SimulatedSdk sdk;
-    Recorder listener;
+    RecordingListener listener;
     SPM_HANDLE handle;
 };

@@ -25,7 +25,7 @@ void withSizeLimit(std::size_t size, Operation operation) {
 
 } // namespace
 
-TEST(FullDisk, LosesLogLinesUntilThereIsRoom) {
+TEST(FullDisk, LosesLogLinesUntilSpaceIsFree) {
     const TempFolder folder;
     const std::string path = (folder / "log").string();
     for (const std::size_t room : {0U, 30U}) {
@@ -47,7 +47,7 @@ TEST(FullDisk, LosesLogLinesUntilThereIsRoom) {
     }
 }
 
-TEST(FullDisk, LeavesTheSettingsAsTheyWere) {
+TEST(FullDisk, LeavesSettingsUnchanged) {
     const TempFolder folder;
     const std::string path = (folder / "settings.reg").string();
     const EnvironmentVariable variable("SPM_REGISTRY", path);

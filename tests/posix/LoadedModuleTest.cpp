@@ -19,7 +19,7 @@ TEST_F(LoadedModule, LeavesNoFileOpen) {
     EXPECT_EQ(numberOfOpenFiles(), before);
 }
 
-TEST(LoadedModuleFile, IsFoundByARelativeNameFromAnotherFolder) {
+TEST(LoadedModuleFile, IsFoundAfterLoadingByARelativePath) {
     const TempFolder folder;
     const std::filesystem::path file = installModule(folder);
     const std::filesystem::path earlier = std::filesystem::current_path();

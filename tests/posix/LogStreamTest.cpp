@@ -9,7 +9,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-TEST(LogStream, IsARegularFile) {
+TEST(LogStream, MustBeARegularFile) {
     const TempFolder folder;
     const std::string pipe = (folder / "pipe").string();
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
@@ -20,7 +20,7 @@ TEST(LogStream, IsARegularFile) {
     EXPECT_EQ(openLogStream("/dev/full", "a"), nullptr);
 }
 
-TEST(LogStream, IsNotInherited) {
+TEST(LogStream, IsNotInheritedByChildProcesses) {
     const TempFolder folder;
     std::FILE* const stream = openLogStream((folder / "log").string().c_str(), "a");
     ASSERT_NE(stream, nullptr);

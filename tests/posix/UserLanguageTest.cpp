@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-TEST(UserLanguage, IsThatOfTheEnvironment) {
+TEST(UserLanguage, FollowsTheEnvironment) {
     using Locales = std::array<const char*, 3>; // LC_ALL, LC_MESSAGES, LANG
     const std::vector<std::pair<Locales, LANGID>> cases{
         {{"de_DE.UTF-8", "fr_FR", "it_IT"}, 0x0407},
@@ -23,7 +23,7 @@ TEST(UserLanguage, IsThatOfTheEnvironment) {
     }
 }
 
-TEST(UserLanguage, HasTheIdentifiersThatPythonHas) {
+TEST(UserLanguage, AgreesWithPython) {
     const TempFolder folder;
     const std::string script =
         "import locale; [print(name, identifier) for identifier, name in locale.windows_locale.items()]";

@@ -23,7 +23,7 @@ protected:
 
 } // namespace
 
-TEST_F(VersionResource, MustStandInAnElfFile) {
+TEST_F(VersionResource, RequiresAnElfFile) {
     const std::size_t name = complete.find(".rsrc");
     for (const std::size_t offset :
          {std::size_t{0}, std::size_t{EI_CLASS}, offsetof(Elf64_Ehdr, e_shentsize), name, name + 5}) {
@@ -34,7 +34,7 @@ TEST_F(VersionResource, MustStandInAnElfFile) {
     }
 }
 
-TEST_F(VersionResource, KeepsLengthsWithinWhatHoldsThem) {
+TEST_F(VersionResource, LimitsLengthsToTheParentNode) {
     struct Case {
         std::u16string node;
         std::uint16_t length;
@@ -80,7 +80,7 @@ TEST_F(VersionResource, SurvivesTruncatedAndHostileFiles) {
     EXPECT_EQ(loadFile(complete), 1);
 }
 
-TEST_F(VersionResource, NeedsRoomForAllOfIt) {
+TEST_F(VersionResource, RejectsABlockThatIsTooSmall) {
     std::vector<char> block(GetFileVersionInfoSizeA(path.c_str(), nullptr));
     const auto size = static_cast<DWORD>(block.size());
     EXPECT_EQ(GetFileVersionInfoA(path.c_str(), 0, size - 1, block.data()), FALSE);
@@ -88,7 +88,7 @@ TEST_F(VersionResource, NeedsRoomForAllOfIt) {
 }
 
 // The environment is the user's language here.
-TEST_F(VersionResource, HasTheTableOfTheUsersLanguage) {
+TEST_F(VersionResource, SelectsTheUsersLanguage) {
     const EnvironmentVariable variable("LC_ALL", "de_DE.UTF-8");
     const std::vector<std::string> chosen{
         "0407", // the same

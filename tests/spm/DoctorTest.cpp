@@ -114,7 +114,7 @@ TEST(Doctor, HasAVerdictOnEachPart) {
          {{good, "SDK library", sdk, ""}, {good, "Calibration", "done", ""}}},
         {[](Installation& its) {
              its.settings.setNumber("Logging", 1);
-             its.settings.forbid();
+             its.settings.denyWriting();
          },
          {{note, "Settings", " can't be opened for reading and writing", "to have settings, "},
           {wrong, "Logging", "0 by default: what is set in " + key + " is ignored", spm::settingsRightAdvice}}},

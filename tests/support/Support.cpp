@@ -66,9 +66,9 @@ EnvironmentVariable::~EnvironmentVariable() {
 }
 
 int run(const fs::path& program, const std::vector<std::string>& arguments, const Output& output) {
-    std::string command = inQuotes(program.string());
+    std::string command = quoted(program.string());
     for (const std::string& argument : arguments) {
-        command += ' ' + inQuotes(argument);
+        command += ' ' + quoted(argument);
     }
-    return execute(command + " >" + inQuotes(output.out.string()) + " 2>" + inQuotes(output.err.string()));
+    return execute(command + " >" + quoted(output.out.string()) + " 2>" + quoted(output.err.string()));
 }

@@ -46,9 +46,9 @@ private:
 
 /// A listener that throws what it is given.
 template <class Exception>
-class Thrower : public ICAPLoggingListener {
+class ThrowingListener : public ICAPLoggingListener {
 public:
-    explicit Thrower(Exception thrown) : exception(std::move(thrown)) {}
+    explicit ThrowingListener(Exception thrown) : exception(std::move(thrown)) {}
     void HandleMessage(ICAPLoggingSource* /*source*/, const ICAPLoggingMessage& /*message*/) override {
         throw exception; // NOLINT(misc-throw-by-value-catch-by-reference,cert-err09-cpp,cert-err61-cpp)
     }
@@ -58,7 +58,7 @@ private:
 };
 
 /// Keeps the one-line forms of the messages that it receives, and where the last came from.
-class Recorder : public ICAPLoggingListener {
+class RecordingListener : public ICAPLoggingListener {
 public:
     void HandleMessage(ICAPLoggingSource* source, const ICAPLoggingMessage& message) override {
         lastSource = source;

@@ -29,7 +29,7 @@ struct Output {
 int run(const std::filesystem::path& program, const std::vector<std::string>& arguments, const Output& output);
 
 /// What of this is the system's own: a word for its command interpreter, and having that execute a command.
-std::string inQuotes(const std::string& word);
+std::string quoted(const std::string& word);
 int execute(const std::string& command);
 
 /// Writes a library file with a version resource.
@@ -57,7 +57,7 @@ public:
     void setText(const std::string& name, const std::string& text);
 
     /// Takes away the right to write; on Linux, from this thread also root's rights to all files.
-    void forbid();
+    void denyWriting();
 
     /// Back to no settings, with the right to write.
     void clear();

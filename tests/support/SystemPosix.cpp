@@ -32,7 +32,7 @@ void setVariable(const std::string& name, const std::optional<std::string>& valu
     tzset();
 }
 
-std::string inQuotes(const std::string& word) {
+std::string quoted(const std::string& word) {
     return '\'' + word + '\'';
 }
 
@@ -84,7 +84,7 @@ void Settings::set(const std::string& key, const std::string& name, std::uint32_
                          std::to_string(type) + "):" + value.str() + "\n");
 }
 
-void Settings::forbid() {
+void Settings::denyWriting() {
     constexpr uid_t nobody = 65534;
     if (!fs::exists(place)) writeFile(place, "");
     fs::permissions(place, fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);

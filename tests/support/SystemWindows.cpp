@@ -48,13 +48,13 @@ void setVariable(const std::string& name, const std::optional<std::string>& valu
     _tzset();
 }
 
-std::string inQuotes(const std::string& word) {
+std::string quoted(const std::string& word) {
     return '"' + std::regex_replace(word, std::regex("\""), "\\\"") + '"';
 }
 
 int execute(const std::string& command) {
-    const std::string quoted = '"' + command + '"'; // the command interpreter takes away the outer quotes
-    return _wsystem(fs::path(std::u8string(quoted.begin(), quoted.end())).c_str());
+    const std::string inQuotes = '"' + command + '"'; // the command interpreter removes the outer quotes
+    return _wsystem(fs::path(std::u8string(inQuotes.begin(), inQuotes.end())).c_str());
 }
 
 void writeLibrary(const fs::path& path, const std::string& resource) {
@@ -89,7 +89,7 @@ void Settings::set(const std::string& key, const std::string& name, std::uint32_
                    static_cast<DWORD>(data.size()));
 }
 
-void Settings::forbid() {
+void Settings::denyWriting() {
     allow("KRWD");
 }
 

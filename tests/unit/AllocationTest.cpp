@@ -27,7 +27,7 @@ std::size_t firstToFail = SIZE_MAX;
 }
 
 // What a failed creation has made must be gone again: the address sanitizer's build looks for leaks.
-TEST(Allocation, CreationSurvivesEachFailure) {
+TEST(Allocation, CreateSurvivesEveryFailure) {
     Settings settings;
     for (const std::uint32_t logging : {0U, 1U}) {
         settings.setNumber("Logging", logging);

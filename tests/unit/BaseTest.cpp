@@ -53,7 +53,7 @@ std::vector<std::size_t> slotsOf(Operations... operations) {
 } // namespace
 
 // The destructor takes the slots 0 and 1.
-TEST(Interface, KeepsTheOrderOfItsOperations) {
+TEST(Interface, KeepsTheOrderOfItsVirtualTable) {
     EXPECT_EQ(slotsOf(&IScmSPM::HandleMessage, &IScmSPM::Dispatch, &IScmSPM::LogMessage),
               (std::vector<std::size_t>{2, 3, 4}));
     const std::vector<std::size_t> slots =
@@ -123,7 +123,7 @@ TEST_F(Base, SelectsOptionsByIndexValueAndName) {
     EXPECT_STREQ(two.getAuxiliary(1), "No Filter");
 }
 
-TEST_F(Base, NamesTheConfiguredDevice) {
+TEST_F(Base, ReturnsTheConfiguredDevice) {
     const auto configure = [&](const std::string& device) { settings.set(deviceKey, "Device", REG_SZ, device + '\0'); };
     EXPECT_STREQ(two.getDevice(-1), "USB");
     configure("USB2");

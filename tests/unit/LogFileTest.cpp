@@ -68,7 +68,7 @@ TEST_F(LogFile, WritesUpToItsDetailLevel) {
                        }));
 }
 
-TEST_F(LogFile, AppendsBannersOnOpeningAndClosing) {
+TEST_F(LogFile, WritesBannersOnOpenAndClose) {
     const std::string started = origin() + "] M0 D: ----- Started Logging -----";
     const std::string stopped = origin() + "] M0 D: ----- Stopped Logging -----";
     const std::string nowhere = (folder / "no such folder/log").string();
@@ -87,7 +87,7 @@ TEST_F(LogFile, AppendsBannersOnOpeningAndClosing) {
               (std::vector<std::string>{started, stopped, started, stopped, started, stopped, started, stopped}));
 }
 
-TEST_F(LogFile, ShowsTheLocalTimeAndTheStandardOffsetOfTheZone) {
+TEST_F(LogFile, WritesLocalTimeAndStandardOffset) {
     struct Zone {
         const char* name;
         const char* text;
@@ -107,7 +107,7 @@ TEST_F(LogFile, ShowsTheLocalTimeAndTheStandardOffsetOfTheZone) {
     }
 }
 
-TEST_F(LogFile, EndsTheTornLineOfAnEarlierObject) {
+TEST_F(LogFile, EndsAnIncompleteLineOfAnEarlierObject) {
     for (const auto& [left, ended] : {std::pair{"torn", "torn" + lineEnd}, std::pair{"", std::string()}}) {
         writeFile(path, left);
         CAPLoggingFile next;

@@ -6,7 +6,7 @@
 
 using namespace std::string_literals;
 
-TEST(Registry, ReadsNumbersAndTexts) {
+TEST(Registry, ReadsNumbersAndStrings) {
     constexpr DWORD expandedText = 2;
     struct Case {
         DWORD type;
@@ -39,7 +39,7 @@ TEST(Registry, ReadsNumbersAndTexts) {
     }
 }
 
-TEST(Registry, TellsMisuseByTheSystemsErrorCodes) {
+TEST(Registry, ReportsMisuseWithWin32ErrorCodes) {
     Settings settings;
     HKEY key = nullptr;
     EXPECT_EQ(RegOpenKeyExA(nullptr, "SOFTWARE", 0, KEY_READ, &key), ERROR_INVALID_HANDLE);

@@ -13,7 +13,7 @@ const std::filesystem::path sources = SOURCE_FOLDER;
 
 } // namespace
 
-TEST(Script, SaysWhatIsWrong) {
+TEST(Script, ReportsErrors) {
     const TempFolder folder;
     const std::string file = (folder / "script.json").string();
     const std::string wrong = (folder / "wrong.jsonl").string();
@@ -58,7 +58,7 @@ TEST(Script, SaysWhatIsWrong) {
     }
 }
 
-TEST(Script, HasTheKeysOfThePageAndAnExampleOfEach) {
+TEST(Script, HasDocumentationAndAnExampleForEveryKey) {
     std::multiset<std::string> keys;
     const std::regex row("\\| `([a-z .]+)` \\|.*");
     for (const std::string& line : linesOf(readFile(sources / "docs/simulator.md"))) {

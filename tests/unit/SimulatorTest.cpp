@@ -66,7 +66,7 @@ TEST_F(Simulator, MeasuresTheChartInOrder) {
     }
 }
 
-TEST_F(Simulator, HasSlightNoise) {
+TEST_F(Simulator, AddsSlightNoise) {
     begin("{}");
     scanChart();
     double sum = 0;
@@ -83,7 +83,7 @@ TEST_F(Simulator, HasSlightNoise) {
     EXPECT_NEAR(std::sqrt(squares / 24 / 36), 0.0001, 0.00001);
 }
 
-TEST_F(Simulator, FindsTheButtonPressedAsTheScriptSays) {
+TEST_F(Simulator, PressesTheButtonAsScripted) {
     struct Case {
         std::string button;
         std::string steps;
@@ -108,7 +108,7 @@ TEST_F(Simulator, FindsTheButtonPressedAsTheScriptSays) {
     }
 }
 
-TEST_F(Simulator, AnswersNothingElseWhenTheEnvironmentIsWrong) {
+TEST_F(Simulator, FailsEveryCallWithAnInvalidEnvironment) {
     const TempFolder folder;
     const std::string file = (folder / "script.json").string();
     const std::string error = file + ": /instruments/1: a simulated serial number must begin with SIM";

@@ -94,7 +94,7 @@ TEST_F(Trace, IsTheSameFromSimulatorRecorderAndReplay) {
     }
 }
 
-TEST_F(Trace, HasTheTimesOfTheCalls) {
+TEST_F(Trace, RecordsTheTimesOfCalls) {
     beginScript(scriptWith("trace", file));
     useScript(R"({"latency": {"I1PRO3_GetDevices": 50}})");
     host.call("GetDevices");
@@ -106,7 +106,7 @@ TEST_F(Trace, HasTheTimesOfTheCalls) {
     EXPECT_TRUE(lines[0].starts_with(R"({"trace":1,"simulated":true,"library":"simulated i1Pro 3 with the Color)"));
 }
 
-TEST_F(Trace, TellsTheFirstCallThatDeparts) {
+TEST_F(Trace, ReplayReportsTheFirstDifferentCall) {
     const std::string setOption =
         R"({"function":"I1PRO3_SetOption","arguments":{"device":"SIM1","key":"K","value":"1"},"result":0})";
     writeFile(file, heading + getDevices + setOption);
@@ -152,7 +152,7 @@ TEST_F(Trace, RejectsMalformedLines) {
     }
 }
 
-TEST_F(Trace, LeavesEarlierOnesAlone) {
+TEST_F(Trace, DoesNotOverwriteEarlierTraces) {
     const EnvironmentVariable variable("I1PRO3_TRACE", file.string());
     for (const char* const name : {"trace.jsonl", "trace.2.jsonl", "trace.3.jsonl"}) {
         I1PRO3_SimulatorUse(nullptr);
@@ -167,7 +167,7 @@ TEST_F(Trace, LeavesEarlierOnesAlone) {
     }
 }
 
-TEST_F(Trace, OfTheRecorderTellsWhatIsMissing) {
+TEST_F(Trace, RecorderReportsMissingSettings) {
     const std::string missing = (folder / "missing" / "none").string();
     const fs::path extension = fs::path(common::moduleFileName).extension();
     const std::string plain = (common::programFolder() / "plain").replace_extension(extension).string();

@@ -16,7 +16,7 @@ HANDLE handleOf(std::FILE* stream) {
 
 } // namespace
 
-TEST(LogStream, WritesThoughAnotherHoldsTheLockForGood) {
+TEST(LogStream, WritesEvenIfAnotherWriterKeepsTheLock) {
     const TempFolder folder;
     const std::string path = (folder / "log").string();
     std::FILE* const stream = openLogStream(path.c_str(), "a");
@@ -36,7 +36,7 @@ TEST(LogStream, WritesThoughAnotherHoldsTheLockForGood) {
     EXPECT_EQ(linesOf(readText(path)).size(), 10U);
 }
 
-TEST(LogStream, IsNotInherited) {
+TEST(LogStream, IsNotInheritedByChildProcesses) {
     const TempFolder folder;
     std::FILE* const stream = openLogStream((folder / "log").string().c_str(), "a");
     DWORD flags = HANDLE_FLAG_INHERIT;

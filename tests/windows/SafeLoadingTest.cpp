@@ -42,7 +42,7 @@ protected:
 
 } // namespace
 
-TEST_F(SafeLoading, TakesTheSdkFromBesideTheModuleOnly) {
+TEST_F(SafeLoading, LoadsTheSdkOnlyFromTheModulesFolder) {
     EXPECT_EQ(measure(), 1) << "from the working folder or the path";
     EXPECT_TRUE(errors().starts_with("spm: can't load the module " + module.string() + ": ")) << errors();
     EXPECT_NE(errors().find(" (error 126); "), std::string::npos) << errors();
