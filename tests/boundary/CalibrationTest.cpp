@@ -4,7 +4,7 @@ namespace {
 
 class Calibration : public ModuleTest {
 protected:
-    /// One step of the dialogue; gives the whole answer.
+    /// Performs one step and returns the whole reply.
     std::vector<uint32_t> step(uint32_t request) {
         SPM_CALIBRATION record{9, 9, 9, 9, request};
         module.calibrate(handle, &record);
@@ -37,9 +37,9 @@ TEST_F(Calibration, FollowsTheStateTable) {
         {0, waiting, query}, {1, waiting, poll}, // pending
         {0, waiting, query}, {1, waiting, poll},   {4, done, query},    {1, done, calibrate},
         {1, done, query},                        // calibrated
-        {0, waiting, query}, {1, waiting, poll}, // begun anew
+        {0, waiting, query}, {1, waiting, poll}, // begun again
         {1, waiting, poll},  {1, done, calibrate}, {4, done, query},    {1, done, query},
-        {3, nothing, query}, {1, nothing, query}, // dropped
+        {3, nothing, query}, {1, nothing, query}, // discarded
         {0, waiting, query}, {2, nothing, query},  {1, nothing, query}, {0, waiting, query},
         {5, nothing, query}, {1, nothing, query},  {0, waiting, query}, {UINT32_MAX, nothing, query},
         {1, nothing, query},

@@ -11,7 +11,7 @@ const Texts closing{"GetConnectionStatus SIM1", "CloseDevice SIM1", "SetGlobalOp
 
 } // namespace
 
-// The calls of opening are FaultSweep's.
+// FaultSweep checks the calls of opening.
 TEST_F(Connection, OpensClosesAndReopens) {
     EXPECT_FALSE(module.isOpened(handle));
     module.close(handle);
@@ -35,7 +35,7 @@ TEST_F(Connection, OpensClosesAndReopens) {
     EXPECT_FALSE(hasSelectedOptions());
     EXPECT_EQ(sdk.takeCalls(), closing);
     module.close(handle);
-    EXPECT_EQ(sdk.takeCalls(), closing) << "closes what is closed, too";
+    EXPECT_EQ(sdk.takeCalls(), closing) << "closes again";
     EXPECT_EQ(log(), (Texts{"M7 D: close", "M7 D: close", "M7 D: open[USB]", "M7 D: open[USB] done", "M7 D: close",
                             "M7 D: open[]", "M7 D: open[] done", "M7 D: close", "M7 D: close"}));
     EXPECT_TRUE(listener.lines.empty());
@@ -85,7 +85,7 @@ TEST_F(Connection, FailedCloseAbortsOpen) {
     EXPECT_TRUE(module.open(handle, "USB"));
 }
 
-// Neither as a format, nor beyond its buffer; both queries share the buffer and the size.
+// Error texts are not used as a format, nor read beyond the buffer. Both queries share the buffer and the size.
 TEST_F(Connection, LogsErrorTextsVerbatim) {
     const std::string longText(65'001, 'x');
     sdk.use(R"({"faults": [{"function": "I1PRO3_GetDevices", "result": 9, "times": 2},

@@ -24,7 +24,7 @@ TEST_F(Exports, ReturnOptionMasksAndConstants) {
     EXPECT_EQ(module.getNumberOfReflections(handle), 36);
     const SPM_OPTIONS options{1, 2, 0};
     module.setOptions(handle, &options);
-    EXPECT_TRUE(handle->setOptionsByName(nullptr, nullptr, nullptr)) << "both were selected";
+    EXPECT_TRUE(handle->setOptionsByName(nullptr, nullptr, nullptr)) << "aperture and illumination are selected";
     EXPECT_TRUE(sdk.takeCalls().empty());
 }
 
@@ -64,7 +64,7 @@ TEST_F(Exports, CatchExceptionsOfListeners) {
     sdk.use(R"({"faults": [{"times": "always", "result": 9}]})");
     calibration.reference = 8;
     module.calibrate(handle, &calibration);
-    EXPECT_EQ(calibration.reference, 8U) << "the record stays as it was";
+    EXPECT_EQ(calibration.reference, 8U) << "the record is unchanged";
     EXPECT_FALSE(module.open(handle, "USB"));
     module.destroy(std::exchange(handle, nullptr));
 }

@@ -1,6 +1,6 @@
-// A whole measuring run with its exact calls of the SDK; then each call in turn fails, by its result, by an exception,
-// and by one of another compiler. Every run is compared with the one without a fault: answers, counts, filled records
-// and messages; and the same object then runs without a fault.
+// Runs a whole measurement and checks its exact SDK calls. Then repeats it with each call failing in turn: by its
+// result, by an exception, and by an exception of another compiler. Each run's results, counts, records and messages
+// are compared with those of the run without a fault; afterwards the same object must complete a run without a fault.
 
 #include "tests/boundary/ModuleTest.h"
 
@@ -9,14 +9,14 @@
 
 namespace {
 
-/// An operation of the run: what it gives when all goes well, when one of its calls fails, and without a connection.
-/// A measurement gives its answer, the count, and for each record whether it was filled.
+/// An operation of the run and its results: on success, if one of its calls fails, and without a connection. The result
+/// of a measurement is its return value, the count, and a digit for each record: 1 if it was filled.
 struct Operation {
     std::string name;
     std::string success;
     std::string failure;
     std::string closed;
-    Texts calls; ///< a "!" stands before those whose result decides
+    Texts calls; ///< "!" marks those whose result is checked
 };
 
 const Texts opening{"!GetDevices",
@@ -57,7 +57,7 @@ const std::vector<Operation> operations{
     {"close", "", "", "", closing},
 };
 
-/// What each operation of a run gives; behind that, the messages.
+/// Returns the expected results of a run, followed by its messages.
 Texts withoutFault() {
     Texts outcome;
     for (const Operation& operation : operations) {
@@ -66,7 +66,7 @@ Texts withoutFault() {
     return outcome;
 }
 
-/// The same when a call of an operation fails.
+/// The same for a run in which a call of an operation fails.
 Texts withFault(std::size_t index, std::size_t position, bool throws) {
     const Operation& failing = operations[index];
     const std::string& call = failing.calls[position];
@@ -93,7 +93,7 @@ Texts withFault(std::size_t index, std::size_t position, bool throws) {
 
 class FaultSweep : public ModuleTest {
 protected:
-    /// A whole run but for the creation and the destruction.
+    /// A whole run except for creating and destroying the object.
     Texts run() {
         listener.lines.clear();
         Texts outcome{fmt::format("{:d}", module.open(handle, "USB")),

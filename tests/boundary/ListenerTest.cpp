@@ -34,7 +34,7 @@ TEST_F(Subscription, DiscardsExceptionsOfCallbacks) {
     for (const SPM_MESSAGE_CALLBACK callback : throwing) {
         SPM_SUBSCRIPTION* const subscription = SPM_subscribe(handle, callback, nullptr);
         EXPECT_NO_THROW(handle->LogMessage(CAPLoggingMessage(0, 7, "text")));
-        EXPECT_EQ(log().back(), "M7 E0: text") << "the module goes on with the message";
+        EXPECT_EQ(log().back(), "M7 E0: text") << "the module still logs the message";
         SPM_unsubscribe(subscription);
     }
 }

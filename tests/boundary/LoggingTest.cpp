@@ -24,7 +24,7 @@ TEST_F(Logging, WritesWhatTheSettingsSelect) {
         other->LogMessage(CAPLoggingMessage(3, 7, "three"));
         other->LogMessage(CAPLoggingMessage(4, 7, "four"));
         EXPECT_EQ(log(), each.written);
-        EXPECT_TRUE(listener.lines.empty()) << "details are not for listeners";
+        EXPECT_TRUE(listener.lines.empty()) << "listeners receive no debug messages";
         module.destroy(other);
     }
 }
@@ -46,7 +46,7 @@ TEST_F(Logging, OmitsMessagesThatTheListenerRejects) {
     EXPECT_EQ(log(), Texts{"M7 D: trace"});
 }
 
-// Each object has its own file, like each process.
+// Each object opens the file itself, as separate processes do.
 TEST_F(Logging, KeepsLinesOfConcurrentWritersWhole) {
     constexpr int writers = 8;
     constexpr int times = 10;

@@ -5,7 +5,7 @@
 namespace {
 
 constexpr std::size_t maxPatches = 24;
-/// What a read gave: its answer and the count.
+/// The result of a read: its return value and the count.
 using Reading = std::pair<bool, int32_t>;
 
 class Measurement : public ModuleTest {

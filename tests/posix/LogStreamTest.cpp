@@ -1,4 +1,4 @@
-// What a log file refuses, keeps to its process and gets whole.
+// Which files a log stream opens, and that child processes don't inherit it.
 
 #include "platform/LogStream.h"
 
@@ -13,7 +13,7 @@ TEST(LogStream, MustBeARegularFile) {
     const TempFolder folder;
     const std::string pipe = (folder / "pipe").string();
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
-    EXPECT_EQ(openLogStream(pipe.c_str(), "a"), nullptr) << "and nobody waits for a reader";
+    EXPECT_EQ(openLogStream(pipe.c_str(), "a"), nullptr) << "and doesn't wait for a reader";
     const int reader = open(pipe.c_str(), O_RDONLY | O_NONBLOCK);
     EXPECT_EQ(openLogStream(pipe.c_str(), "a"), nullptr);
     close(reader);

@@ -1,4 +1,4 @@
-// What stands in the way of the settings: locks, pipes, large and damaged files, other writers.
+// Access to a settings file that is locked, a pipe, large or damaged.
 
 #include "module/SPMRegistry.h"
 #include "tests/support/Support.h"
@@ -45,10 +45,10 @@ TEST_F(SettingsAccess, MustBeARegularFile) {
     const SPMRegistry held;
     std::filesystem::remove(path);
     ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
-    EXPECT_EQ(held.readNumber("Logging", 5), 5U) << "and does not wait for a writer";
+    EXPECT_EQ(held.readNumber("Logging", 5), 5U) << "and doesn't wait for a writer";
 }
 
-// A name as long as half the file and lines of a list as many as the other half.
+// Half of the file is one long name, the other half a byte list with many lines.
 TEST_F(SettingsAccess, ReadsInLinearTime) {
     std::string text = begin + "\"" + std::string(200'000, 'x') + "\"=hex:\\\n";
     for (int i = 0; i < 100'000; ++i) {

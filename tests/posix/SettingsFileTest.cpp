@@ -98,7 +98,7 @@ TEST_F(SettingsFile, CreatesKeysAndKeepsEverythingElse) {
     }
 }
 
-// The file is long, so that whoever looks for a key takes a while until it writes.
+// The file is large, so that searching it for a key takes a while before the key is written.
 TEST_F(SettingsFile, CreatesEachKeyOnceWithConcurrentWriters) {
     const std::string before = "REGEDIT4\n" + headings + "; " + std::string(1'000'000, 'x') + "\n";
     writeFile(path, before);

@@ -10,9 +10,9 @@ TEST(UserLanguage, FollowsTheEnvironment) {
         {{"de_DE.UTF-8", "fr_FR", "it_IT"}, 0x0407},
         {{"", "fr_FR", "it_IT"}, 0x040C},
         {{"", "", "it_IT"}, 0x0410},
-        {{"", "", ""}, 0x0409}, // US English without any
+        {{"", "", ""}, 0x0409}, // US English if none is set
         {{"de_CH@euro", "", ""}, 0x0807},
-        {{"de_LI", "", ""}, 0x0407},  // the language's first country for one that is not known
+        {{"de_LI", "", ""}, 0x0407},  // an unknown country falls back to the language's first
         {{"fil_PH", "", ""}, 0x0409}, // not Finnish
     };
     for (const auto& [locales, identifier] : cases) {

@@ -34,7 +34,7 @@ std::string readText(const fs::path& path) {
     std::string text = readFile(path);
     const auto lines = static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
     if (std::erase(text, '\r') != lines * (lineEnd.size() - 1))
-        throw std::runtime_error("a line end of another system");
+        throw std::runtime_error("a line ending of another system");
     return text;
 }
 

@@ -41,7 +41,7 @@ int execute(const std::string& command) {
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
-/// An ELF file of three sections, the last with the resource.
+/// Writes an ELF file with three sections, the last of which contains the resource.
 void writeLibrary(const fs::path& path, const std::string& resource) {
     constexpr std::string_view names("\0.names\0.rsrc\0", 14);
     constexpr std::size_t begin = sizeof(Elf64_Ehdr) + 3 * sizeof(Elf64_Shdr);

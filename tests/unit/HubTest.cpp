@@ -9,7 +9,7 @@
 
 namespace {
 
-/// The line of what comes out of a hub whose listener throws.
+/// Returns, as a log line, the exception that a hub throws if its listener throws.
 template <class Exception>
 std::string thrownThroughHub(Exception exception) {
     CAPLoggingHandler hub;

@@ -20,7 +20,7 @@ std::string localTime() {
 
 class LogFile : public testing::Test {
 protected:
-    /// The lines of the file without their date, time and zone.
+    /// Returns the lines of the file without date, time and zone.
     std::vector<std::string> lines() const {
         std::vector<std::string> result = linesOf(readText(path));
         for (std::string& line : result) {
@@ -41,7 +41,7 @@ protected:
 
 } // namespace
 
-// In a thread of its own, whose number is not that of the process.
+// Runs in its own thread, because the main thread's number is that of the process.
 TEST_F(LogFile, WritesUpToItsDetailLevel) {
     std::string head;
     CAPLoggingHandler source;

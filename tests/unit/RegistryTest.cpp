@@ -35,7 +35,7 @@ TEST(Registry, ReadsNumbersAndStrings) {
         settings.set(deviceKey, "Value", each.type, each.data);
         EXPECT_EQ(key.readNumber("value", 5), each.number);
         EXPECT_EQ(key.readString("value", "default"), each.text);
-        EXPECT_EQ(SPMRegistry().readNumber("Value", 5), 5U) << "of another key";
+        EXPECT_EQ(SPMRegistry().readNumber("Value", 5), 5U) << "in another key";
     }
 }
 

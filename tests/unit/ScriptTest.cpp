@@ -54,7 +54,7 @@ TEST(Script, ReportsErrors) {
         simulator::Script script;
         const std::string error = errorOf([&, &json = text] { applyScript(file, json, script); });
         EXPECT_TRUE(error.starts_with(file + message)) << text << error;
-        EXPECT_EQ(script.instruments, std::vector<std::string>{"SIM1"}) << "a wrong script changes nothing";
+        EXPECT_EQ(script.instruments, std::vector<std::string>{"SIM1"}) << "an invalid script changes nothing";
     }
 }
 

@@ -1,4 +1,4 @@
-// What the sessions in Trace tests leave open: the chart, noise, times and the environment.
+// What the recorded sessions of the Trace tests don't cover: the chart, noise, the button and the environment.
 
 #include "common/CsvReader.h"
 #include "simulator/Chart.h"
@@ -45,7 +45,7 @@ protected:
 
 TEST_F(Simulator, MeasuresTheChartInOrder) {
     scanChart();
-    // Calculated once by a program of its own from the same factors and weights.
+    // Calculated from the same factors and weights by an independent program.
     const std::string published = readFile(SOURCE_FOLDER "/tests/unit/data/colorchecker24_lab.csv");
     common::CsvReader csv(published, "colorchecker24_lab.csv");
     csv.next();
@@ -59,9 +59,9 @@ TEST_F(Simulator, MeasuresTheChartInOrder) {
         }
     }
     EXPECT_EQ(host.call("SetOption SIM1 MeasurementMode ReflectanceSpot"), 0);
-    for (const float factor : {0.048F, 0.103F}) { // the chart begins anew
+    for (const float factor : {0.048F, 0.103F}) { // the chart starts over
         EXPECT_EQ(host.call("TriggerMeasurement SIM1"), 0);
-        EXPECT_EQ(host.call("TriggerMeasurement SIM1"), 0) << "what was not read is measured again";
+        EXPECT_EQ(host.call("TriggerMeasurement SIM1"), 0) << "a sample that was not read is measured again";
         EXPECT_FLOAT_EQ(read()[0], factor);
     }
 }

@@ -1,4 +1,4 @@
-// A log file's lock, and that it stays in its process.
+// The lock of a log file, and that child processes don't inherit the file.
 
 #include "platform/LogStream.h"
 
@@ -29,7 +29,7 @@ TEST(LogStream, WritesEvenIfAnotherWriterKeepsTheLock) {
         EXPECT_EQ(appendText(stream, "line\n"), Written::all);
     }
     const auto waited = std::chrono::steady_clock::now() - begin;
-    EXPECT_GT(waited, std::chrono::milliseconds(50)) << "each line has tried to get it";
+    EXPECT_GT(waited, std::chrono::milliseconds(50)) << "each line waits for the lock first";
     EXPECT_LT(waited, std::chrono::seconds(1));
     std::fclose(other);
     std::fclose(stream);

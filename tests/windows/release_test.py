@@ -1,6 +1,6 @@
-"""The release for Windows, as files: its libraries and the archive.
+"""Tests of the files of the Windows release: the libraries and the archive.
 
-Use: release_test.py BUILD_FOLDER, that of the preset "windows"; needs pefile, cpack and Wine.
+Usage: release_test.py BUILD_FOLDER, the build folder of the preset "windows". Needs pefile, cpack and Wine.
 """
 
 import subprocess
@@ -69,7 +69,7 @@ class StandIns(unittest.TestCase):
 
 
 class Archive(unittest.TestCase):
-    """Unpacked and used as a user does, with the settings of this Wine prefix."""
+    """Unpacks the archive and uses it as a user does, with the settings of this Wine prefix."""
 
     @classmethod
     def setUpClass(cls):
