@@ -13,17 +13,6 @@
 /// Failures (missing rights, key or value; a value of the wrong type) are not reported: the value reads as its default.
 class CAPRegistry {
 public:
-    /// Whether this process can open HKEY_LOCAL_MACHINE\SOFTWARE for reading and writing.
-    enum class Access { granted, denied, failed };
-    static Access access();
-
-    /// Where the values are stored, in words for the user: the path of the settings file, or "the registry".
-    static std::string place();
-
-    /// Returns the full path of a key, beginning with HKEY_LOCAL_MACHINE.
-    /// @param subkey  path below SOFTWARE\Kestrova
-    static std::string pathOf(const std::string& subkey);
-
     /// Opens the key. Creates it and its missing parents if the process has the rights.
     /// @param subkey  path below SOFTWARE\Kestrova
     explicit CAPRegistry(std::string subkey);
@@ -44,6 +33,17 @@ public:
 
     /// Whether the key has a value of this name, whatever its type.
     bool hasValue(const std::string& name) const;
+
+    /// Whether this process can open HKEY_LOCAL_MACHINE\SOFTWARE for reading and writing.
+    enum class Access { granted, denied, failed };
+    static Access access();
+
+    /// Where the values are stored, in words for the user: the path of the settings file, or "the registry".
+    static std::string place();
+
+    /// Returns the full path of a key, beginning with HKEY_LOCAL_MACHINE.
+    /// @param subkey  path below SOFTWARE\Kestrova
+    static std::string pathOf(const std::string& subkey);
 
 private:
     struct CloseKey {

@@ -27,22 +27,22 @@ public:
 private:
     enum State : std::uint32_t { Closed, Open, CalibrationPending, Calibrated };
 
-    void setOption(const char* key, const char* value);
-    void connect();
-    void reset();
-    void setMeasurementMode(std::int32_t patches);
-    std::int32_t numberOfSamples(std::int32_t patches);
-    void readSample(std::int32_t sample, float* buffer, SPM_LAB& values);
-    void readSample(std::int32_t sample, float* buffer, const SPM_SPECTRUM& spectrum);
-    std::uint32_t continueCalibration();
-
-    template <class Record>
-    void measure(std::int32_t patches, Record* records, std::int32_t* count);
-
     /// Runs an operation and catches every exception; a CAPException is logged. Logging itself may throw.
     /// @return whether the operation completed
     template <class Operation>
     bool attempt(Operation operation);
+
+    void setOption(const char* key, const char* value);
+    void reset();
+    void connect();
+    std::uint32_t continueCalibration();
+
+    template <class Record>
+    void measure(std::int32_t patches, Record* records, std::int32_t* count);
+    void setMeasurementMode(std::int32_t patches);
+    std::int32_t numberOfSamples(std::int32_t patches);
+    void readSample(std::int32_t sample, float* buffer, SPM_LAB& values);
+    void readSample(std::int32_t sample, float* buffer, const SPM_SPECTRUM& spectrum);
 
     State deviceState = Closed;
     I1PRO3_DeviceHandle deviceHandle = nullptr;

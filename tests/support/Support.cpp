@@ -53,16 +53,16 @@ EnvironmentVariable::EnvironmentVariable(std::string variableName, const std::st
     setVariable(name, value);
 }
 
+EnvironmentVariable::~EnvironmentVariable() {
+    setVariable(name, earlier);
+}
+
 void Settings::setNumber(const std::string& name, std::uint32_t number) {
     set(commonKey, name, REG_DWORD, std::string(reinterpret_cast<const char*>(&number), sizeof number));
 }
 
 void Settings::setText(const std::string& name, const std::string& text) {
     set(deviceKey, name, REG_SZ, text + '\0');
-}
-
-EnvironmentVariable::~EnvironmentVariable() {
-    setVariable(name, earlier);
 }
 
 int run(const fs::path& program, const std::vector<std::string>& arguments, const Output& output) {
