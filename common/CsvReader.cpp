@@ -18,7 +18,7 @@ std::optional<CsvReader::Fields> CsvReader::next() {
     do {
         if (!nextLine()) return std::nullopt;
     } while (line.empty());
-    number = linesRead;
+    recordLine = linesRead;
     Fields taken{takeField()};
     while (line.starts_with(',')) {
         line.remove_prefix(1);
@@ -29,7 +29,7 @@ std::optional<CsvReader::Fields> CsvReader::next() {
 }
 
 void CsvReader::fail(std::string_view what) const {
-    throw CsvError(name + ", line " + std::to_string(number) + ": " + std::string(what));
+    throw CsvError(description + ", line " + std::to_string(recordLine) + ": " + std::string(what));
 }
 
 /// Advances to the next line.

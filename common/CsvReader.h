@@ -14,23 +14,22 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// Reads comma-separated values (RFC 4180), one record at a time. A field in double quotes may contain quotes, written
-/// as
-/// "", and line breaks, which are read as '\n'. Empty lines and a byte order mark are skipped.
+/// Reads comma-separated values (RFC 4180), one record at a time. A field in double quotes may contain commas, line
+/// breaks, which are read as '\n', and quotes, written as "". Empty lines and a byte order mark are skipped.
 class CsvReader {
 public:
     using Fields = std::vector<std::string>;
 
     /// @param csv   the text; must outlive the reader
     /// @param what  a description of the text for error messages: "the chart file chart.csv"
-    CsvReader(std::string_view csv, std::string what) : name(std::move(what)), rest(csv) {}
+    CsvReader(std::string_view csv, std::string what) : description(std::move(what)), rest(csv) {}
 
     /// Returns the fields of the next record; nullopt at the end.
     /// @throws CsvError  if the record is malformed
     std::optional<Fields> next();
 
     /// The line, counted from 1, in which the last record read begins.
-    int lineNumber() const { return number; }
+    int lineNumber() const { return recordLine; }
 
     /// Reports an error in the last record read.
     /// @throws CsvError  with the line of the record
@@ -41,12 +40,12 @@ private:
     std::string takeField();
     std::string takeQuoted();
 
-    std::string name;
+    std::string description;
     std::string_view rest;
     /// The unread part of the current line.
     std::string_view line;
     int linesRead = 0;
-    int number = 0;
+    int recordLine = 0;
 };
 
 } // namespace common

@@ -13,10 +13,12 @@ enum class LibraryDefect { none, notALibrary, wrongArchitecture, truncated };
 /// Checks a file's headers. The format is that of the system.
 LibraryDefect findHeaderDefect(std::string_view file);
 
+/// Whether the file contains a range of bytes.
 inline bool isInside(std::string_view file, std::uint64_t offset, std::uint64_t length) {
     return offset <= file.size() && length <= file.size() - offset;
 }
 
+/// Reads a record at an offset; nullopt if the file is too short.
 template <class Record>
 std::optional<Record> readRecord(std::string_view file, std::uint64_t offset) {
     Record record{};
