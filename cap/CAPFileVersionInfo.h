@@ -8,7 +8,7 @@
 #include <string>
 
 /// The version resource of a file: its fixed version numbers and its twelve standard texts, taken from the string table
-/// that best matches the user's language. A failed load returns 0; all numbers then read 0 and all texts null.
+/// that best matches the user's language. After a failed loadFromFile, all numbers are 0 and all texts null.
 class CAPFileVersionInfo {
 public:
     /// The standard texts.

@@ -52,7 +52,7 @@ struct IScmSPM : CAPLoggingHandler {
     IScmSPM& operator=(const IScmSPM&) = delete;
     ~IScmSPM() override;
 
-    // The virtual table begins with the operations of CAPLoggingHandler: HandleMessage, Dispatch, LogMessage.
+    // The virtual table begins with the destructor and CAPLoggingHandler's HandleMessage, Dispatch and LogMessage.
 
     /// The model name, "xrite i1 Pro3".
     virtual const char* getName() const = 0;

@@ -6,28 +6,28 @@
  *   SPM_create creates an object; SPM_open connects the instrument; SPM_calibrate, called repeatedly, calibrates it on
  *   its white reference; SPM_read and SPM_readSpectrum measure; SPM_close disconnects; SPM_destroy destroys the object.
  *   The order of calls is not enforced: a function called at the wrong time does nothing and returns the result that
- * its description gives for that case.
+ *   its description gives for that case.
  *
  * Polling
  *   The module never waits for the user. SPM_calibrate, SPM_read and SPM_readSpectrum check the instrument's button
- * once and return. Until the user has pressed it, they report that nothing was measured, and the host calls again. A
- * call blocks only while the instrument opens, calibrates or measures.
+ *   once and return. Until the user has pressed it, they report that nothing was measured, and the host calls again. A
+ *   call blocks only while the instrument opens, calibrates or measures.
  *
  * Errors
  *   No function throws or terminates the process. On failure, a function returns its failure result, and the object
  *   stays usable. The reason is logged, with the instrument's own error text, if SPM_open, SPM_calibrate, SPM_read,
- *   SPM_readSpectrum or SPM_destroy fails. Nothing is logged if no instrument was found, if an earlier connection could
- *   not be closed, or if another function fails.
+ *   SPM_readSpectrum or SPM_destroy fails. Nothing is logged if SPM_open finds no instrument or can't close an earlier
+ *   connection, or if another function fails.
  *   - Hosts in any language can attach a callback with the library spm_i1pro3_listener (SPM_listener.h).
  *   - C++ hosts built with the module's compiler can attach an ICAPLoggingListener through the interface behind the
  *     handle (IScmSPM.h).
  *   - With the setting "Logging" (a REG_DWORD other than 0 in the registry key
  *     `HKEY_LOCAL_MACHINE\SOFTWARE\Kestrova\SPM`, read by SPM_create), an object also appends its messages to a file
- *     beside the module, with the module's name and the extension ".log". Messages are logged only while a listener is
- *     attached: without one, the file records only the start and stop of logging.
+ *     beside the module, with the module's name and the extension ".log". Without a listener, the file only records
+ *     when logging started and stopped: the module produces messages only while one is attached.
  *
- *   A null handle, or a null pointer to a record, an array, a count or a text, gives the failure result, too; a count
- *   becomes 0. A destroyed handle can't be detected and must not be passed.
+ *   Passing null as the handle, or for a record, an array, a count or a text, is a failure, too; the count, if any, is
+ *   set to 0. A destroyed handle can't be detected and must not be passed.
  *
  * Ownership
  *   The host owns the object from SPM_create to SPM_destroy, and all memory that it passes. The module writes to that

@@ -72,7 +72,6 @@ TEST_F(VersionInfo, ReplacesWhatWasLoadedBefore) {
     EXPECT_EQ(info.loadFromFile((folder / "no such file").string().c_str()), 0);
     ASSERT_EQ(load(versions[0]), 1);
     EXPECT_EQ(info.loadFromModule(reinterpret_cast<HMODULE>(&info)), 0);
-    EXPECT_EQ(info.loadFromModule(reinterpret_cast<HMODULE>(&common::programFolder)), 0)
-        << "an address inside a module";
+    EXPECT_EQ(info.loadFromModule(reinterpret_cast<HMODULE>(&common::programFolder)), 0) << "not a base address";
     EXPECT_EQ(texts(), expected) << "unchanged";
 }
