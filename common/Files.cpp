@@ -41,7 +41,7 @@ std::optional<LibraryFault> findFault(const std::filesystem::path& library) try 
 } catch (const std::system_error& error) {
     if (error.code() == std::errc::no_such_file_or_directory) return std::nullopt;
     return LibraryFault{library.string() + ": it can't be read: " + error.code().message(),
-                        "put the library's file there, and give this user the right to read it"};
+                        "put the library file there, with read permission for this user"};
 }
 
 } // namespace common

@@ -37,7 +37,7 @@ std::filesystem::path sdkOf(const std::filesystem::path& module);
 /// A library loaded at run time; unloaded by the destructor.
 class SharedLibrary {
 public:
-    /// @throws LoadError
+    /// @throws LoadError  if the library can't be loaded
     explicit SharedLibrary(const std::filesystem::path& path);
     SharedLibrary(const SharedLibrary&) = delete;
     SharedLibrary& operator=(const SharedLibrary&) = delete;
@@ -80,6 +80,6 @@ std::string readFile(const std::filesystem::path& path);
 std::FILE* createFile(const std::filesystem::path& path, const char* mode);
 
 /// Whether two file names are equal in the rules of the system's file names.
-bool isSameName(const std::filesystem::path& one, const std::filesystem::path& other);
+bool isSameFileName(const std::filesystem::path& left, const std::filesystem::path& right);
 
 } // namespace common

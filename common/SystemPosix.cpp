@@ -96,8 +96,8 @@ std::FILE* createFile(const std::filesystem::path& path, const char* mode) {
     return std::fopen(path.c_str(), (std::string(mode) + "xe").c_str());
 }
 
-bool isSameName(const std::filesystem::path& one, const std::filesystem::path& other) {
-    return one == other;
+bool isSameFileName(const std::filesystem::path& left, const std::filesystem::path& right) {
+    return left == right;
 }
 
 } // namespace common

@@ -136,12 +136,12 @@ std::FILE* createFile(const std::filesystem::path& path, const char* mode) {
 }
 
 // Windows ignores case, and dots and spaces at the end of a name.
-bool isSameName(const std::filesystem::path& one, const std::filesystem::path& other) {
+bool isSameFileName(const std::filesystem::path& left, const std::filesystem::path& right) {
     const auto stripped = [](const std::filesystem::path& name) {
         const std::wstring& text = name.native();
         return text.substr(0, text.find_last_not_of(L". ") + 1);
     };
-    return CompareStringOrdinal(stripped(one).c_str(), -1, stripped(other).c_str(), -1, TRUE) == CSTR_EQUAL;
+    return CompareStringOrdinal(stripped(left).c_str(), -1, stripped(right).c_str(), -1, TRUE) == CSTR_EQUAL;
 }
 
 } // namespace common

@@ -11,7 +11,7 @@ std::string SdkTextBuffer::text() const {
 }
 
 void throwSdkError() {
-    // Both queries share the buffer and the size, so the second gets them as the first left them.
+    // Both queries share the buffer and the size variable: the second one gets the values that the first one left.
     SdkTextBuffer value;
     callForeign(I1PRO3_GetGlobalOption, "LastErrorText", value.data(), value.size());
     const std::string errorText = value.text();
