@@ -107,6 +107,7 @@ void SPM_i1PRO3::connect() {
     std::uint32_t count = 0;
     I1PRO3_DeviceHandle* handles = nullptr;
     checkSdkResult(callForeign(I1PRO3_GetDevices, &handles, &count));
+    // A missing instrument is not logged, therefore not an SPMException.
     if (count == 0 || handles == nullptr) throw std::runtime_error("No device connected");
     deviceHandle = handles[0];
     checkSdkResult(callForeign(I1PRO3_OpenDevice, deviceHandle));

@@ -49,7 +49,7 @@ public:
     const SPM_OPTIONS_EX& getCurrentOptions() const { return currentOptions; }
 
 protected:
-    /// An entry of a capability list. The name must be a constant.
+    /// An entry of a capability list. The name must be a string literal.
     struct Entry {
         const char* name;
         std::uint32_t value;
@@ -57,7 +57,7 @@ protected:
     using EntryList = std::vector<Entry>;
 
     /// Reads the settings, and opens the log file if logging is on.
-    /// @param model  the model name; must be a constant
+    /// @param model  the model name; must be a string literal
     /// @param flag   returned by getDeviceFlag
     SPM_BASE(const char* model, bool flag);
 
