@@ -15,8 +15,8 @@
 /// operation reports a failure: if the file can't be opened or written, its lines are lost.
 ///
 /// Each line is one write, so lines of several threads, objects and processes never mix. Only regular files are opened,
-/// and no other process's lock delays a line by more than a few milliseconds. If a full disk left an incomplete last
-/// line, whoever wrote it, a line break ends that line before the next one is written.
+/// and no other process's lock delays a line by more than a few milliseconds. If the file ends
+/// with an incomplete line, as a full disk may leave it, a line break is written before the next line.
 class CAPLoggingFile : public ICAPLoggingListener {
 public:
     CAPLoggingFile();
