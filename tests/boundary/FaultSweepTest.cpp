@@ -57,8 +57,8 @@ const std::vector<Operation> operations{
     {"close", "", "", "", closing},
 };
 
-/// Returns the expected results of a run, followed by its messages.
-Texts withoutFault() {
+/// The expected results of a run without a fault, followed by its messages.
+Texts expectedWithoutFault() {
     Texts outcome;
     for (const Operation& operation : operations) {
         outcome.push_back(operation.success);
@@ -67,10 +67,10 @@ Texts withoutFault() {
 }
 
 /// The same for a run in which a call of an operation fails.
-Texts withFault(std::size_t index, std::size_t position, bool throws) {
+Texts expectedWithFault(std::size_t index, std::size_t position, bool throws) {
     const Operation& failing = operations[index];
     const std::string& call = failing.calls[position];
-    Texts outcome = withoutFault();
+    Texts outcome = expectedWithoutFault();
     if (!throws && !call.starts_with('!')) return outcome;
     const bool disconnects = call == "GetConnectionStatus SIM1" || failing.name == "open";
     const bool uncalibrates = !disconnects && failing.name == "continue";
@@ -136,7 +136,7 @@ private:
 } // namespace
 
 TEST_F(FaultSweep, ReportsEachFailureAndKeepsTheObjectUsable) {
-    EXPECT_EQ(run(), withoutFault());
+    EXPECT_EQ(run(), expectedWithoutFault());
     const Texts callsWithoutFault = sdk.takeCalls();
     Texts calls;
     for (std::size_t i = 0; i < operations.size(); ++i) {
@@ -151,8 +151,8 @@ TEST_F(FaultSweep, ReportsEachFailureAndKeepsTheObjectUsable) {
                 handle = module.create();
                 handle->AddListener(&listener);
                 sdk.use(which + ", " + fault + "}]}");
-                EXPECT_EQ(run(), withFault(i, position, fault.starts_with(R"("exception")")));
-                EXPECT_EQ(run(), withoutFault());
+                EXPECT_EQ(run(), expectedWithFault(i, position, fault.starts_with(R"("exception")")));
+                EXPECT_EQ(run(), expectedWithoutFault());
             }
         }
     }
