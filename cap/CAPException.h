@@ -3,25 +3,25 @@
 #include <cstdint>
 #include <string>
 
-/// An error on its way to whoever can report it: two numbers that identify it and two texts that explain it.
+/// An error: two numbers that identify it and two texts that explain it.
 ///
-/// Deliberately not a std::exception: a handler for the standard classes lets it pass. Thrown by value, caught by
-/// reference.
+/// Deliberately not a std::exception, so that a handler for standard exceptions doesn't catch it. Throw by value, catch
+/// by reference.
 class CAPException {
 public:
-    /// @param error       what went wrong, numbered within the raising module
-    /// @param module      which part of the system raised it: 1 the support library, 7 the spectrophotometer module
+    /// @param error       the error number, unique within the throwing part
+    /// @param module      the part that throws: 1 the support library, 7 the spectrophotometer module
     /// @param mainText    the main message
-    /// @param detailText  further information, often empty
+    /// @param detailText  additional information, often empty
     CAPException(std::int32_t error, std::int32_t module, std::string mainText, std::string detailText = {});
-    CAPException(const CAPException&) = default;            ///< a copy
-    CAPException& operator=(const CAPException&) = default; ///< a copy
+    CAPException(const CAPException&) = default;            ///< Copies the numbers and texts.
+    CAPException& operator=(const CAPException&) = default; ///< Copies the numbers and texts.
     virtual ~CAPException();
 
-    std::int32_t GetErrorNumber() const { return errorNumber; }   ///< what went wrong
-    std::int32_t GetModuleNumber() const { return moduleNumber; } ///< which part raised it
-    std::string GetText() const { return text; }                  ///< the main message
-    std::string GetDetail() const { return detail; }              ///< further information
+    std::int32_t GetErrorNumber() const { return errorNumber; }   ///< The error number, unique within the part.
+    std::int32_t GetModuleNumber() const { return moduleNumber; } ///< The part that threw.
+    std::string GetText() const { return text; }                  ///< The main message.
+    std::string GetDetail() const { return detail; }              ///< Additional information, often empty.
 
 private:
     std::int32_t errorNumber;

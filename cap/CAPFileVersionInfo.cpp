@@ -30,17 +30,18 @@ struct Translation {
     WORD codePage;
 };
 
-/// The version data of a file, as the system hands it out.
+/// A file's version data, as GetFileVersionInfoA returns it.
 class VersionData {
 public:
-    /// Empty when the file has none or can't be read. Asking for the size first would read the file twice.
+    /// Empty if the file has no version data or can't be read. Reads into a block of the maximum size: asking for the
+    /// size first would read the file twice.
     explicit VersionData(const char* path)
-        : block(std::make_unique_for_overwrite<char[]>(largestSize)),
-          isEmpty(GetFileVersionInfoA(path, 0, largestSize, block.get()) == FALSE) {}
+        : block(std::make_unique_for_overwrite<char[]>(maxSize)),
+          isEmpty(GetFileVersionInfoA(path, 0, maxSize, block.get()) == FALSE) {}
 
     bool empty() const { return isEmpty; }
 
-    /// The value at a path: `length` bytes, or for a text characters; empty when there is none.
+    /// Returns the value at a path, empty if there is none. Its size is in bytes, or in characters for a text.
     std::span<const char> query(const std::string& path) const {
         void* value = nullptr;
         UINT length = 0;
@@ -62,15 +63,16 @@ public:
     }
 
 private:
-    /// A resource states its length in 16 bits; the system converts its texts in as much room again.
-    static constexpr DWORD largestSize = 2 * 0x10000;
+    /// A resource's length is a 16-bit number, and the system appends a buffer of the same size to convert texts in.
+    static constexpr DWORD maxSize = 2 * 0x10000;
 
     std::unique_ptr<char[]> block;
     bool isEmpty;
 };
 
-/// The entry that suits the user best: the same language, the same primary language, a neutral one, English, any.
-std::optional<Translation> choose(const std::vector<Translation>& table) {
+/// Returns the entry that best matches the user's language. In order of preference: the same language, the same primary
+/// language, the neutral language, English, the first entry.
+std::optional<Translation> bestTranslation(const std::vector<Translation>& table) {
     if (table.empty()) return std::nullopt;
     const LANGID user = GetUserDefaultLangID();
     const auto find = [&](auto matches) {
@@ -97,7 +99,7 @@ int CAPFileVersionInfo::loadFromModule(HMODULE module) {
 }
 
 int CAPFileVersionInfo::loadFromFile(const char* path) {
-    std::string newName = path;
+    std::string newName = path; // copied first: `path` may be one of the texts that clear() frees
     clear();
     fileName = std::move(newName);
     const VersionData data(fileName->c_str());
@@ -106,9 +108,9 @@ int CAPFileVersionInfo::loadFromFile(const char* path) {
     const std::span<const char> fixedPart = data.query("\\");
     if (fixedPart.size() == sizeof fixedInfo) std::memcpy(&fixedInfo, fixedPart.data(), sizeof fixedInfo);
 
-    if (const std::optional<Translation> chosen = choose(data.translations())) {
+    if (const std::optional<Translation> best = bestTranslation(data.translations())) {
         const std::string table =
-            FormatText("\\StringFileInfo\\%04X%04X\\", unsigned{chosen->language}, unsigned{chosen->codePage});
+            FormatText("\\StringFileInfo\\%04X%04X\\", unsigned{best->language}, unsigned{best->codePage});
         std::transform(textNames.begin(), textNames.end(), texts.begin(),
                        [&](const char* name) { return data.text(table + name); });
     }
@@ -128,6 +130,6 @@ std::uint16_t CAPFileVersionInfo::getFileVersionPart(int index) const {
 }
 
 const char* CAPFileVersionInfo::getText(Text text) const {
-    const std::optional<std::string>& kept = texts[static_cast<std::size_t>(text)];
-    return kept ? kept->c_str() : nullptr;
+    const std::optional<std::string>& loaded = texts[static_cast<std::size_t>(text)];
+    return loaded ? loaded->c_str() : nullptr;
 }

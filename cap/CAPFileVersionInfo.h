@@ -7,11 +7,11 @@
 #include <optional>
 #include <string>
 
-/// The version resource of a file: its fixed version numbers and its twelve standard texts, in the string table that
-/// suits the user's language best. Failures show in the result of a load, and as zeros and nulls afterwards.
+/// The version resource of a file: its fixed version numbers and its twelve standard texts, taken from the string table
+/// that best matches the user's language. After a failed loadFromFile, all numbers are 0 and all texts null.
 class CAPFileVersionInfo {
 public:
-    /// The standard texts, in the order in which they are kept.
+    /// The standard texts.
     enum class Text {
         companyName,
         fileDescription,
@@ -33,21 +33,22 @@ public:
     CAPFileVersionInfo& operator=(const CAPFileVersionInfo&) = delete;
     virtual ~CAPFileVersionInfo();
 
-    /// Loads the resource of a loaded module's file; leaves the object as it was when the module has no file name.
-    /// @return 1 loaded, 0 failed
+    /// Loads the version resource of a loaded module's file. If the module has no file name, the object stays
+    /// unchanged.
+    /// @return 1 on success, 0 on failure
     int loadFromModule(HMODULE module);
 
-    /// Loads a file's resource in place of what the object held.
-    /// @return 1 when there is a resource, even one without a fixed part or texts; otherwise 0
+    /// Loads a file's version resource, replacing what was loaded before.
+    /// @return 1 if the file has a version resource, even one without a fixed part or texts; otherwise 0
     int loadFromFile(const char* path);
 
     void clear();
 
-    /// A component of the file version, from the least significant: of version a.b.c.d, 0 is d and 3 is a.
-    /// @return 0 for any other index, and when there is no version
+    /// Returns a component of the file version, counted from the least significant: for a.b.c.d, 0 is d and 3 is a.
+    /// @return 0 if the index is out of range or no version is loaded
     std::uint16_t getFileVersionPart(int index) const;
 
-    /// A text of the resource, valid until the next load, clear or destruction; null where the resource has none.
+    /// Returns a text, valid until the next load, clear or destruction; null if the resource doesn't have it.
     const char* getText(Text text) const;
     const char* getComments() const { return getText(Text::comments); }
 

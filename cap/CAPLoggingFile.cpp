@@ -13,7 +13,8 @@ namespace {
 constexpr std::int32_t bannerModuleNumber = 0;
 constexpr std::size_t zoneTextLength = 9;
 
-/// The zone's standard offset, such as "UTC+01:00". The runtime counts minutes west of UTC, so east is negative.
+/// Returns the zone's offset without daylight saving, such as "UTC+01:00". The C runtime counts minutes west of UTC, so
+/// the sign is reversed.
 std::string currentZoneText() {
     __timeb64 now{};
     _ftime64(&now);
@@ -29,7 +30,7 @@ std::string withLogExtension(const std::string& path) {
     return path.substr(0, hasExtension ? dot : path.size()) + ".log";
 }
 
-std::string makeTimeText(__time64_t now, const std::string& zone) {
+std::string makeTimestamp(__time64_t now, const std::string& zone) {
     std::tm local{};
     _localtime64_s(&local, &now);
     return FormatText("%04d-%02d-%02d %02d:%02d:%02d (%s) ", local.tm_year + 1900, local.tm_mon + 1, local.tm_mday,
@@ -43,7 +44,7 @@ CAPLoggingFile::CAPLoggingFile() : zoneText(currentZoneText()) {}
 CAPLoggingFile::~CAPLoggingFile() {
     try {
         CloseFile();
-    } catch (...) { // NOLINT(bugprone-empty-catch): the banner may be lost, the stream closes all the same
+    } catch (...) { // NOLINT(bugprone-empty-catch): only the banner is lost; the stream is closed by its member
     }
 }
 
@@ -63,7 +64,7 @@ void CAPLoggingFile::OpenForModule(HMODULE module, const char* mode) {
 void CAPLoggingFile::OpenFile(const char* path, const char* mode) {
     CloseFile();
     if (path != nullptr) stream.reset(openLogStream(path, mode));
-    isLineTorn = stream != nullptr && endsInsideLine(stream.get());
+    isLastLineIncomplete = stream != nullptr && endsWithIncompleteLine(stream.get());
     LogText(CAPLevel::debug, bannerModuleNumber, "----- Started Logging -----");
 }
 
@@ -73,7 +74,7 @@ void CAPLoggingFile::CloseFile() {
 }
 
 void CAPLoggingFile::LogText(std::int32_t level, std::int32_t moduleNumber, const char* format, ...) {
-    if (!writes(level)) return;
+    if (!accepts(level)) return;
     std::va_list arguments;
     va_start(arguments, format);
     const CAPLoggingMessage message(level, moduleNumber, FormatTextList(format, arguments));
@@ -82,37 +83,38 @@ void CAPLoggingFile::LogText(std::int32_t level, std::int32_t moduleNumber, cons
 }
 
 void CAPLoggingFile::WriteMessage(const ICAPLoggingMessage& message) {
-    if (writes(message.GetLevel())) writeLine("", message);
+    if (accepts(message.GetLevel())) writeLine("", message);
 }
 
 void CAPLoggingFile::HandleMessage(ICAPLoggingSource* source, const ICAPLoggingMessage& message) {
-    if (!writes(message.GetLevel())) return;
+    if (!accepts(message.GetLevel())) return;
     const auto sourceNumber = static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(source));
     writeLine(FormatText(":%X", unsigned{sourceNumber}), message);
 }
 
 void CAPLoggingFile::writeLine(const std::string& source, const ICAPLoggingMessage& message) {
-    std::string line = isLineTorn ? "\n" : ""; // a full disk may have let a part of the last line through
-    appendTime(line);
+    std::string line = isLastLineIncomplete ? "\n" : "";
+    appendTimestamp(line);
     line += FormatText("[%X:%X%s] ", static_cast<unsigned>(GetCurrentProcessId()),
                        static_cast<unsigned>(GetCurrentThreadId()), source.c_str());
     const std::string text = message.ToString();
     line.append(text, 0, text.find('\0')).append("\n");
     const Written written = appendText(stream.get(), line);
-    if (written != Written::nothing) isLineTorn = written == Written::part;
+    if (written != Written::nothing) isLastLineIncomplete = written == Written::part;
 }
 
-/// Appends date, time and zone, a text that is made once a second. A thread that finds another at it makes its own.
-void CAPLoggingFile::appendTime(std::string& line) {
+/// Appends date, time and zone. The text is cached for a second; a thread that finds the cache in use formats its own
+/// text instead of waiting.
+void CAPLoggingFile::appendTimestamp(std::string& line) {
     const __time64_t now = std::time(nullptr);
-    if (isTimeTextInUse.test_and_set(std::memory_order_acquire)) {
-        line += makeTimeText(now, zoneText);
+    if (isTimestampInUse.test_and_set(std::memory_order_acquire)) {
+        line += makeTimestamp(now, zoneText);
         return;
     }
-    if (now != timeTextSecond) {
-        timeText = makeTimeText(now, zoneText);
-        timeTextSecond = now;
+    if (now != timestampSecond) {
+        timestamp = makeTimestamp(now, zoneText);
+        timestampSecond = now;
     }
-    line += timeText;
-    isTimeTextInUse.clear(std::memory_order_release);
+    line += timestamp;
+    isTimestampInUse.clear(std::memory_order_release);
 }

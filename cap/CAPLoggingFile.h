@@ -9,14 +9,14 @@
 #include <memory>
 #include <string>
 
-/// A log file: one line per message, each on disk before the call returns.
+/// A log file with one line per message, written to the file before the call returns.
 ///
-/// A line is "2026-03-01 14:05:09 (UTC+01:00) [process:thread:source] " followed by the message's ToString. A file that
-/// can't be opened or written loses its lines and disturbs nobody: no operation reports a failure.
+/// A line is "2026-03-01 14:05:09 (UTC+01:00) [process:thread:source] " followed by the message's ToString. No
+/// operation reports a failure: if the file can't be opened or written, its lines are lost.
 ///
-/// Each line is handed over whole, so that lines of several threads, objects and processes do not mix. Only a regular
-/// file is written to, and nobody else's lock is waited for longer than a few milliseconds. A line that a full disk has
-/// torn, whoever wrote it, is ended before the next one.
+/// Each line is one write, so lines of several threads, objects and processes never mix. Only regular files are opened,
+/// and no other process's lock delays a line by more than a few milliseconds. If the file ends
+/// with an incomplete line, as a full disk may leave it, a line break is written before the next line.
 class CAPLoggingFile : public ICAPLoggingListener {
 public:
     CAPLoggingFile();
@@ -25,33 +25,33 @@ public:
     /// Closes the file.
     ~CAPLoggingFile() override;
 
-    /// Writes the message with the source's number: the low 32 bits of its address, 0 for null.
+    /// Writes the message with a number for its source: the low 32 bits of the address, 0 for null.
     void HandleMessage(ICAPLoggingSource* source, const ICAPLoggingMessage& message) override;
 
-    /// Sets the highest level that is written. Initially 2.
+    /// Sets the highest level that is written; initially 2.
     void SetDetailLevel(std::int32_t level);
 
-    /// Opens the file beside the module's own: its name with the extension ".log".
-    /// @param mode  "a" to append, "w" to empty the file first
+    /// Opens the log file beside the module's file: the same name with the extension ".log".
+    /// @param mode  "a" to append, "w" to truncate the file first
     void OpenForModule(HMODULE module, const char* mode);
 
-    /// Closes any open file, opens this one and writes the start banner.
-    /// @param path  null leaves the file closed
+    /// Closes the open file, if any, opens another and writes the start banner.
+    /// @param path  if null, no file is opened
     void OpenFile(const char* path, const char* mode);
 
     /// Writes the stop banner and closes the file.
     void CloseFile();
 
-    /// Writes a line of the file's own, formatted like std::printf, without a source number.
+    /// Writes a text formatted like std::printf, without a source number.
     [[gnu::format(printf, 4, 5)]] void LogText(std::int32_t level, std::int32_t moduleNumber, const char* format, ...);
 
     /// Writes the message without a source number.
     void WriteMessage(const ICAPLoggingMessage& message);
 
 private:
-    bool writes(std::int32_t level) const { return stream != nullptr && level <= detailLevel; }
+    bool accepts(std::int32_t level) const { return stream != nullptr && level <= detailLevel; }
     void writeLine(const std::string& source, const ICAPLoggingMessage& message);
-    void appendTime(std::string& line);
+    void appendTimestamp(std::string& line);
 
     struct CloseStream {
         void operator()(std::FILE* open) const { std::fclose(open); }
@@ -60,8 +60,8 @@ private:
     std::unique_ptr<std::FILE, CloseStream> stream;
     std::string zoneText;
     std::int32_t detailLevel = 2;
-    std::atomic<bool> isLineTorn = false;
-    std::atomic_flag isTimeTextInUse;
-    __time64_t timeTextSecond = -1;
-    std::string timeText;
+    std::atomic<bool> isLastLineIncomplete = false;
+    std::atomic_flag isTimestampInUse;
+    __time64_t timestampSecond = -1;
+    std::string timestamp;
 };

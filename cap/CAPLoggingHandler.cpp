@@ -12,11 +12,11 @@ constexpr std::int32_t supportModuleNumber = 1;
 constexpr std::int32_t unknownExceptionNumber = 2;
 constexpr std::int32_t standardExceptionNumber = 3;
 
-constexpr const char* bareName(std::string_view path) {
+constexpr const char* withoutFolder(std::string_view path) {
     return path.substr(path.find_last_of("/\\") + 1).data();
 }
 
-constexpr const char* fileName = bareName(__FILE__);
+constexpr const char* fileName = withoutFolder(__FILE__);
 
 } // namespace
 

@@ -4,7 +4,7 @@
 
 namespace {
 
-/// The level's letter, with the error number behind it where the level reports an error.
+/// Returns the level's letter, followed by the error number for errors and warnings.
 std::string levelText(std::int32_t level, std::int32_t errorNumber) {
     switch (level) {
     case CAPLevel::error:

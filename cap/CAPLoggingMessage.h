@@ -3,10 +3,10 @@
 #include "cap/CAPException.h"
 #include "cap/ICAPLoggingMessage.h"
 
-/// The one implementation of ICAPLoggingMessage: a value that the logging code makes on its stack.
+/// The implementation of ICAPLoggingMessage: a value on the stack of the code that logs.
 class CAPLoggingMessage : public ICAPLoggingMessage {
 public:
-    /// An error message (level 0) with the numbers and texts of a caught exception.
+    /// An error message (level 0) with the numbers and texts of an exception.
     explicit CAPLoggingMessage(const CAPException& exception);
     /// A message with error number 0 and no detail.
     CAPLoggingMessage(std::int32_t severity, std::int32_t module, std::string mainText);

@@ -7,34 +7,12 @@
 
 namespace {
 
-constexpr const char* makersKey = "Kestrova\\";
+constexpr const char* companyKey = "Kestrova\\";
 
 } // namespace
 
-LSTATUS CAPRegistry::openSoftware(OpenKey& software) {
-    HKEY opened = nullptr;
-    const LSTATUS status = RegOpenKeyExA(HKEY_LOCAL_MACHINE, "SOFTWARE", 0, KEY_READ | KEY_WRITE, &opened);
-    if (status == ERROR_SUCCESS) software.reset(opened);
-    return status;
-}
-
-CAPRegistry::Access CAPRegistry::access() {
-    OpenKey software;
-    const LSTATUS status = openSoftware(software);
-    if (status == ERROR_SUCCESS) return Access::granted;
-    return status == ERROR_ACCESS_DENIED ? Access::denied : Access::failed;
-}
-
-std::string CAPRegistry::place() {
-    return registryPlace();
-}
-
-std::string CAPRegistry::pathOf(const std::string& subkey) {
-    return "HKEY_LOCAL_MACHINE\\SOFTWARE\\" + (makersKey + subkey);
-}
-
 CAPRegistry::CAPRegistry(std::string subkey) {
-    const std::string path = makersKey + std::move(subkey);
+    const std::string path = companyKey + std::move(subkey);
     OpenKey software;
     if (openSoftware(software) != ERROR_SUCCESS) return;
     HKEY opened = nullptr;
@@ -76,4 +54,26 @@ std::optional<std::string> CAPRegistry::findString(const std::string& name) cons
 bool CAPRegistry::hasValue(const std::string& name) const {
     return key != nullptr &&
            RegQueryValueExA(key.get(), name.c_str(), nullptr, nullptr, nullptr, nullptr) == ERROR_SUCCESS;
+}
+
+CAPRegistry::Access CAPRegistry::access() {
+    OpenKey software;
+    const LSTATUS status = openSoftware(software);
+    if (status == ERROR_SUCCESS) return Access::granted;
+    return status == ERROR_ACCESS_DENIED ? Access::denied : Access::failed;
+}
+
+std::string CAPRegistry::place() {
+    return registryPlace();
+}
+
+std::string CAPRegistry::pathOf(const std::string& subkey) {
+    return "HKEY_LOCAL_MACHINE\\SOFTWARE\\" + (companyKey + subkey);
+}
+
+LSTATUS CAPRegistry::openSoftware(OpenKey& software) {
+    HKEY opened = nullptr;
+    const LSTATUS status = RegOpenKeyExA(HKEY_LOCAL_MACHINE, "SOFTWARE", 0, KEY_READ | KEY_WRITE, &opened);
+    if (status == ERROR_SUCCESS) software.reset(opened);
+    return status;
 }

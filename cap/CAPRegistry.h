@@ -8,43 +8,42 @@
 #include <string>
 #include <type_traits>
 
-/// One key below HKEY_LOCAL_MACHINE\SOFTWARE\Kestrova, open for the object's life, and plain values read from it.
+/// Reads values from one key below HKEY_LOCAL_MACHINE\SOFTWARE\Kestrova. The key stays open for the object's lifetime.
 ///
-/// Whatever goes wrong (no rights, no key, no value, a value of another type) reads as the default; nothing throws or
-/// reports an error.
+/// Failures (missing rights, key or value; a value of the wrong type) are not reported: the value reads as its default.
 class CAPRegistry {
 public:
-    /// What opening HKEY_LOCAL_MACHINE\SOFTWARE for reading and writing comes to.
-    enum class Access { granted, denied, failed };
-    static Access access();
-
-    /// Where the values are stored, as a user knows the place: a settings file's path, or "the registry".
-    static std::string place();
-
-    /// The full path of a key, from HKEY_LOCAL_MACHINE on.
-    /// @param subkey  path below the maker's key
-    static std::string pathOf(const std::string& subkey);
-
-    /// Opens the key, and creates it with its missing parents where the process may.
-    /// @param subkey  path below the maker's key
+    /// Opens the key. Creates it and its missing parents if the process has the rights.
+    /// @param subkey  path below SOFTWARE\Kestrova
     explicit CAPRegistry(std::string subkey);
     CAPRegistry(const CAPRegistry&) = delete;
     CAPRegistry& operator=(const CAPRegistry&) = delete;
     virtual ~CAPRegistry();
 
-    /// The value of a REG_DWORD.
+    /// Returns the value of a REG_DWORD.
     std::uint32_t readNumber(const std::string& name, std::uint32_t defaultValue) const;
 
-    /// The text of a REG_SZ of at most 1023 characters. One stored without its terminating NUL loses its last
-    /// character; one of 0 bytes reads as the default.
+    /// Returns the text of a REG_SZ of at most 1023 characters. A text stored without its terminating NUL loses its
+    /// last character; a value of 0 bytes reads as the default.
     std::string readString(const std::string& name, const std::string& defaultValue) const;
 
-    /// What readNumber and readString read; none where they give the default.
+    /// Like readNumber and readString, but nullopt in place of the default.
     std::optional<std::uint32_t> findNumber(const std::string& name) const;
     std::optional<std::string> findString(const std::string& name) const;
 
-    /// Whether the key has a value of this name, of whichever type.
+    /// Whether the key has a value of this name, whatever its type.
     bool hasValue(const std::string& name) const;
+
+    /// Whether this process can open HKEY_LOCAL_MACHINE\SOFTWARE for reading and writing.
+    enum class Access { granted, denied, failed };
+    static Access access();
+
+    /// Where the values are stored, in words for the user: the path of the settings file, or "the registry".
+    static std::string place();
+
+    /// Returns the full path of a key, beginning with HKEY_LOCAL_MACHINE.
+    /// @param subkey  path below SOFTWARE\Kestrova
+    static std::string pathOf(const std::string& subkey);
 
 private:
     struct CloseKey {

@@ -5,14 +5,14 @@
 
 namespace {
 
-constexpr std::size_t longest = 1024;
+constexpr std::size_t maxLength = 1024;
 
 } // namespace
 
 std::string FormatTextList(const char* format, std::va_list arguments) {
-    std::array<char, longest + 1> buffer; // most of it is never used, and so not cleared
+    std::array<char, maxLength + 1> buffer; // not initialized: most texts are far shorter
     buffer[0] = '\0';
-    // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): the caller has started the list
+    // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): started by the caller
     std::vsnprintf(buffer.data(), buffer.size(), format, arguments);
     return buffer.data();
 }

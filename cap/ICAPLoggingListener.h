@@ -3,12 +3,12 @@
 class ICAPLoggingMessage;
 class ICAPLoggingSource;
 
-/// Receives log messages. The one thing that a host implements to see the module's errors.
+/// Receives log messages. A C++ host implements this interface to receive the module's error messages.
 class ICAPLoggingListener {
 public:
     virtual ~ICAPLoggingListener() = default;
-    /// Called on the thread that logs, while it logs. An exception thrown here reaches the code that logged.
-    /// @param source   where the message comes from; may be null
+    /// Called for each message, synchronously, on the thread that logs. An exception propagates to the code that logs.
+    /// @param source   the object that sent the message; may be null
     /// @param message  valid only during the call
     virtual void HandleMessage(ICAPLoggingSource* source, const ICAPLoggingMessage& message) = 0;
 };

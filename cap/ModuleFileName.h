@@ -4,6 +4,6 @@
 
 #include <string>
 
-/// The full path of a loaded module's file; empty when there is none, or when it has 260 (MAX_PATH) characters or more
-/// and would be cut.
+/// Returns the full path of a loaded module's file; empty if there is none, or if the path has 260 (MAX_PATH)
+/// characters or more and would be truncated.
 std::string ModuleFileName(HMODULE module);

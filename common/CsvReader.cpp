@@ -18,7 +18,7 @@ std::optional<CsvReader::Fields> CsvReader::next() {
     do {
         if (!nextLine()) return std::nullopt;
     } while (line.empty());
-    number = linesRead;
+    recordLine = linesRead;
     Fields taken{takeField()};
     while (line.starts_with(',')) {
         line.remove_prefix(1);
@@ -29,10 +29,11 @@ std::optional<CsvReader::Fields> CsvReader::next() {
 }
 
 void CsvReader::fail(std::string_view what) const {
-    throw CsvError(name + ", line " + std::to_string(number) + ": " + std::string(what));
+    throw CsvError(description + ", line " + std::to_string(recordLine) + ": " + std::string(what));
 }
 
-/// Goes to the next line; false at the end.
+/// Advances to the next line.
+/// @return false at the end
 bool CsvReader::nextLine() {
     constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
     if (linesRead == 0 && rest.starts_with(byteOrderMark)) rest.remove_prefix(byteOrderMark.size());
@@ -48,7 +49,7 @@ std::string CsvReader::takeField() {
     return line.starts_with('"') ? takeQuoted() : std::string(takeUntil(line, ','));
 }
 
-/// Begins at the opening quote, and at the second of two quotes again.
+/// Each pass of the outer loop begins at a quote: the opening one, or the second of an escaped pair.
 std::string CsvReader::takeQuoted() {
     std::string taken;
     do {

@@ -13,12 +13,12 @@ std::string readFile(const std::filesystem::path& path) try {
     file.exceptions(std::ios::badbit | std::ios::failbit);
     file.open(path, std::ios::binary);
     std::string content;
-    std::array<char, 0x10000> part; // not cleared: only what was read is used
+    std::array<char, 0x10000> part; // not initialized: only the bytes read are used
     while (const std::streamsize length = file.rdbuf()->sgetn(part.data(), part.size())) {
         content.append(part.data(), static_cast<std::size_t>(length));
     }
     return content;
-} catch (const std::ios::failure&) { // a folder can be opened, too, but not be read
+} catch (const std::ios::failure&) { // from open, or from reading: a folder can be opened
     throw std::system_error(errno, std::generic_category(), path.string());
 }
 
@@ -28,10 +28,10 @@ std::optional<LibraryFault> findFault(const std::filesystem::path& library) try 
     case LibraryDefect::notALibrary:
         return LibraryFault{library.string() + ": it is not a library of this system",
                             "replace it with the right file"};
-    case LibraryDefect::foreign:
-        return LibraryFault{library.string() + ": it is a library of 32 bits, or for another processor",
-                            "replace it with the 64-bit library for the processor that this program is for"};
-    case LibraryDefect::cutShort:
+    case LibraryDefect::wrongArchitecture:
+        return LibraryFault{library.string() + ": it is a 32-bit library, or one for another processor",
+                            "replace it with the 64-bit library for the processor of this program"};
+    case LibraryDefect::truncated:
         return LibraryFault{library.string() + ": it is cut short, and has only " + std::to_string(file.size()) +
                                 " bytes",
                             "copy or install it again"};
@@ -41,7 +41,7 @@ std::optional<LibraryFault> findFault(const std::filesystem::path& library) try 
 } catch (const std::system_error& error) {
     if (error.code() == std::errc::no_such_file_or_directory) return std::nullopt;
     return LibraryFault{library.string() + ": it can't be read: " + error.code().message(),
-                        "put the library's file there, and give this user the right to read it"};
+                        "put the library file there, with read permission for this user"};
 }
 
 } // namespace common

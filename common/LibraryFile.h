@@ -7,16 +7,18 @@
 
 namespace common {
 
-/// What a file's headers say against loading it as a library.
-enum class LibraryDefect { none, notALibrary, foreign, cutShort };
+/// Why a file can't be loaded as a library, according to its headers.
+enum class LibraryDefect { none, notALibrary, wrongArchitecture, truncated };
 
-/// Looks at the headers, which one source per system knows.
+/// Checks a file's headers. The format is that of the system.
 LibraryDefect findHeaderDefect(std::string_view file);
 
+/// Whether the file contains a range of bytes.
 inline bool isInside(std::string_view file, std::uint64_t offset, std::uint64_t length) {
     return offset <= file.size() && length <= file.size() - offset;
 }
 
+/// Reads a record at an offset; nullopt if the file is too short.
 template <class Record>
 std::optional<Record> readRecord(std::string_view file, std::uint64_t offset) {
     Record record{};

@@ -12,8 +12,9 @@ bool isSame(char a, char b) {
     return lower(a) == lower(b);
 }
 
+/// Computes the Levenshtein distance.
 std::size_t editDistance(std::string_view from, std::string_view to) {
-    // The distances of the beginning of `from` that was looked at so far to each beginning of `to`.
+    // distances[i] is the distance of the processed prefix of `from` to the first i characters of `to`.
     std::vector<std::size_t> distances(to.size() + 1);
     std::iota(distances.begin(), distances.end(), 0);
     for (const char character : from) {
@@ -30,12 +31,12 @@ std::size_t editDistance(std::string_view from, std::string_view to) {
 } // namespace
 
 std::optional<std::string> nearestName(std::string_view given, const std::vector<std::string>& known,
-                                       std::size_t mostEdits) {
+                                       std::size_t maxEdits) {
     std::optional<std::string> nearest;
     for (const std::string& name : known) {
         const std::size_t edits = editDistance(given, name);
-        if (edits > mostEdits || (nearest && edits == mostEdits)) continue;
-        mostEdits = edits;
+        if (edits > maxEdits || (nearest && edits == maxEdits)) continue;
+        maxEdits = edits;
         nearest = name;
     }
     return nearest;

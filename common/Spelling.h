@@ -7,9 +7,9 @@
 
 namespace common {
 
-/// The name that was most likely meant, whatever its case: the nearest of the known ones by Levenshtein distance.
-/// @return none when even that needs more edits than these
+/// Finds the known name with the smallest Levenshtein distance to a misspelled one, ignoring case.
+/// @return nullopt if every known name is more than `maxEdits` edits away
 std::optional<std::string> nearestName(std::string_view given, const std::vector<std::string>& known,
-                                       std::size_t mostEdits = 2);
+                                       std::size_t maxEdits = 2);
 
 } // namespace common

@@ -1,6 +1,6 @@
 #pragma once
 
-// What the programs and the stand-ins ask of the system; one source per system implements it.
+// System functions for spm and the stand-ins of the vendor's library. One source file per system implements them.
 
 #include <cstdio>
 #include <filesystem>
@@ -14,73 +14,72 @@ namespace common {
 extern const char* const moduleFileName;
 extern const char* const sdkFileName;
 
-/// Why a library could not be loaded: its path and the system's reason.
+/// A failure to load a library: its path and the system's error message.
 class LoadError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
 
-/// Why a library can't be loaded, as its file tells without being loaded: one that is cut short can end the program
-/// that loads it.
+/// Why a library can't be loaded, and what the user can do.
 struct LibraryFault {
     std::string text;
-    /// What to do.
     std::string advice;
 };
 
-/// None for a file that is missing, too, which loading it tells.
+/// Examines a library's file without loading it: loading a truncated library can crash the process.
+/// @return nullopt if the file looks loadable, or doesn't exist: then loading it gives the error message
 std::optional<LibraryFault> findFault(const std::filesystem::path& library);
 
-/// The vendor's library that the system would load with a module: the one beside it, unless the environment names
-/// another.
+/// Returns the vendor's library that the system would load with a module: the one beside the module, unless
+/// LD_LIBRARY_PATH (on Linux) has another.
 std::filesystem::path sdkOf(const std::filesystem::path& module);
 
-/// A library loaded at run time, for the object's life.
+/// A library loaded at run time; unloaded by the destructor.
 class SharedLibrary {
 public:
-    /// @throws LoadError
+    /// @throws LoadError  if the library can't be loaded
     explicit SharedLibrary(const std::filesystem::path& path);
     SharedLibrary(const SharedLibrary&) = delete;
     SharedLibrary& operator=(const SharedLibrary&) = delete;
     ~SharedLibrary();
 
-    /// The address of an exported name, null for none. On Linux also of a name in the libraries that this one needs.
+    /// Returns the address of an exported symbol; null if there is none. On Linux, also finds symbols of the libraries
+    /// that this one depends on.
     void* find(const char* name) const;
 
-    /// The address of a name that the vendor's library exports, if this is a module that was loaded with it; null for
-    /// none.
+    /// Returns the address of a symbol of the vendor's library that was loaded with this module; null if there is none.
     void* findInSdk(const char* name) const;
 
 private:
     void* library = nullptr;
 };
 
-/// The loaded library or program that an address is in, as the system's functions take it; null when it is in none.
+/// Returns the base address of the loaded library or program that contains an address; null if none does.
 void* libraryOf(const void* address);
 
-/// The file of the loaded library or program that an address is in; empty when it is in none.
+/// Returns the file of the loaded library or program that contains an address; empty if none does.
 std::filesystem::path fileOf(const void* address);
 
-/// Throws as a library that Visual C++ built does: on Windows, where compilers have exceptions of their own, past all
-/// of this compiler's handlers and destructors; elsewhere a std::runtime_error.
+/// Throws an exception as a library built with Visual C++ would. On Windows, where compilers' exceptions differ, this
+/// compiler's handlers and destructors don't see it; elsewhere it is a std::runtime_error.
 [[noreturn]] void throwForeign(const std::string& what);
 
-/// The folder of the running program.
+/// Returns the folder of the running program.
 std::filesystem::path programFolder();
 
-/// The file that an environment variable names; none when it is unset or empty.
+/// Returns the path in an environment variable; nullopt if the variable is not set or empty.
 std::optional<std::filesystem::path> fileOfEnvironment(const char* variable);
 
-/// The whole content of a file.
-/// @throws std::system_error  with the system's reason, also for a folder
+/// Returns the whole content of a file.
+/// @throws std::system_error  with the system's error; also if the path is a folder
 std::string readFile(const std::filesystem::path& path);
 
-/// Creates a file and opens it for writing; null, and errno is set, when that can't be done or there is one already,
-/// be it a link that leads nowhere.
-/// @param mode  "w", for lines that end as the system's do, or "wb"
+/// Creates a file and opens it for writing.
+/// @param mode  "w" to write the system's line endings, or "wb"
+/// @return null, with errno set, on failure; also if the path exists, even as a dangling link
 std::FILE* createFile(const std::filesystem::path& path, const char* mode);
 
-/// Whether two names in one folder are the same to the system.
-bool isSameName(const std::filesystem::path& one, const std::filesystem::path& other);
+/// Whether two file names are equal in the rules of the system's file names.
+bool isSameFileName(const std::filesystem::path& left, const std::filesystem::path& right);
 
 } // namespace common

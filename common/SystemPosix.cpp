@@ -18,21 +18,22 @@ LibraryDefect findHeaderDefect(std::string_view file) {
     using enum LibraryDefect;
     if (!file.empty() && !file.starts_with(ELFMAG)) return notALibrary;
     const auto header = readRecord<Elf64_Ehdr>(file, 0);
-    if (!header) return cutShort;
-    if (header->e_ident[EI_CLASS] != ELFCLASS64 || header->e_machine != __ehdr_start.e_machine) return foreign;
+    if (!header) return truncated;
+    if (header->e_ident[EI_CLASS] != ELFCLASS64 || header->e_machine != __ehdr_start.e_machine)
+        return wrongArchitecture;
     if (header->e_type != ET_DYN) return notALibrary;
     for (std::uint64_t i = 0; i < header->e_phnum; ++i) {
         const auto segment = readRecord<Elf64_Phdr>(file, header->e_phoff + i * sizeof(Elf64_Phdr));
-        if (!segment || !isInside(file, segment->p_offset, segment->p_filesz)) return cutShort;
+        if (!segment || !isInside(file, segment->p_offset, segment->p_filesz)) return truncated;
     }
-    return isInside(file, header->e_shoff, header->e_shnum * sizeof(Elf64_Shdr)) ? none : cutShort;
+    return isInside(file, header->e_shoff, header->e_shnum * sizeof(Elf64_Shdr)) ? none : truncated;
 }
 
 namespace {
 
-/// Whether the loader takes a library from its path. It passes over those for other processors.
-bool isTaken(const std::filesystem::path& library) try {
-    return findHeaderDefect(readFile(library)) != LibraryDefect::foreign;
+/// Whether the loader picks a file that it finds on its search path. It skips those for another architecture.
+bool isPickedByLoader(const std::filesystem::path& library) try {
+    return findHeaderDefect(readFile(library)) != LibraryDefect::wrongArchitecture;
 } catch (const std::system_error&) {
     return false;
 }
@@ -44,7 +45,7 @@ std::filesystem::path sdkOf(const std::filesystem::path& module) {
     std::istringstream folders(list != nullptr ? list : "");
     for (std::string folder; std::getline(folders, folder, ':');) {
         std::filesystem::path sdk = std::filesystem::absolute(std::filesystem::path(folder) / sdkFileName);
-        if (isTaken(sdk)) return sdk;
+        if (isPickedByLoader(sdk)) return sdk;
     }
     return std::filesystem::absolute(module).parent_path() / sdkFileName;
 }
@@ -95,8 +96,8 @@ std::FILE* createFile(const std::filesystem::path& path, const char* mode) {
     return std::fopen(path.c_str(), (std::string(mode) + "xe").c_str());
 }
 
-bool isSameName(const std::filesystem::path& one, const std::filesystem::path& other) {
-    return one == other;
+bool isSameFileName(const std::filesystem::path& left, const std::filesystem::path& right) {
+    return left == right;
 }
 
 } // namespace common

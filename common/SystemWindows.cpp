@@ -18,25 +18,26 @@ const char* const sdkFileName = "i1Pro364.dll";
 
 namespace {
 
-constexpr DWORD longestText = 32'767;
+constexpr DWORD maxTextLength = 32'767;
 
 HMODULE handle(void* library) {
     return static_cast<HMODULE>(library);
 }
 
-/// The path of just this file: the system would add ".dll" to a name without an extension, and refuses slashes.
+/// Returns a path for LoadLibraryExW, which rejects slashes and appends ".dll" to a name without an extension; a final
+/// dot prevents that.
 std::wstring exactPath(const std::filesystem::path& path) {
     const std::wstring absolute = std::filesystem::absolute(path).make_preferred().native();
     return path.has_extension() ? absolute : absolute + L'.';
 }
 
-/// Makes a damaged file an error, for the object's life, where the system would show a dialogue.
-class NoDialogues {
+/// Prevents the system's dialog box for damaged files during the object's lifetime; loading one just fails.
+class SuppressErrorDialogs {
 public:
-    NoDialogues() { SetThreadErrorMode(SEM_FAILCRITICALERRORS, &earlier); }
-    NoDialogues(const NoDialogues&) = delete;
-    NoDialogues& operator=(const NoDialogues&) = delete;
-    ~NoDialogues() { SetThreadErrorMode(earlier, nullptr); }
+    SuppressErrorDialogs() { SetThreadErrorMode(SEM_FAILCRITICALERRORS, &earlier); }
+    SuppressErrorDialogs(const SuppressErrorDialogs&) = delete;
+    SuppressErrorDialogs& operator=(const SuppressErrorDialogs&) = delete;
+    ~SuppressErrorDialogs() { SetThreadErrorMode(earlier, nullptr); }
 
 private:
     DWORD earlier = 0;
@@ -50,15 +51,15 @@ LibraryDefect findHeaderDefect(std::string_view file) {
     const auto dos = readRecord<IMAGE_DOS_HEADER>(file, 0);
     const auto start = dos ? static_cast<std::uint64_t>(dos->e_lfanew) : 0;
     const auto header = readRecord<IMAGE_NT_HEADERS64>(file, start);
-    if (!dos || !header) return cutShort;
+    if (!dos || !header) return truncated;
     const IMAGE_FILE_HEADER& kind = header->FileHeader;
     if (header->Signature != IMAGE_NT_SIGNATURE || (kind.Characteristics & IMAGE_FILE_DLL) == 0) return notALibrary;
-    if (kind.Machine != IMAGE_FILE_MACHINE_AMD64) return foreign;
-    if (header->OptionalHeader.Magic != IMAGE_NT_OPTIONAL_HDR64_MAGIC) return foreign;
+    if (kind.Machine != IMAGE_FILE_MACHINE_AMD64) return wrongArchitecture;
+    if (header->OptionalHeader.Magic != IMAGE_NT_OPTIONAL_HDR64_MAGIC) return wrongArchitecture;
     std::uint64_t next = start + offsetof(IMAGE_NT_HEADERS64, OptionalHeader) + kind.SizeOfOptionalHeader;
     for (int i = 0; i < kind.NumberOfSections; ++i, next += sizeof(IMAGE_SECTION_HEADER)) {
         const auto section = readRecord<IMAGE_SECTION_HEADER>(file, next);
-        if (!section || !isInside(file, section->PointerToRawData, section->SizeOfRawData)) return cutShort;
+        if (!section || !isInside(file, section->PointerToRawData, section->SizeOfRawData)) return truncated;
     }
     return none;
 }
@@ -67,10 +68,10 @@ std::filesystem::path sdkOf(const std::filesystem::path& module) {
     return std::filesystem::absolute(module).parent_path() / sdkFileName;
 }
 
-// The libraries that this one needs are looked for beside it and among the system's own: never in the working folder
-// or on the path, where anybody may have put one of the same name.
+// The library's dependencies are searched for beside it and in the system folder only, not in the working folder or on
+// the path, where an attacker could plant a library of the same name.
 SharedLibrary::SharedLibrary(const std::filesystem::path& path) {
-    const NoDialogues quiet;
+    const SuppressErrorDialogs quiet;
     library = LoadLibraryExW(exactPath(path).c_str(), nullptr,
                              LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_SYSTEM32);
     if (library != nullptr) return;
@@ -102,8 +103,8 @@ void* libraryOf(const void* address) {
 std::filesystem::path fileOf(const void* address) {
     void* const module = libraryOf(address);
     if (module == nullptr) return {};
-    std::wstring file(longestText, L'\0');
-    file.resize(GetModuleFileNameW(handle(module), file.data(), longestText));
+    std::wstring file(maxTextLength, L'\0');
+    file.resize(GetModuleFileNameW(handle(module), file.data(), maxTextLength));
     return file;
 }
 
@@ -121,8 +122,8 @@ std::filesystem::path programFolder() {
 
 std::optional<std::filesystem::path> fileOfEnvironment(const char* variable) {
     const std::wstring name = std::filesystem::path(variable).native();
-    std::wstring value(longestText, L'\0');
-    value.resize(GetEnvironmentVariableW(name.c_str(), value.data(), longestText));
+    std::wstring value(maxTextLength, L'\0');
+    value.resize(GetEnvironmentVariableW(name.c_str(), value.data(), maxTextLength));
     if (value.empty()) return std::nullopt;
     return value;
 }
@@ -134,13 +135,13 @@ std::FILE* createFile(const std::filesystem::path& path, const char* mode) {
     return file >= 0 ? _fdopen(file, mode) : nullptr;
 }
 
-// The system ignores case, and dots and blanks at a name's end.
-bool isSameName(const std::filesystem::path& one, const std::filesystem::path& other) {
+// Windows ignores case, and dots and spaces at the end of a name.
+bool isSameFileName(const std::filesystem::path& left, const std::filesystem::path& right) {
     const auto stripped = [](const std::filesystem::path& name) {
         const std::wstring& text = name.native();
         return text.substr(0, text.find_last_not_of(L". ") + 1);
     };
-    return CompareStringOrdinal(stripped(one).c_str(), -1, stripped(other).c_str(), -1, TRUE) == CSTR_EQUAL;
+    return CompareStringOrdinal(stripped(left).c_str(), -1, stripped(right).c_str(), -1, TRUE) == CSTR_EQUAL;
 }
 
 } // namespace common

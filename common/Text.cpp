@@ -9,8 +9,8 @@ namespace common {
 
 namespace {
 
-/// Where a text stops being UTF-8, or has a NUL byte; its size when it does not.
-std::size_t findFault(std::string_view text) {
+/// Returns the position of the first byte that is NUL or not valid UTF-8; the text's size if there is none.
+std::size_t findInvalidByte(std::string_view text) {
     using Facet = std::codecvt<char32_t, char8_t, std::mbstate_t>;
     const std::u8string bytes(text.begin(), text.end());
     std::u32string characters(bytes.size(), U'\0');
@@ -28,13 +28,13 @@ void requireUtf8(std::string_view text, std::string_view description) {
     if (text.starts_with("\xFF\xFE") || text.starts_with("\xFE\xFF")) {
         throw TextError(fmt::format("{} is UTF-16; save it as UTF-8", description));
     }
-    const std::size_t fault = findFault(text);
-    if (fault == text.size()) return;
-    const std::string_view before = text.substr(0, fault);
+    const std::size_t invalid = findInvalidByte(text);
+    if (invalid == text.size()) return;
+    const std::string_view before = text.substr(0, invalid);
     throw TextError(fmt::format("{}, line {}, byte {}: {} (0x{:02X}); save it as UTF-8", description,
-                                1 + std::count(before.begin(), before.end(), '\n'), fault - before.rfind('\n'),
-                                text[fault] == '\0' ? "a NUL byte, which no text has" : "this is not UTF-8",
-                                static_cast<std::uint8_t>(text[fault])));
+                                1 + std::count(before.begin(), before.end(), '\n'), invalid - before.rfind('\n'),
+                                text[invalid] == '\0' ? "a NUL byte is not allowed" : "this is not UTF-8",
+                                static_cast<std::uint8_t>(text[invalid])));
 }
 
 std::string printable(std::string_view text) {

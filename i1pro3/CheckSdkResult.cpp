@@ -6,15 +6,15 @@
 
 #include <algorithm>
 
-std::string SdkText::text() const {
+std::string SdkTextBuffer::text() const {
     return {buffer.begin(), std::find(buffer.begin(), buffer.end(), '\0')};
 }
 
 void throwSdkError() {
-    // Both queries share the buffer and the size: the second is offered what the first left in them.
-    SdkText answer;
-    callForeign(I1PRO3_GetGlobalOption, "LastErrorText", answer.data(), answer.size());
-    const std::string errorText = answer.text();
-    callForeign(I1PRO3_GetGlobalOption, "LastErrorNumber", answer.data(), answer.size());
-    throw SPMException(spmErrorNumber, errorText + "\nErrorNumber: " + answer.text());
+    // Both queries share the buffer and the size variable: the second one gets the values that the first one left.
+    SdkTextBuffer value;
+    callForeign(I1PRO3_GetGlobalOption, "LastErrorText", value.data(), value.size());
+    const std::string errorText = value.text();
+    callForeign(I1PRO3_GetGlobalOption, "LastErrorNumber", value.data(), value.size());
+    throw SPMException(spmErrorNumber, errorText + "\nErrorNumber: " + value.text());
 }

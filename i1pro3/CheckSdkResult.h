@@ -4,13 +4,13 @@
 #include <string>
 #include <vector>
 
-/// A buffer for the texts that the vendor's library hands out: zeroed, of the size that the library is told.
-class SdkText {
+/// A zeroed buffer for a text that the vendor's library writes, and the size variable to pass with it.
+class SdkTextBuffer {
 public:
     char* data() { return buffer.data(); }
-    /// The size variable of a query. It starts as the buffer's size; the library may change it.
+    /// The size variable: initially the buffer's size; the library may change it.
     std::uint32_t* size() { return &sizeVariable; }
-    /// The text up to its first NUL, or the whole buffer where there is none.
+    /// Returns the text up to its first NUL, or the whole buffer if there is none.
     std::string text() const;
 
 private:
@@ -20,11 +20,12 @@ private:
     std::uint32_t sizeVariable = capacity;
 };
 
+/// @throws SPMException  with the vendor's library's last error text and number
 [[noreturn]] void throwSdkError();
 
-/// The module's one way of turning a failure of the vendor's library into an error.
-/// @param result  what a call of the library answered; 0 is success
-/// @throws SPMException  with the library's last error text and number, when the result is not 0
+/// Converts a failure of the vendor's library to an exception.
+/// @param result  the result of a call of the library; 0 is success
+/// @throws SPMException  if the result is not 0, with the library's last error text and number
 inline void checkSdkResult(std::int32_t result) {
     if (result != 0) throwSdkError();
 }

@@ -23,7 +23,7 @@ constexpr std::uint32_t scanMode = 2;
 constexpr std::int32_t numberOfReflections = I1PRO3_NUMBER_OF_REFLECTIONS;
 constexpr float percent = 100.0F;
 
-/// A count as decimal digits, on the stack.
+/// A number as decimal text, without an allocation.
 class Decimal {
 public:
     explicit Decimal(std::int32_t number) { std::to_chars(digits.data(), digits.data() + digits.size() - 1, number); }
@@ -33,7 +33,7 @@ private:
     std::array<char, 12> digits{};
 };
 
-/// Inline, so that the usual record of all entries gets a loop of fixed length.
+/// Always inline, so that the usual call with all entries becomes a loop of constant length.
 [[gnu::always_inline]] inline void writeReflections(const float* factors, SPM_REFLECTION* reflections,
                                                     std::int32_t entries) {
     for (std::int32_t j = 0; j < entries; ++j) {
@@ -41,9 +41,9 @@ private:
     }
 }
 
-/// Runs what must not fail: there is nowhere left to report to.
+/// Runs an operation in the destructor, where an exception can't be reported any more.
 template <class Operation>
-void quietly(Operation operation) noexcept {
+void ignoringExceptions(Operation operation) noexcept {
     try {
         operation();
     } catch (...) { // NOLINT(bugprone-empty-catch)
@@ -67,20 +67,20 @@ SPM_i1PRO3::SPM_i1PRO3() : SPM_BASE(typeName, false) {
 }
 
 SPM_i1PRO3::~SPM_i1PRO3() {
-    quietly([&] { Log(CAPLevel::debug, spmModuleNumber, "close"); });
+    ignoringExceptions([&] { Log(CAPLevel::debug, spmModuleNumber, "close"); });
     deviceState = Closed;
     currentOptions = {};
-    quietly([&] { contain([&] { reset(); }); });
+    ignoringExceptions([&] { attempt([&] { reset(); }); });
 }
 
 template <class Operation>
-bool SPM_i1PRO3::contain(Operation operation) {
+bool SPM_i1PRO3::attempt(Operation operation) {
     try {
         operation();
         return true;
     } catch (const CAPException& exception) {
         LogException(exception);
-    } catch (...) { // NOLINT(bugprone-empty-catch): the answer says it; only the module's own errors have a log message
+    } catch (...) { // NOLINT(bugprone-empty-catch): reported by the result; only a CAPException has a log message
     }
     return false;
 }
@@ -98,7 +98,7 @@ void SPM_i1PRO3::reset() {
 bool SPM_i1PRO3::open(const char* device) {
     close();
     Log(CAPLevel::debug, spmModuleNumber, "open[%s]", device);
-    if (!contain([&] { connect(); })) close();
+    if (!attempt([&] { connect(); })) close();
     Log(CAPLevel::debug, spmModuleNumber, "open[%s] %s", device, isOpened() ? "done" : "failed");
     return isOpened();
 }
@@ -107,6 +107,7 @@ void SPM_i1PRO3::connect() {
     std::uint32_t count = 0;
     I1PRO3_DeviceHandle* handles = nullptr;
     checkSdkResult(callForeign(I1PRO3_GetDevices, &handles, &count));
+    // A missing instrument is not logged, therefore not an SPMException.
     if (count == 0 || handles == nullptr) throw std::runtime_error("No device connected");
     deviceHandle = handles[0];
     checkSdkResult(callForeign(I1PRO3_OpenDevice, deviceHandle));
@@ -129,6 +130,7 @@ void SPM_i1PRO3::close() {
     reset();
 }
 
+/// The connection status is queried but not evaluated: its values are not documented.
 bool SPM_i1PRO3::isOpened() {
     if (deviceState == Closed) return false;
     try {
@@ -144,7 +146,7 @@ SPM_OPTIONS_EX SPM_i1PRO3::getStatus() {
     SPM_OPTIONS_EX status;
     if (isOpened()) {
         status.aperture = apertureValue;
-        SdkText illuminationNames;
+        SdkTextBuffer illuminationNames; // not evaluated: the status is always "UV Included"
         checkSdkResult(callForeign(I1PRO3_GetOption, deviceHandle, "AvailableIlluminationsKey",
                                    illuminationNames.data(), illuminationNames.size()));
         status.illumination = uvIncluded;
@@ -157,7 +159,7 @@ SPM_OPTIONS_EX SPM_i1PRO3::getStatus() {
 SPM_CALIBRATION_EX SPM_i1PRO3::calibrate(const SPM_CALIBRATION_EX& request) {
     SPM_CALIBRATION_EX reply;
     if (!isOpened()) return resolved(reply);
-    contain([&] {
+    attempt([&] {
         switch (request.step) {
         case SPM_STEP_BEGIN:
             deviceState = CalibrationPending;
@@ -178,7 +180,7 @@ SPM_CALIBRATION_EX SPM_i1PRO3::calibrate(const SPM_CALIBRATION_EX& request) {
     return resolved(reply);
 }
 
-/// Calibrates if the button was pressed, and gives the step to answer with.
+/// Calibrates if the button was pressed, and returns the step to reply with.
 std::uint32_t SPM_i1PRO3::continueCalibration() {
     if (deviceState == CalibrationPending &&
         callForeign(I1PRO3_GetButtonStatusD, deviceHandle) != I1PRO3_BUTTON_NOT_PRESSED) {
@@ -211,35 +213,34 @@ std::int32_t SPM_i1PRO3::getNumberOfReflections() const {
 
 bool SPM_i1PRO3::read(SPM_LAB* values, std::int32_t* count) {
     const std::int32_t patches = std::exchange(*count, 0);
-    return contain([&] {
+    return attempt([&] {
         if (isOpened() && patches >= 1) measure(patches, values, count);
     });
 }
 
 bool SPM_i1PRO3::readSpectrum(SPM_SPECTRUM* spectra, std::int32_t* count) {
     const std::int32_t patches = std::exchange(*count, 0);
-    return contain([&] {
+    return attempt([&] {
         if (!isOpened() || patches < 1) return;
         if (spectra->numberOfReflections == getNumberOfReflections()) measure(patches, spectra, count);
     });
 }
 
-/// Measures if the button was pressed. `count` counts the records as they are filled, so that a failure leaves in it
-/// how many there are.
+/// Measures if the button was pressed. Increments `count` with each record, so that it is correct after a failure, too.
 template <class Record>
 void SPM_i1PRO3::measure(std::int32_t patches, Record* records, std::int32_t* count) {
     setMeasurementMode(patches);
     if (callForeign(I1PRO3_GetButtonStatusD, deviceHandle) == I1PRO3_BUTTON_NOT_PRESSED) return;
     checkSdkResult(callForeign(I1PRO3_TriggerMeasurement, deviceHandle));
     const std::int32_t samples = numberOfSamples(patches);
-    std::array<float, numberOfReflections> buffer{}; // for all samples, whether of three values or a spectrum
+    std::array<float, numberOfReflections> buffer{}; // for a spectrum or the three CIELab values of one sample
     for (std::int32_t sample = 0; sample < samples; ++sample) {
         readSample(sample, buffer.data(), records[sample]);
         *count = sample + 1;
     }
 }
 
-/// One patch is a spot; more are a row to scan.
+/// One patch is measured as a spot, several as a scan.
 void SPM_i1PRO3::setMeasurementMode(std::int32_t patches) {
     if (patches == 1) {
         setOption("MeasurementMode", "ReflectanceSpot");
@@ -264,12 +265,12 @@ void SPM_i1PRO3::readSample(std::int32_t sample, float* buffer, SPM_LAB& values)
 
 void SPM_i1PRO3::readSample(std::int32_t sample, float* buffer, const SPM_SPECTRUM& spectrum) {
     checkSdkResult(callForeign(I1PRO3_GetSpectrum, deviceHandle, buffer, sample));
-    const std::int32_t room = spectrum.numberOfReflections;
-    if (room > 0 && spectrum.reflections == nullptr)
+    const std::int32_t capacity = spectrum.numberOfReflections;
+    if (capacity > 0 && spectrum.reflections == nullptr)
         throw SPMException(spmErrorNumber, "a spectrum record has no array of reflections");
-    if (room >= numberOfReflections) {
+    if (capacity >= numberOfReflections) {
         writeReflections(buffer, spectrum.reflections, numberOfReflections);
     } else {
-        writeReflections(buffer, spectrum.reflections, room);
+        writeReflections(buffer, spectrum.reflections, capacity);
     }
 }

@@ -3,15 +3,15 @@
 #include "i1pro3/I1PRO3_SDK.h"
 #include "module/SPM_BASE.h"
 
-/// The i1Pro 3 over its vendor's library. Every call of that library runs on the host's thread; there are no retries
-/// and no waits.
+/// Drives the i1Pro 3 through its vendor's library. All calls of that library run on the host's thread, without retries
+/// or waits.
 class SPM_i1PRO3 : public SPM_BASE {
 public:
-    /// Describes the instrument; touches nothing.
+    /// Fills the capability lists. Does not call the vendor's library.
     SPM_i1PRO3();
     SPM_i1PRO3(const SPM_i1PRO3&) = delete;
     SPM_i1PRO3& operator=(const SPM_i1PRO3&) = delete;
-    /// Resets the vendor's library. A failure of that is logged and goes no further.
+    /// Resets the vendor's library; a failure is only logged. Does not close the instrument.
     ~SPM_i1PRO3() override;
 
     bool open(const char* device) override;
@@ -27,22 +27,22 @@ public:
 private:
     enum State : std::uint32_t { Closed, Open, CalibrationPending, Calibrated };
 
+    /// Runs an operation and catches every exception; a CAPException is logged. Logging itself may throw.
+    /// @return whether the operation completed
+    template <class Operation>
+    bool attempt(Operation operation);
+
     void setOption(const char* key, const char* value);
-    void connect();
     void reset();
-    void setMeasurementMode(std::int32_t patches);
-    std::int32_t numberOfSamples(std::int32_t patches);
-    void readSample(std::int32_t sample, float* buffer, SPM_LAB& values);
-    void readSample(std::int32_t sample, float* buffer, const SPM_SPECTRUM& spectrum);
+    void connect();
     std::uint32_t continueCalibration();
 
     template <class Record>
     void measure(std::int32_t patches, Record* records, std::int32_t* count);
-
-    /// Runs an operation. A CAPException is logged; no exception comes out of it but one of the log itself.
-    /// @return whether the operation ran to its end
-    template <class Operation>
-    bool contain(Operation operation);
+    void setMeasurementMode(std::int32_t patches);
+    std::int32_t numberOfSamples(std::int32_t patches);
+    void readSample(std::int32_t sample, float* buffer, SPM_LAB& values);
+    void readSample(std::int32_t sample, float* buffer, const SPM_SPECTRUM& spectrum);
 
     State deviceState = Closed;
     I1PRO3_DeviceHandle deviceHandle = nullptr;

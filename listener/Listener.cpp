@@ -1,5 +1,5 @@
-// Passes a module object's messages on to a C function. A library of its own: the module's exports are fixed, and
-// this is all that a host of another compiler needs of the C++ interface behind the handle.
+// Forwards a module object's messages to a C function. It is a separate library because the module's exports are fixed;
+// hosts built with another compiler need nothing else of the C++ interface behind the handle.
 
 #include "listener/SPM_listener.h"
 #include "module/IScmSPM.h"
@@ -11,7 +11,7 @@ struct SPM_SUBSCRIPTION final : ICAPLoggingListener {
     SPM_SUBSCRIPTION(SPM_HANDLE object, SPM_MESSAGE_CALLBACK hostCallback, void* hostContext)
         : handle(object), callback(hostCallback), context(hostContext) {}
 
-    /// Lets no exception out: the module takes one for a failure of the call that logs.
+    /// Discards exceptions: the module would treat them as a failure of the call that logs.
     void HandleMessage(ICAPLoggingSource* source, const ICAPLoggingMessage& message) override;
 
     const SPM_HANDLE handle;
@@ -21,7 +21,7 @@ struct SPM_SUBSCRIPTION final : ICAPLoggingListener {
 
 namespace {
 
-/// A message as the callback gets it.
+/// A message to pass to the callback.
 struct Delivery {
     const SPM_SUBSCRIPTION& subscription;
     const ICAPLoggingMessage& message;
@@ -29,7 +29,7 @@ struct Delivery {
     std::string detail;
 };
 
-/// Has no destructors to run: an exception of another compiler would pass over them.
+/// Has no local objects with destructors, since an exception of another compiler would skip them.
 std::int32_t deliver(const Delivery* delivery) {
     const ICAPLoggingMessage& message = delivery->message;
     delivery->subscription.callback(delivery->subscription.context, message.GetLevel(), message.GetModuleNumber(),
@@ -40,12 +40,12 @@ std::int32_t deliver(const Delivery* delivery) {
 } // namespace
 
 void SPM_SUBSCRIPTION::HandleMessage(ICAPLoggingSource* /*source*/, const ICAPLoggingMessage& message) {
-    // Debug detail, like the levels above information, which the module sends to no listener.
+    // Negative levels are debug messages, like those above information, which the module never sends to listeners.
     if (message.GetLevel() < CAPLevel::error) return;
     try {
         const Delivery delivery{*this, message, message.GetText(), message.GetDetail()};
         callForeign(deliver, &delivery);
-    } catch (...) { // NOLINT(bugprone-empty-catch): the callback was the one to report to
+    } catch (...) { // NOLINT(bugprone-empty-catch): nobody to report it to
     }
 }
 

@@ -1,15 +1,15 @@
 /**
  * @file SPM_listener.h
- * Why a call failed: the messages of a module object, for hosts in every language and of every compiler.
+ * The messages of a module object, which say why a call failed, for hosts in any language and built with any compiler.
  *
- * The functions of SPM.h say that something failed. The module's messages say why, but only to a C++ class of the
- * compiler that built the module. The library spm_i1pro3_listener is such a class, and passes each message on to a
- * plain C function of the host's. It needs neither the module nor the vendor's library to be loaded, but must come from
- * the same release as the module that made the handle.
+ * The functions of SPM.h only report that a call failed. The reason is in the module's messages, which can only be
+ * received by a C++ class built with the module's compiler. The library spm_i1pro3_listener contains such a class,
+ * which forwards each message to a C function of the host. The library can be loaded without the module and the
+ * vendor's library, but must be of the same release as the module that created the handle.
  *
  * One listener
- *   A module object has one listener. Subscribing takes the place of any earlier subscription or C++ listener, and
- *   unsubscribing removes whichever is attached: end a subscription before beginning the next on the same object.
+ *   A module object has one listener. Subscribing replaces an earlier subscription or C++ listener, and unsubscribing
+ *   detaches the current one, whichever it is. End a subscription before beginning another on the same object.
  *
  * Threads
  *   Neither function may overlap with another call on the same object. The callback runs on the thread of the call that
@@ -27,39 +27,40 @@ extern "C" {
 #endif
 
 /**
- * Receives a message. Must not call functions with the same object. An exception that it throws is dropped, and the
- * call that logged goes on as if the callback had returned.
- * @param context       what was passed to SPM_subscribe
- * @param level         0 an error, 1 a warning, 2 information for the user; there are no others
+ * Receives a message. Must not call functions on the same object. If it throws, the exception is discarded, and the
+ * call that logged continues as if the callback had returned.
+ * @param context       the context passed to SPM_subscribe
+ * @param level         0 error, 1 warning, 2 information for the user; there are no others
  * @param moduleNumber  the part that logs: 1 the support library, 7 the spectrophotometer module
- * @param errorNumber   the number of the error within that part; 0 for messages that report no error
- * @param text          the main message, in one line or more: of a failed call of the vendor's library the instrument's
- *                      own error text, then a line such as "ErrorNumber: 7". Valid only during the call
- * @param detail        further information, often empty, never null. Valid only during the call
+ * @param errorNumber   the error number, unique within that part; 0 if the message reports no error
+ * @param text          the main message, one or more lines. For a failed call of the vendor's library, it is the
+ *                      instrument's own error text, followed by a line such as "ErrorNumber: 7". Valid only during the
+ *                      call
+ * @param detail        additional information, often empty, never null. Valid only during the call
  */
 typedef void (*SPM_MESSAGE_CALLBACK)(void* context, int32_t level, int32_t moduleNumber, int32_t errorNumber,
                                      const char* text, const char* detail);
 
-/** A callback that is attached to a module object. Opaque. */
+/** A callback attached to a module object. Opaque. */
 typedef struct SPM_SUBSCRIPTION SPM_SUBSCRIPTION;
 
 /**
  * Attaches a callback to a module object.
- * @param handle    of SPM_create
+ * @param handle    a handle from SPM_create
  * @param callback  called for each message until SPM_unsubscribe
- * @param context   passed to the callback as it is; may be null
- * @return the subscription, which the host ends by SPM_unsubscribe; null when `handle` or `callback` is null, or when
- *         memory ran out
+ * @param context   passed to the callback unchanged; may be null
+ * @return the subscription, which the host must end with SPM_unsubscribe; null if `handle` or `callback` is null, or if
+ *         out of memory
  */
 SPM_SUBSCRIPTION* SPM_subscribe(SPM_HANDLE handle, SPM_MESSAGE_CALLBACK callback, void* context);
 
 /**
- * Detaches the callback and ends the subscription. Must be called before SPM_destroy, and outside of the callback.
- * @param subscription  null is ignored
+ * Detaches the callback and ends the subscription. Must be called before SPM_destroy, and not from the callback.
+ * @param subscription  ignored if null
  */
 void SPM_unsubscribe(SPM_SUBSCRIPTION* subscription);
 
-/** @{ The type of a pointer to the function of its name, for hosts that load the library at run time. */
+/** @{ A pointer to the function of the same name, for hosts that load the library at run time. */
 typedef SPM_SUBSCRIPTION* (*SPM_subscribe_t)(SPM_HANDLE handle, SPM_MESSAGE_CALLBACK callback, void* context);
 typedef void (*SPM_unsubscribe_t)(SPM_SUBSCRIPTION* subscription);
 /** @} */

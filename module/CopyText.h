@@ -2,7 +2,7 @@
 
 #include "module/SPM.h"
 
-/// Copies a text into the buffer that a host lends: cut to fit, and the buffer filled up with NULs behind it. Without a
-/// text only the first byte becomes NUL; without a buffer nothing is written.
-/// @param source  may be null
+/// Copies a text into a host's buffer, truncated to fit, and fills the rest of the buffer with NULs.
+/// @param source  if null, only the first byte of the buffer is set to NUL
+/// @param target  if its text is null or its size below 1, nothing is written
 void copyText(const char* source, const SPM_TEXT& target);

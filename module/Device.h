@@ -4,5 +4,6 @@
 
 #include <memory>
 
-/// Makes the object of the one instrument that this library drives. The instrument's own folder defines it.
+/// Creates the object that drives this library's instrument. Defined in the instrument's folder, so that module/
+/// depends on no instrument.
 [[nodiscard]] std::unique_ptr<SPM_BASE> createDevice();

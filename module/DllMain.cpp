@@ -1,4 +1,4 @@
-// The library's entry point. Keeping the handle is all that is done at load; nothing is done at unload.
+// The library's entry point. It only stores the module handle when the library is loaded: little else is safe there.
 
 #include "module/ModuleHandle.h"
 

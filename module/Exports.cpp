@@ -1,6 +1,6 @@
-// The module's boundary. Each exported function is one operation under one guard: a failure of any kind gives the zero
-// of the function's result (false, 0, null, a zeroed record), and no exception gets out. SPM_destroy needs no guard: a
-// destructor lets no exception out.
+// The module's boundary. Each exported function runs one operation inside a guard, which catches every exception and
+// returns the zero value of the function's result type: false, 0, null or a zeroed record. SPM_destroy needs no guard,
+// since destructors don't throw.
 
 #include "cap/CAPFileVersionInfo.h"
 #include "module/CopyText.h"
@@ -19,15 +19,15 @@ auto guarded(Operation operation) noexcept -> decltype(operation()) {
     }
 }
 
-/// Runs an operation on the object behind a handle.
+/// Runs an operation on a handle's object. Returns the zero value if the handle is null.
 template <class Operation>
 auto withModule(SPM_HANDLE handle, Operation operation) noexcept {
     using Result = decltype(operation(static_cast<SPM_BASE&>(*handle)));
     return guarded([&] { return handle != nullptr ? operation(static_cast<SPM_BASE&>(*handle)) : Result(); });
 }
 
-/// Whether there is an instrument to read from and a place for what it measures; if not, nothing has been measured.
-bool canRead(SPM_HANDLE handle, const void* records, std::int32_t* count) noexcept {
+/// Checks the arguments of a read for null. If one is missing, sets the count, if there is one, to 0.
+bool checkReadArguments(SPM_HANDLE handle, const void* records, std::int32_t* count) noexcept {
     if (count == nullptr) return false;
     if (handle != nullptr && records != nullptr) return true;
     *count = 0;
@@ -119,11 +119,11 @@ int32_t SPM_getNumberOfReflections(SPM_HANDLE handle) {
 }
 
 bool SPM_read(SPM_HANDLE handle, SPM_LAB* values, int32_t* count) {
-    return canRead(handle, values, count) &&
+    return checkReadArguments(handle, values, count) &&
            withModule(handle, [&](SPM_BASE& module) { return module.read(values, count); });
 }
 
 bool SPM_readSpectrum(SPM_HANDLE handle, SPM_SPECTRUM* spectra, int32_t* count) {
-    return canRead(handle, spectra, count) &&
+    return checkReadArguments(handle, spectra, count) &&
            withModule(handle, [&](SPM_BASE& module) { return module.readSpectrum(spectra, count); });
 }

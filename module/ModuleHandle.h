@@ -2,5 +2,5 @@
 
 #include "platform/win32.h"
 
-/// The handle of the library that this code is part of; null until the library is attached.
+/// The handle of the library that contains this code; null until DllMain has run.
 HMODULE moduleHandle();

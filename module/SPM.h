@@ -2,53 +2,53 @@
  * @file SPM.h
  * The spectrophotometer module: sixteen functions to measure colour with an i1Pro 3.
  *
- * The life of an object
- *   SPM_create makes it; SPM_open connects the instrument; SPM_calibrate, called in a dialogue, calibrates it on its
- *   white reference; SPM_read and SPM_readSpectrum measure; SPM_close disconnects; SPM_destroy ends it. No order is
- *   enforced: a function whose moment it is not answers as its description says, and does nothing.
+ * Object life cycle
+ *   SPM_create creates an object; SPM_open connects the instrument; SPM_calibrate, called repeatedly, calibrates it on
+ *   its white reference; SPM_read and SPM_readSpectrum measure; SPM_close disconnects; SPM_destroy destroys the object.
+ *   The order of calls is not enforced: a function called at the wrong time does nothing and returns the result that
+ *   its description gives for that case.
  *
- * The module never waits for the user
- *   SPM_calibrate, SPM_read and SPM_readSpectrum look at the instrument's button once and return. While the user has
- *   not pressed it they report that nothing has been measured; the host calls again, as often and for as long as it
- *   likes. A call blocks only while the instrument works: opens, calibrates or measures.
+ * Polling
+ *   The module never waits for the user. SPM_calibrate, SPM_read and SPM_readSpectrum check the instrument's button
+ *   once and return. Until the user has pressed it, they report that nothing was measured, and the host calls again. A
+ *   call blocks only while the instrument opens, calibrates or measures.
  *
- * Failures
- *   No function throws or ends the process. A failure shows as the function's failure result, and the object stays
- *   usable. Why SPM_open, SPM_calibrate, SPM_read, SPM_readSpectrum or SPM_destroy failed is logged, with the
- *   instrument's own error text. Without a message stay: that no instrument was found, that an earlier connection could
- *   not be closed, and the failures of the other functions.
- *   - A host in any language attaches a callback with the library spm_i1pro3_listener (SPM_listener.h).
- *   - A C++ host of the module's compiler can attach an ICAPLoggingListener through the interface behind the
+ * Errors
+ *   No function throws or terminates the process. On failure, a function returns its failure result, and the object
+ *   stays usable. The reason is logged, with the instrument's own error text, if SPM_open, SPM_calibrate, SPM_read,
+ *   SPM_readSpectrum or SPM_destroy fails. Nothing is logged if SPM_open finds no instrument or can't close an earlier
+ *   connection, or if another function fails.
+ *   - Hosts in any language can attach a callback with the library spm_i1pro3_listener (SPM_listener.h).
+ *   - C++ hosts built with the module's compiler can attach an ICAPLoggingListener through the interface behind the
  *     handle (IScmSPM.h).
- *   - With the setting "Logging" (a REG_DWORD that is not 0 in the registry key
- *     `HKEY_LOCAL_MACHINE\SOFTWARE\Kestrova\SPM`, read by SPM_create), an object appends to the file with the module's
- *     name and the extension ".log" beside the module. Messages reach it only while a listener is attached, so that of
- *     an object without one it tells only the begin and the end.
+ *   - With the setting "Logging" (a REG_DWORD other than 0 in the registry key
+ *     `HKEY_LOCAL_MACHINE\SOFTWARE\Kestrova\SPM`, read by SPM_create), an object also appends its messages to a file
+ *     beside the module, with the module's name and the extension ".log". Without a listener, the file only records
+ *     when logging started and stopped: the module produces messages only while one is attached.
  *
- *   A null handle, or a null pointer where a record, an array, a count or a text is expected, gives the failure result
- *   too, and a count, where there is one, becomes 0. A handle that was destroyed can't be told from a living one, and
- *   must not be passed.
+ *   Passing null as the handle, or for a record, an array, a count or a text, is a failure, too; the count, if any, is
+ *   set to 0. A destroyed handle can't be detected and must not be passed.
  *
  * Ownership
- *   The host owns the object from SPM_create to SPM_destroy, and all memory that it passes. The module writes into it
- *   during the call only, and keeps no pointer.
+ *   The host owns the object from SPM_create to SPM_destroy, and all memory that it passes. The module writes to that
+ *   memory only during the call and keeps no pointer to it.
  *
  * Threads
- *   The module has no threads, and waits for nobody but the vendor's library. Calls on one object must not overlap.
- *   Objects are independent, but share the vendor's library and with it the instrument.
+ *   The module creates no threads and never waits, except inside the vendor's library. Calls on one object must not
+ *   overlap. Objects are independent but share the vendor's library and its instruments.
  *
  * Texts
- *   NUL-terminated single-byte texts in the code page of the process.
+ *   NUL-terminated single-byte strings in the code page of the process.
  *
  * Colour
- *   CIELab for illuminant D65 and the CIE 1964 10 degree standard observer. Reflectance in percent, from 380 nm to
- *   730 nm in steps of 10 nm.
+ *   CIELab for illuminant D65 and the CIE 1964 10 degree standard observer. Spectra are reflectances in percent, from
+ *   380 nm to 730 nm in steps of 10 nm.
  *
  * Binary interface
  *   Plain undecorated C functions of the 64-bit platform. Records are little-endian; SPM_TEXT, SPM_VERSION and
  *   SPM_SPECTRUM are packed, so their pointers are not aligned. A bool is one byte, 0 or 1.
  *
- * Each function has a type for its pointer, SPM_..._t, for hosts that load the module at run time.
+ * Each function has a pointer type, SPM_..._t, for hosts that load the module at run time.
  */
 #ifndef SPM_H
 #define SPM_H
@@ -62,83 +62,83 @@ extern "C" {
 #endif
 
 /**
- * A module object. Opaque to C. In C++ it is the interface in IScmSPM.h, for hosts that are built with the
- * module's compiler.
+ * A module object. Opaque to C. C++ hosts built with the module's compiler can use it as the interface in IScmSPM.h.
  */
 typedef struct IScmSPM* SPM_HANDLE;
 
-/** Options by the values of their list entries. The i1Pro 3 has aperture 1 (4.5 mm), illuminations 1 (UV included) and
- *  2 (UV excluded), and no auxiliary entries (0). 12 bytes. */
+/** A selection of options, by value. The i1Pro 3 has aperture 1 (4.5 mm), illuminations 1 (UV included) and 2 (UV
+ *  excluded), and no auxiliary options (0). 12 bytes. */
 typedef struct SPM_OPTIONS {
     uint32_t aperture;     /**< 1 */
     uint32_t illumination; /**< 1 or 2 */
     uint32_t auxiliary;    /**< 0 */
 } SPM_OPTIONS;
 
-/** The options in force on the instrument, as in SPM_OPTIONS; all 0 while no instrument is open. 12 bytes. */
+/** The instrument's current options, with values as in SPM_OPTIONS; all 0 while no instrument is open. 12 bytes. */
 typedef struct SPM_STATUS {
     uint32_t aperture;     /**< 1 */
     uint32_t illumination; /**< 1 */
     uint32_t auxiliary;    /**< 0 */
 } SPM_STATUS;
 
-/** What the host may choose between, as bit masks of entry values. 20 bytes. */
+/** The options that the host may choose from, as bit masks of their values. 20 bytes. */
 typedef struct SPM_OPTION_MASKS {
     uint32_t apertureMask;     /**< 0: no choice */
     uint32_t illuminationMask; /**< 0: no choice */
     uint32_t auxiliaryMask;    /**< 0: no choice */
-    uint32_t modeMask;         /**< measuring modes that the device supports: 3 for the i1Pro 3 */
-    uint32_t referenceMask;    /**< calibration references that the device supports: 1 for the i1Pro 3 */
+    uint32_t modeMask;         /**< supported measuring modes: 3 for the i1Pro 3, 1 spot and 2 scan */
+    uint32_t referenceMask;    /**< supported calibration references: 1 for the i1Pro 3, the white reference */
 } SPM_OPTION_MASKS;
 
 /** Values of SPM_CALIBRATION's `step`. */
 enum {
     SPM_STEP_BEGIN = 0,    /**< request: begin a calibration */
-    SPM_STEP_CONTINUE = 1, /**< request: look at the button; answer: the user has to act, call again */
-    SPM_STEP_NOTHING = 3,  /**< answer: nothing was calibrated */
-    SPM_STEP_DONE = 4      /**< answer: calibrated; as a request it is answered with itself, and does nothing */
+    SPM_STEP_CONTINUE = 1, /**< request: check the button; reply: waiting for the button, call again */
+    SPM_STEP_NOTHING = 3,  /**< reply: nothing was calibrated */
+    SPM_STEP_DONE = 4      /**< reply: calibrated; as a request it has no effect, and the reply is SPM_STEP_DONE */
 };
 
-/** A request for a calibration step, overwritten with the answer. 20 bytes. */
+/** A request for a calibration step, overwritten with the reply. 20 bytes. */
 typedef struct SPM_CALIBRATION {
-    uint32_t aperture;     /**< not read by the i1Pro 3; 0 in answers */
-    uint32_t illumination; /**< not read by the i1Pro 3; 0 in answers */
-    uint32_t auxiliary;    /**< not read by the i1Pro 3; 0 in answers */
-    uint32_t reference;    /**< answer: the reference to place the instrument on, 1 the white reference, 0 none */
+    uint32_t aperture;     /**< ignored by the i1Pro 3; 0 in replies */
+    uint32_t illumination; /**< ignored by the i1Pro 3; 0 in replies */
+    uint32_t auxiliary;    /**< ignored by the i1Pro 3; 0 in replies */
+    uint32_t reference;    /**< reply: the reference to place the instrument on; 1 the white reference, 0 none */
     uint32_t step;         /**< SPM_STEP_... */
 } SPM_CALIBRATION;
 
 /** The CIELab values of one patch. 12 bytes. */
 typedef struct SPM_LAB {
     float L; /**< lightness, 0 to 100 */
-    float a; /**< green to red */
-    float b; /**< blue to yellow */
+    float a; /**< green (negative) to red (positive) */
+    float b; /**< blue (negative) to yellow (positive) */
 } SPM_LAB;
 
 /** One point of a reflectance spectrum. 8 bytes. */
 typedef struct SPM_REFLECTION {
     int32_t wavelength; /**< in nanometres */
-    float value;        /**< reflectance in percent: 100 for a perfect diffuser */
+    float value;        /**< reflectance in percent; 100 for a perfect diffuser */
 } SPM_REFLECTION;
 
 #pragma pack(push, 1)
 
-/** The reflectance spectrum of one patch: where the host wants it. Never changed by the module. 12 bytes, packed. */
+/** A host's array for the reflectance spectrum of one patch. The module fills the array but never changes this record.
+ * 12 bytes, packed. */
 typedef struct SPM_SPECTRUM {
-    int32_t numberOfReflections; /**< entries that `reflections` has room for: SPM_getNumberOfReflections */
-    SPM_REFLECTION* reflections; /**< the host's array */
+    int32_t numberOfReflections; /**< size of the array in entries; normally SPM_getNumberOfReflections */
+    SPM_REFLECTION* reflections; /**< the array */
 } SPM_SPECTRUM;
 
-/** A text buffer that the host lends. 12 bytes, packed. */
+/** A host's text buffer. 12 bytes, packed. */
 typedef struct SPM_TEXT {
-    int32_t size; /**< of the buffer in bytes, with the terminating NUL */
+    int32_t size; /**< size of the buffer in bytes, including the terminating NUL */
     char* text;   /**< the buffer */
 } SPM_TEXT;
 
 /** The module's version and type. 16 bytes, packed. */
 typedef struct SPM_VERSION {
-    uint32_t version; /**< as SPM_getVersion returns it */
-    SPM_TEXT type;    /**< as SPM_getType fills it */
+    uint32_t version; /**< the version, see SPM_getVersion */
+    SPM_TEXT type;    /**< the buffer for the type, see SPM_getType */
 } SPM_VERSION;
 
 #pragma pack(pop)
@@ -186,131 +186,131 @@ SPM_STATIC_ASSERT(offsetof(SPM_VERSION, type) == 4, "SPM_VERSION");
 /** @endcond */
 
 /**
- * Reads the module's version: the fourth component of its file version. May be called before SPM_create.
- * @param version  filled with the version and the type text (see SPM_getType); may be null
- * @return the version; 0 when the module's file has no readable version resource
+ * Returns the module's version: the fourth component of its file version. Needs no object.
+ * @param version  receives the version and the type (see SPM_getType); may be null
+ * @return the version; 0 if the version resource of the module's file can't be read
  */
 uint32_t SPM_getVersion(SPM_VERSION* version);
 
 /**
- * Reads the module's minor version: the third component of its file version. May be called before SPM_create.
- * @return the minor version; 0 also when the module's file has no readable version resource
+ * Returns the module's minor version: the third component of its file version. Needs no object.
+ * @return the minor version; also 0 if the version resource of the module's file can't be read
  */
 uint32_t SPM_getMinorVersion(void);
 
 /**
- * Reads the module's type text, the "Comments" of its version resource. This module has none: the text is empty.
- * May be called before SPM_create.
- * @param type  the buffer. With `text` null or `size` below 1 nothing is written. Otherwise its first byte becomes NUL,
- *              and where there is a type text, the whole buffer is filled: at most `size` - 1 characters of the text,
- *              and NUL from there to the end
+ * Reads the module's type: the text "Comments" of its version resource. Needs no object. This module's resource has no
+ * such text, so the type is empty.
+ * @param type  the buffer. If `text` is null or `size` below 1, nothing is written. Without a type, only the first byte
+ *              is set to NUL. Otherwise the whole buffer is filled: with the type, truncated to `size` - 1 characters,
+ *              and then NULs
  */
 void SPM_getType(SPM_TEXT* type);
 
 /**
- * Makes a module object. Reads the settings, and opens the log file when logging is on; does not touch the instrument.
- * @return the object's handle, or null when memory ran out
+ * Creates a module object. Reads the settings, and opens the log file if logging is on. Does not access the instrument.
+ * @return the object's handle; null if out of memory
  */
 SPM_HANDLE SPM_create(void);
 
 /**
- * Ends a module object: resets the vendor's library, which all objects of the process share, and closes the log file.
- * Does not close the instrument: SPM_close does.
- * @param handle  null is ignored
+ * Destroys a module object: resets the vendor's library, which all objects of the process share, and closes the log
+ * file. Does not close the instrument; call SPM_close first.
+ * @param handle  ignored if null
  */
 void SPM_destroy(SPM_HANDLE handle);
 
 /**
- * Reads which options the host may choose between. May be called before SPM_open.
+ * Returns the options that the host may choose from. Needs no open instrument.
  * @return the masks: 0, 0, 0, 3, 1 for the i1Pro 3; all 0 on failure
  */
 SPM_OPTION_MASKS SPM_getOptionMasks(SPM_HANDLE handle);
 
 /**
- * Selects options. A value that no entry has leaves its option as it was. SPM_open replaces the selection with the
- * options in force on the instrument, SPM_close clears it. The i1Pro 3 measures the same whatever is selected.
- * @param options  read only
+ * Selects options. An unknown value leaves its option unchanged. SPM_open replaces the selection with the instrument's
+ * current options; SPM_close clears it. The selection has no effect on measurements with the i1Pro 3.
+ * @param options  the options to select; not changed
  */
 void SPM_setOptions(SPM_HANDLE handle, const SPM_OPTIONS* options);
 
 /**
- * Connects the first instrument that the vendor's library finds and sets it to CIELab, D65, 10 degree. A connection
- * that the object already has is closed first, and its calibration with it.
- * @param device  name of the device connection, "USB"; it appears in the log and selects nothing
- * @return true when connected. False when there is no instrument or a step failed; the object then has no connection,
- *         unless `device` was null, which changes nothing, or a listener threw
+ * Connects the first instrument that the vendor's library finds, and sets it to CIELab, D65 and 10 degrees. If the
+ * object already has a connection, it is closed first, which also discards its calibration.
+ * @param device  name of the device connection, "USB". Only logged; it does not select an instrument
+ * @return true if connected; false if there is no instrument or a step failed. After false, the object has no
+ *         connection, with two exceptions: if `device` is null, nothing changes; if a listener threw, it may have one
  */
 bool SPM_open(SPM_HANDLE handle, const char* device);
 
 /**
- * Disconnects the instrument and resets the vendor's library, which all objects of the process share. Does nothing to
- * an object that never found an instrument.
+ * Disconnects the instrument and resets the vendor's library, which all objects of the process share. Does nothing if
+ * the object has never found an instrument.
  */
 void SPM_close(SPM_HANDLE handle);
 
 /**
- * Whether the object has an open connection. An instrument that was unplugged since it was opened still counts.
- * @return true when open; false also on failure
+ * Returns whether the object has a connection. Does not detect that the instrument was unplugged.
+ * @return true if connected; false if not, and on failure
  */
 bool SPM_isOpened(SPM_HANDLE handle);
 
 /**
- * Reads the options in force on the instrument.
- * @return 1, 1, 0 while the i1Pro 3 is open; all 0 while it is not, and on failure
+ * Returns the instrument's current options.
+ * @return 1, 1, 0 for an open i1Pro 3; all 0 if no instrument is open, and on failure
  */
 SPM_STATUS SPM_getStatus(SPM_HANDLE handle);
 
 /**
- * Takes one step of the calibration dialogue.
+ * Performs one step of a calibration.
  *
- * Begin with SPM_STEP_BEGIN. While the answer is SPM_STEP_CONTINUE, ask the user to place the instrument on the
- * reference that the answer names and to press its button, and call again with SPM_STEP_CONTINUE. The answer
- * SPM_STEP_DONE ends the dialogue: calibrated. SPM_STEP_NOTHING ends it without a calibration: no instrument is open,
- * no calibration was begun, the step is none of SPM_STEP_..., or calibrating failed. It also drops an earlier
- * calibration of the open instrument.
- * @param calibration  the request, overwritten with the answer; on failure it stays as it was
+ * Begin with SPM_STEP_BEGIN. While the reply is SPM_STEP_CONTINUE, ask the user to place the instrument on the
+ * reference in the reply and to press its button, and call again with SPM_STEP_CONTINUE. The reply SPM_STEP_DONE means
+ * that the instrument is calibrated. SPM_STEP_NOTHING means that it is not: no instrument is open, no calibration was
+ * begun, the step is unknown, or calibrating failed; an earlier calibration of the open instrument is discarded, too.
+ * @param calibration  the request, overwritten with the reply; unchanged if there is no reply, for instance because
+ *                     `handle` is null or a listener threw
  */
 void SPM_calibrate(SPM_HANDLE handle, SPM_CALIBRATION* calibration);
 
 /**
- * Asks the instrument itself whether it is calibrated, by taking a spot measurement on every call.
- * @return true when calibrated, and also when the measurement fails for another reason than a missing calibration;
- * false when not calibrated, when no instrument is open, and when the measurement can't be set up
+ * Returns whether the instrument is calibrated. Each call takes a spot measurement to find out.
+ * @return true if calibrated, and also if the measurement fails for another reason than a missing calibration; false if
+ *         not calibrated, if no instrument is open, and if the measurement can't be set up
  */
 bool SPM_isCalibrated(SPM_HANDLE handle);
 
 /**
- * Reads the number of entries that a spectrum has, whether or not an instrument is open.
+ * Returns the number of entries of a spectrum. Needs no open instrument.
  * @return 36 for the i1Pro 3; 0 on failure
  */
 int32_t SPM_getNumberOfReflections(SPM_HANDLE handle);
 
 /**
- * Measures CIELab values of one patch (a spot) or of a row of patches (a scan), once the user has pressed the button.
+ * Measures the CIELab values of one patch (spot) or of a row of patches (scan), if the user has pressed the button.
  *
- * True with a `count` of 0 says that nothing was measured: the button was not pressed, no instrument is open, the
- * count was below 1, or no patch was found in the row. A row of which fewer patches were found than wanted gives those.
- * @param values  array of `count` records; only those that are measured are written
- * @param count   in: patches wanted, 1 for a spot, 2 or more for a scan; out: patches measured, the first records
- * @return true unless something failed. After a failure `count` tells how many patches were measured before it
+ * If the function returns true with `count` 0, nothing was measured: the button was not pressed, no instrument is open,
+ * the count was below 1, or the scan found no patch. A scan that finds fewer patches than requested returns those.
+ * @param values  array of `count` records, of which only the measured ones are written
+ * @param count   in: number of patches, 1 for a spot, 2 or more for a scan; out: number of patches measured
+ * @return true on success; false on failure, with `count` set to the number of patches measured before it
  */
 bool SPM_read(SPM_HANDLE handle, SPM_LAB* values, int32_t* count);
 
 /**
- * Measures reflectance spectra of one patch (a spot) or of a row of patches (a scan), once the user has pressed the
- * button. Answers as SPM_read does.
+ * Measures the reflectance spectra of one patch (spot) or of a row of patches (scan), if the user has pressed the
+ * button. Otherwise like SPM_read.
  *
- * Entry j of a spectrum gets the wavelength 380 + 10 * j nm. The first record's `numberOfReflections` must be
- * SPM_getNumberOfReflections; if it is not, nothing is measured: true with a `count` of 0. A later record gets as many
- * entries as its own `numberOfReflections` says, none where that is below 1 and at most 36. A record to be written
- * whose `reflections` is null is a failure.
- * @param spectra  array of `count` records, each with the array that is to be filled
- * @param count    in: patches wanted, 1 for a spot, 2 or more for a scan; out: patches measured, the first records
- * @return true unless something failed. After a failure `count` tells how many records were filled before it
+ * Entry j of a spectrum is for the wavelength 380 + 10 * j nm. The first record's `numberOfReflections` must be
+ * SPM_getNumberOfReflections; otherwise nothing is measured, and the function returns true with `count` 0. Each later
+ * record receives as many entries as its own `numberOfReflections`, at least 0 and at most 36. If a record has a null
+ * `reflections` but is to receive entries, the function fails.
+ * @param spectra  array of `count` records, each with the array to fill
+ * @param count    in: number of patches, 1 for a spot, 2 or more for a scan; out: number of patches measured
+ * @return true on success; false on failure, with `count` set to the number of records filled before it
  */
 bool SPM_readSpectrum(SPM_HANDLE handle, SPM_SPECTRUM* spectra, int32_t* count);
 
-/** @{ The type of a pointer to the function of its name, for hosts that load the module at run time. */
+/** @{ A pointer to the function of the same name, for hosts that load the module at run time. */
 typedef uint32_t (*SPM_getVersion_t)(SPM_VERSION* version);
 typedef uint32_t (*SPM_getMinorVersion_t)(void);
 typedef void (*SPM_getType_t)(SPM_TEXT* type);

@@ -2,10 +2,10 @@
 
 #include "cap/CAPException.h"
 
-/// The number under which the spectrophotometer module raises and logs.
+/// The module number of the spectrophotometer module's exceptions and log messages.
 inline constexpr std::int32_t spmModuleNumber = 7;
 
-/// The error number of everything that the module raises.
+/// The error number of all of the module's exceptions.
 inline constexpr std::int32_t spmErrorNumber = 1539;
 
 /// An error of the spectrophotometer module.

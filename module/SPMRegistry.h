@@ -2,10 +2,11 @@
 
 #include "cap/CAPRegistry.h"
 
-/// The module's settings: the key SOFTWARE\Kestrova\SPM, shared by all device models, or a model's own key below it.
+/// The module's settings: the key SOFTWARE\Kestrova\SPM, common to all device models, or a model's own key below it.
 class SPMRegistry : public CAPRegistry {
 public:
-    /// The names of the values: numbers in the common key, and a text in a model's own.
+    /// The names of the values: "Logging" and "Details" are numbers in the common key, "Device" is a text in a model's
+    /// key.
     static constexpr const char* logging = "Logging";
     static constexpr const char* details = "Details";
     static constexpr const char* device = "Device";
@@ -13,7 +14,7 @@ public:
     SPMRegistry();
     explicit SPMRegistry(const std::string& modelName);
 
-    /// The full path of the common key, and of a model's own.
+    /// Returns the full path of the common key, or of a model's key.
     static std::string path();
     static std::string path(const std::string& modelName);
 };

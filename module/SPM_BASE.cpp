@@ -14,13 +14,15 @@ bool hasIndex(const List& list, std::int32_t index) {
     return index >= 0 && static_cast<std::size_t>(index) < list.size();
 }
 
-/// The position of the first entry that matches, -1 for none.
+/// Returns the index of the first matching entry, or -1 if there is none.
 template <class List, class Matches>
 std::int32_t indexOf(const List& list, Matches matches) {
     const auto found = std::find_if(list.begin(), list.end(), matches);
     return found != list.end() ? static_cast<std::int32_t>(found - list.begin()) : -1;
 }
 
+/// Completes the value and index of an entry: a valid index determines the value, otherwise the value determines the
+/// index; if neither is in the list, they become 0 and -1.
 template <class List>
 void resolve(const List& list, std::uint32_t& value, std::int32_t& index) {
     if (!hasIndex(list, index)) {
@@ -40,7 +42,7 @@ std::int32_t indexOfName(const List& list, const char* name) {
     return indexOf(list, [&](const auto& entry) { return std::strcmp(entry.name, name) == 0; });
 }
 
-/// The element at an index, or the first for an index that the list does not have; null for an empty list.
+/// Returns the element at an index, or the first if the index is out of range; null if the list is empty.
 template <class Element>
 const Element* atOrFirst(const std::vector<Element>& list, std::int32_t index) {
     if (list.empty()) return nullptr;

@@ -7,10 +7,10 @@
 
 #include <vector>
 
-/// What all device modules have in common: the capability lists, the options and their selection, the settings, and
-/// the way of log messages to the host's listener and to the log file.
+/// The common base of all device modules: capability lists, option selection, settings, and the dispatch of log
+/// messages to the host's listener and the log file.
 ///
-/// A device class fills the lists and masks in its constructor; they never change afterwards.
+/// A device class fills the lists and masks in its constructor; they don't change afterwards.
 class SPM_BASE : public IScmSPM {
 public:
     SPM_BASE(const SPM_BASE&) = delete;
@@ -41,32 +41,34 @@ public:
     const char* getDevice(std::int32_t index) const override;
     bool setOptionsByName(const char* aperture, const char* auxiliary, const char* illumination) override;
 
-    /// Selects options by index or value; one that no entry has keeps its earlier selection.
-    /// @return whether each list that has entries has a selected one
+    /// Selects options by index or value. An option for which neither is in its list keeps its earlier selection.
+    /// @return whether every list that has entries has a selected one
     virtual bool setOptions(const SPM_OPTIONS_EX& options);
 
     const SPM_OPTION_MASKS& getOptionMasks() const { return optionMasks; }
     const SPM_OPTIONS_EX& getCurrentOptions() const { return currentOptions; }
 
 protected:
-    /// An entry of a capability list. The name is a constant that lives as long as the library.
+    /// An entry of a capability list. The name must be a string literal.
     struct Entry {
         const char* name;
         std::uint32_t value;
     };
     using EntryList = std::vector<Entry>;
 
-    /// Reads the settings and opens the log file when logging is on.
-    /// @param model  the model name; lives as long as the library
+    /// Reads the settings, and opens the log file if logging is on.
+    /// @param model  the model name; must be a string literal
+    /// @param flag   returned by getDeviceFlag
     SPM_BASE(const char* model, bool flag);
 
-    /// Completes a record from the lists: an index that its list has gives the value, else a value that an entry has
-    /// gives the index, else both say none. A calibration step that there is not becomes SPM_STEP_NOTHING.
+    /// Completes the values and indexes of a record: for each option, a valid index determines the value, otherwise the
+    /// value determines the index; if neither is in the list, they become 0 and -1. An unknown calibration step becomes
+    /// SPM_STEP_NOTHING.
     [[nodiscard]] SPM_OPTIONS_EX resolved(const SPM_OPTIONS_EX& options) const;
     [[nodiscard]] SPM_CALIBRATION_EX resolved(const SPM_CALIBRATION_EX& calibration) const;
 
-    /// Resolves the record in place.
-    /// @return whether each list that has entries has a selected one
+    /// Completes a record in place, as resolved() does.
+    /// @return whether every list that has entries has a selected one
     [[nodiscard]] bool validate(SPM_OPTIONS_EX& options) const;
 
 private:

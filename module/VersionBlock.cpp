@@ -1,5 +1,5 @@
-// The module's version resource where there is no resource compiler: the same tree, made at compile time and placed
-// into the section in which the platform looks for it.
+// The module's version resource for systems without a resource compiler: the same tree, built at compile time and
+// placed in the section ".rsrc", where platform/posix/VersionResource.cpp looks for it.
 
 #include "platform/VersionBlock.h"
 
@@ -10,7 +10,7 @@
 
 namespace {
 
-/// Half of a version: two of its four numbers, 16 bits each.
+/// Combines two of a version's four numbers, 16 bits each.
 constexpr DWORD versionHalf(DWORD high, DWORD low) {
     return high << 16 | low;
 }
@@ -49,12 +49,12 @@ constexpr auto tables = std::to_array<version_block::Table>({{0x0409, 0x04B0, te
 
 constexpr version_block::Block block = version_block::build(version_block::fixedPart(fixedInfo), tables);
 
-constexpr std::array<char, block.size()> exactly() {
+constexpr std::array<char, block.size()> resourceBytes() {
     std::array<char, block.size()> bytes{};
     std::copy(block.begin(), block.end(), bytes.begin());
     return bytes;
 }
 
-[[gnu::section(".rsrc"), gnu::used, gnu::aligned(4)]] constexpr auto versionResource = exactly();
+[[gnu::section(".rsrc"), gnu::used, gnu::aligned(4)]] constexpr auto versionResource = resourceBytes();
 
 } // namespace

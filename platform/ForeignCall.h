@@ -1,21 +1,21 @@
 #pragma once
 
-// Calls into libraries that another compiler may have built.
+// Calls into libraries that may have been built by another compiler.
 //
-// On Windows, each compiler has C++ exceptions of its own. GCC's handlers, catch (...) included, let Visual C++'s pass:
-// one that a library throws would end the process. A call through callForeign turns it into a C++ exception of this
-// compiler. Elsewhere all compilers share one kind of exceptions, and the call is a plain one.
+// On Windows, each compiler implements C++ exceptions in its own way. GCC's handlers, catch (...) included, don't catch
+// those of Visual C++: an exception thrown by such a library would terminate the process. callForeign converts it to an
+// exception of this compiler. Elsewhere all compilers share one implementation, and callForeign is a plain call.
 
 #include <cstdint>
 #include <type_traits>
 
 #ifdef __MINGW32__
-/// Calls the function in its first argument with the up to four others, see windows/ForeignCall.cpp.
+/// Calls the function in the first argument with up to four more arguments; see windows/ForeignCall.cpp.
 extern "C" void callCatchingForeign();
 #endif
 
-/// Calls a function of a library.
-/// @throws std::runtime_error  in place of a C++ exception of Visual C++; any other exception passes as it is
+/// Calls a function of a library. Exceptions of this compiler propagate unchanged.
+/// @throws std::runtime_error  if the function throws a C++ exception of Visual C++
 template <class... Parameters>
 std::int32_t callForeign(std::int32_t (*function)(Parameters...), std::type_identity_t<Parameters>... arguments) {
 #ifdef __MINGW32__

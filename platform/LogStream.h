@@ -1,21 +1,21 @@
 #pragma once
 
-// A text file that any number of threads, objects and processes append lines to, each line whole. Nobody waits for a
-// reader, and for another writer only as long as it takes it to write.
+// A text file to which any number of threads, objects and processes append lines without mixing them. A writer never
+// waits for a reader, and waits for another writer only as long as its write takes.
 
 #include <cstdio>
 #include <string_view>
 
-/// How much of a text reached the file.
+/// How much of a text was written.
 enum class Written { nothing, part, all };
 
-/// Opens a regular file, and makes it when missing; programs that the process starts do not inherit it.
-/// @param mode  "a" to append, "w" to empty it first
-/// @return null when it can't be opened or isn't a regular file
+/// Opens a regular file, creating it if it doesn't exist. Child processes don't inherit it.
+/// @param mode  "a" to append, "w" to truncate the file first
+/// @return null if the file can't be opened or isn't a regular file
 [[nodiscard]] std::FILE* openLogStream(const char* path, const char* mode);
 
-/// Appends a text, '\n' in the system's way, behind what others have written.
+/// Appends a text at the end of the file, with each '\n' converted to the system's line ending.
 [[nodiscard]] Written appendText(std::FILE* stream, std::string_view text);
 
-/// Whether the file ends inside a line, as a full disk leaves it.
-[[nodiscard]] bool endsInsideLine(std::FILE* stream);
+/// Whether the last line lacks its line ending, as happens when the disk is full.
+[[nodiscard]] bool endsWithIncompleteLine(std::FILE* stream);

@@ -1,10 +1,10 @@
 #pragma once
 
-// Builds the binary form of a version resource, the tree of VS_VERSION_INFO: nodes of a length, a value length, a type
-// (0 binary, 1 text), a UTF-16 name, a value and children, each part aligned to 4 bytes.
+// Builds the binary form of a version resource, the tree of VS_VERSION_INFO. A node consists of a length, a value
+// length, a type (0 binary, 1 text), a UTF-16 name, a value and child nodes, each part aligned to 4 bytes.
 // Format: "VS_VERSIONINFO structure" and the structures that it refers to, in the Windows API reference.
 //
-// All of it runs at compile time, so that a library can carry its resource as a constant.
+// Everything is constexpr, so that a library can contain its resource as a constant.
 
 #include "platform/win32.h"
 
@@ -26,15 +26,15 @@ struct Table {
     std::span<const Text> texts;
 };
 
-/// Bytes of a resource, of which there may be 8192.
+/// The bytes of a resource, at most 8192.
 class Block {
 public:
     constexpr const char* begin() const { return bytes.data(); }
     constexpr const char* end() const { return bytes.data() + length; }
     constexpr std::size_t size() const { return length; }
 
-    /// Begins a node; what is appended until it is closed, is its value and its children.
-    /// @return what to close it with
+    /// Begins a node. Everything appended before closeNode belongs to its value and children.
+    /// @return the node, to pass to closeNode
     constexpr std::size_t openNode(std::string_view name, bool isText, std::size_t valueLength) {
         align();
         const std::size_t node = length;
@@ -71,7 +71,7 @@ private:
         bytes[offset + 1] = static_cast<char>(word >> 8 & 0xFF);
     }
 
-    /// A Latin-1 text as UTF-16 with its NUL.
+    /// Appends a Latin-1 text as NUL-terminated UTF-16.
     constexpr void appendText(std::string_view text) {
         for (const char character : text) {
             appendWord(static_cast<unsigned char>(character));
@@ -85,7 +85,7 @@ private:
     std::size_t length = 0;
 };
 
-/// The string table's name: language and code page as eight hexadecimal digits.
+/// Returns a string table's name: language and code page as eight hexadecimal digits.
 constexpr std::array<char, 8> tableName(const Table& table) {
     constexpr std::string_view digits = "0123456789abcdef";
     std::array<char, 8> name{};
@@ -102,8 +102,8 @@ constexpr FixedPart fixedPart(const VS_FIXEDFILEINFO& info) {
     return std::bit_cast<FixedPart>(info);
 }
 
-/// A whole version resource.
-/// @param fixedValue  the fixed part as bytes, normally fixedPart()
+/// Builds a complete version resource.
+/// @param fixedValue  the bytes of the fixed part, normally from fixedPart()
 constexpr Block build(std::span<const char> fixedValue, std::span<const Table> tables) {
     Block block;
     const std::size_t root = block.openNode("VS_VERSION_INFO", false, fixedValue.size());

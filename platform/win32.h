@@ -1,7 +1,7 @@
 #pragma once
 
-// The system, under the names of Win32: on Windows its own headers, elsewhere declarations of just what is called,
-// implemented in platform/posix/. No other source tells the two apart.
+// Win32: the system's own headers on Windows; elsewhere declarations of the few functions that the project calls,
+// implemented in platform/posix/. No other header distinguishes the systems.
 
 #ifdef _WIN32
 

@@ -1,4 +1,4 @@
-// Calls a library's entry point when the loader has loaded it, as Windows does.
+// Calls DllMain when the library is loaded, as Windows does.
 
 #include "platform/posix/win32.h"
 

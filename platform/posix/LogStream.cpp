@@ -1,4 +1,4 @@
-// The system appends each write to a file in one piece, so that no lock is needed.
+// With O_APPEND, the system appends each write atomically, so no lock is needed.
 
 #include "platform/LogStream.h"
 
@@ -31,12 +31,12 @@ Written appendText(std::FILE* stream, std::string_view text) {
     return static_cast<std::size_t>(written) < text.size() ? Written::part : Written::all;
 }
 
-bool endsInsideLine(std::FILE* stream) {
+bool endsWithIncompleteLine(std::FILE* stream) {
     const int descriptor = fileno(stream);
     struct stat status {};
     if (fstat(descriptor, &status) != 0 || status.st_size == 0) return false;
-    // The size may be that of a line of which another writer has the rest still to write. The first hole, which is the
-    // end where there is none before, is looked for between two writes.
+    // st_size may include only part of a line that another process is writing right now. lseek waits for that write to
+    // finish, and SEEK_HOLE finds the end of the file: the implicit hole behind its last byte.
     const off_t end = lseek(descriptor, status.st_size - 1, SEEK_HOLE);
     char last = '\n';
     return end > 0 && pread(descriptor, &last, 1, end - 1) == 1 && last != '\n';

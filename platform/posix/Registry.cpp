@@ -1,5 +1,5 @@
-// The registry functions over a settings file. The file is the whole state: every call opens it and reads it anew, so
-// that any number of processes and threads may use it and edit it by hand.
+// The registry functions, implemented on a settings file. Every call opens and reads the file again and nothing is
+// cached, so that several processes and threads can use the file while a user edits it.
 
 #include "platform/posix/RegistryText.h"
 #include "platform/posix/win32.h"
@@ -27,31 +27,33 @@ namespace {
 
 constexpr std::string_view softwarePath = "HKEY_LOCAL_MACHINE\\SOFTWARE";
 
-/// The settings file. Nothing here waits for anybody: whoever may read the file may lock it for good, and a pipe may
-/// stand in its place.
-class StoreFile {
+/// The settings file. No operation blocks: any process that can read the file can hold its lock forever, and the path
+/// may name a pipe.
+class SettingsFile {
 public:
-    /// Opens a regular file.
+    /// Opens the file if it is a regular file.
     /// @param flags  for open(2)
-    explicit StoreFile(int flags) : descriptor(open(registryPlace(), flags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, 0644)) {
+    explicit SettingsFile(int flags)
+        : descriptor(open(registryPlace(), flags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, 0644)) {
         struct stat status {};
         if (descriptor < 0 || (fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode))) return;
         close(descriptor);
         descriptor = -1;
     }
-    StoreFile(const StoreFile&) = delete;
-    StoreFile& operator=(const StoreFile&) = delete;
-    ~StoreFile() {
+    SettingsFile(const SettingsFile&) = delete;
+    SettingsFile& operator=(const SettingsFile&) = delete;
+    ~SettingsFile() {
         if (descriptor >= 0) close(descriptor);
     }
 
     bool isOpen() const { return descriptor >= 0; }
 
-    /// Keeps other processes and threads from creating keys while this object lives; false when another does so.
+    /// Locks the file against the creation of keys by other threads and processes, until this object is destroyed.
+    /// @return false if another one holds the lock
     [[nodiscard]] bool tryLock() const { return flock(descriptor, LOCK_EX | LOCK_NB) == 0; }
 
-    /// The whole file as it stood at one moment: read again until nothing has changed, since whoever edits it in place
-    /// holds no lock. None when it can't be read or changes all the time.
+    /// Returns a consistent snapshot of the file. An editor that writes the file in place takes no lock, so the file is
+    /// read until two reads give the same text. Returns nullopt if it can't be read or keeps changing.
     std::optional<std::string> read() const {
         constexpr int attempts = 10;
         std::optional<std::string> text = readOnce();
@@ -63,7 +65,7 @@ public:
         return std::nullopt;
     }
 
-    /// Appends all of it or nothing.
+    /// Appends a text completely or not at all.
     [[nodiscard]] bool append(const std::string& addition) const {
         const off_t end = lseek(descriptor, 0, SEEK_END);
         const ssize_t written = pwrite(descriptor, addition.data(), addition.size(), end);
@@ -75,7 +77,7 @@ public:
 private:
     std::optional<std::string> readOnce() const {
         std::string text;
-        std::array<char, 4096> part; // not cleared: only what was read is used
+        std::array<char, 4096> part; // not initialized: only the bytes read are used
         for (;;) {
             const ssize_t length = pread(descriptor, part.data(), part.size(), static_cast<off_t>(text.size()));
             if (length < 0) return std::nullopt;
@@ -87,19 +89,20 @@ private:
     int descriptor;
 };
 
-LSTATUS readStore(const StoreFile& file, std::string& text) {
+LSTATUS readSettings(const SettingsFile& file, std::string& text) {
     if (!file.isOpen()) return ERROR_ACCESS_DENIED;
     std::optional<std::string> content = file.read();
     if (!content) return ERROR_READ_FAULT;
     text = std::move(*content);
-    return registry::isStore(text) ? ERROR_SUCCESS : ERROR_BADDB;
+    return registry::isSettingsText(text) ? ERROR_SUCCESS : ERROR_BADDB;
 }
 
-/// Appends what is missing of a key. What another process has created meanwhile is there when the lock is held.
-LSTATUS createKey(const StoreFile& file, const std::string& path) {
+/// Appends the missing headings of a key. Reads the file again once it is locked: another process may just have created
+/// the key.
+LSTATUS createKey(const SettingsFile& file, const std::string& path) {
     if (!file.tryLock()) return ERROR_SHARING_VIOLATION;
     std::string text;
-    if (const LSTATUS status = readStore(file, text)) return status;
+    if (const LSTATUS status = readSettings(file, text)) return status;
     const std::string headings = registry::missingHeadings(text, softwarePath, path);
     return headings.empty() || file.append(headings) ? ERROR_SUCCESS : ERROR_DISK_FULL;
 }
@@ -109,7 +112,7 @@ bool isPredefined(HKEY key) {
     return number >= 0x80000000 && number <= 0x8000FFFF;
 }
 
-/// The full path of an open key; empty for a handle that is none.
+/// Returns the full path of an open key; empty for an invalid handle.
 std::string_view pathOf(HKEY key) {
     if (key == HKEY_LOCAL_MACHINE) return "HKEY_LOCAL_MACHINE";
     if (key == nullptr || isPredefined(key) || key->mark != HKEY__::openMark) return {};
@@ -120,7 +123,7 @@ std::string pathBelow(std::string_view parent, const char* path) {
     return std::string(parent) + '\\' + path;
 }
 
-LSTATUS hold(std::string path, HKEY* key) {
+LSTATUS openKey(std::string path, HKEY* key) {
     *key = std::make_unique<HKEY__>(HKEY__{HKEY__::openMark, std::move(path)}).release();
     return ERROR_SUCCESS;
 }
@@ -135,27 +138,27 @@ const char* registryPlace() {
 LSTATUS RegOpenKeyExA(HKEY parent, const char* path, DWORD /*options*/, REGSAM /*access*/, HKEY* key) {
     const std::string_view parentPath = pathOf(parent);
     if (parentPath.empty()) return ERROR_INVALID_HANDLE;
-    const StoreFile file(O_RDWR | O_CREAT);
+    const SettingsFile file(O_RDWR | O_CREAT);
     std::string text;
-    if (const LSTATUS status = readStore(file, text)) return status;
+    if (const LSTATUS status = readSettings(file, text)) return status;
     std::string fullPath = pathBelow(parentPath, path);
     if (!registry::isSameOrBelow(softwarePath, fullPath) && !registry::hasKey(text, fullPath))
         return ERROR_FILE_NOT_FOUND;
-    return hold(std::move(fullPath), key);
+    return openKey(std::move(fullPath), key);
 }
 
 LSTATUS RegCreateKeyA(HKEY parent, const char* path, HKEY* key) {
     const std::string_view parentPath = pathOf(parent);
     if (parentPath.empty()) return ERROR_INVALID_HANDLE;
     if (!registry::isSameOrBelow(parentPath, softwarePath)) return ERROR_ACCESS_DENIED;
-    const StoreFile file(O_RDWR | O_CREAT);
+    const SettingsFile file(O_RDWR | O_CREAT);
     std::string text;
-    if (const LSTATUS status = readStore(file, text)) return status;
+    if (const LSTATUS status = readSettings(file, text)) return status;
     std::string fullPath = pathBelow(parentPath, path);
     if (!registry::hasKey(text, fullPath)) {
         if (const LSTATUS status = createKey(file, fullPath)) return status;
     }
-    return hold(std::move(fullPath), key);
+    return openKey(std::move(fullPath), key);
 }
 
 // NOLINTNEXTLINE(readability-non-const-parameter): the system's signature
@@ -163,9 +166,9 @@ LSTATUS RegQueryValueExA(HKEY key, const char* name, DWORD* reserved, DWORD* typ
     const std::string_view path = pathOf(key);
     if (path.empty()) return ERROR_INVALID_HANDLE;
     if (reserved != nullptr || (data != nullptr && size == nullptr)) return ERROR_INVALID_PARAMETER;
-    const StoreFile file(O_RDONLY);
+    const SettingsFile file(O_RDONLY);
     std::string text;
-    if (const LSTATUS status = readStore(file, text)) return status;
+    if (const LSTATUS status = readSettings(file, text)) return status;
     const std::optional<registry::Value> value = registry::findValue(text, path, name);
     if (!value) return ERROR_FILE_NOT_FOUND;
     const DWORD room = size != nullptr ? *size : 0;

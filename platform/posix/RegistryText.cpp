@@ -1,6 +1,6 @@
 #include "platform/posix/RegistryText.h"
 
-#include "platform/posix/SameText.h"
+#include "platform/posix/EqualIgnoringCase.h"
 
 #include <algorithm>
 #include <charconv>
@@ -25,7 +25,7 @@ std::string_view takeLine(std::string_view& text) {
     return trimmed(line);
 }
 
-/// Takes a quoted text with its escapes \\ and \" from the front of a line.
+/// Removes a quoted text from the front of a line and returns it with its escapes \\ and \" resolved.
 std::optional<std::string> takeQuoted(std::string_view& line) {
     if (!line.starts_with('"')) return std::nullopt;
     std::string content;
@@ -40,7 +40,7 @@ std::optional<std::string> takeQuoted(std::string_view& line) {
     return std::nullopt;
 }
 
-/// Takes the "=" behind a value's name.
+/// Removes the "=" after a value's name.
 bool takeEquals(std::string_view& line) {
     line = trimmed(line);
     if (!line.starts_with('=')) return false;
@@ -48,16 +48,16 @@ bool takeEquals(std::string_view& line) {
     return true;
 }
 
-bool isListOfBytes(std::string_view statement) {
+bool isByteList(std::string_view statement) {
     return takeQuoted(statement) && takeEquals(statement) && statement.starts_with("hex");
 }
 
-/// Takes the next line; a list of bytes together with the lines that it is continued on by a backslash at its end. A
-/// blank line always ends it.
+/// Removes the next line and returns it. A list of bytes includes its continuation lines: those after a backslash at
+/// the end of a line, up to a blank line.
 std::string takeStatement(std::string_view& text) {
     std::string_view line = takeLine(text);
     std::string statement(line);
-    if (!isListOfBytes(line)) return statement;
+    if (!isByteList(line)) return statement;
     while (line.ends_with('\\') && !text.empty()) {
         statement.pop_back();
         line = takeLine(text);
@@ -70,11 +70,11 @@ std::string_view withoutComment(std::string_view text) {
     return trimmed(text.substr(0, text.find(';')));
 }
 
-std::optional<DWORD> parseHex(std::string_view digits, std::size_t most) {
+std::optional<DWORD> parseHex(std::string_view digits, std::size_t maxDigits) {
     DWORD number = 0;
     const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number, 16);
-    const bool whole = error == std::errc{} && end == digits.data() + digits.size() && digits.size() <= most;
-    return whole ? std::optional(number) : std::nullopt;
+    const bool isValid = error == std::errc{} && end == digits.data() + digits.size() && digits.size() <= maxDigits;
+    return isValid ? std::optional(number) : std::nullopt;
 }
 
 std::optional<Value> parseBytes(DWORD type, std::string_view list) {
@@ -89,7 +89,7 @@ std::optional<Value> parseBytes(DWORD type, std::string_view list) {
     return value;
 }
 
-/// What stands behind the "=" of a value: "text", dword:1f, hex:00,01 or hex(type):00,01.
+/// Parses the part after "=": "text", dword:1f, hex:00,01 or hex(type):00,01.
 std::optional<Value> parseValue(std::string_view text) {
     constexpr std::string_view dwordPrefix = "dword:";
     constexpr std::string_view binaryPrefix = "hex:";
@@ -112,40 +112,40 @@ std::optional<Value> parseValue(std::string_view text) {
     return type ? parseBytes(*type, text.substr(close + 2)) : std::nullopt;
 }
 
-/// Imports a store, statement by statement, as far as one key and one value of it go.
-class KeyImport {
+/// Looks up a key and one of its values by applying the statements of a text in order.
+class Lookup {
 public:
-    KeyImport(std::string_view ofKey, std::string_view ofName) : key(ofKey), name(ofName) {}
+    Lookup(std::string_view wantedKey, std::string_view wantedName) : key(wantedKey), name(wantedName) {}
 
     void run(std::string_view text) {
         while (!text.empty()) {
             const std::string statement = takeStatement(text);
             if (statement.starts_with('[')) {
-                takeHeading(std::string_view(statement).substr(1, statement.rfind(']') - 1));
+                applyHeading(std::string_view(statement).substr(1, statement.rfind(']') - 1));
             } else if (inKey) {
-                takeAssignment(statement);
+                applyAssignment(statement);
             }
         }
     }
 
-    bool found = false;
+    bool hasKey = false;
     std::optional<Value> value;
 
 private:
-    void takeHeading(std::string_view heading) {
+    void applyHeading(std::string_view heading) {
         const bool deletes = heading.starts_with('-');
         if (deletes) heading.remove_prefix(1);
-        inKey = !deletes && sameText(heading, key);
-        if (!deletes && isSameOrBelow(heading, key)) found = true;
+        inKey = !deletes && equalIgnoringCase(heading, key);
+        if (!deletes && isSameOrBelow(heading, key)) hasKey = true;
         if (deletes && isSameOrBelow(key, heading)) {
-            found = false;
+            hasKey = false;
             value.reset();
         }
     }
 
-    void takeAssignment(std::string_view statement) {
+    void applyAssignment(std::string_view statement) {
         const std::optional<std::string> valueName = takeQuoted(statement);
-        if (!valueName || !sameText(*valueName, name) || !takeEquals(statement)) return;
+        if (!valueName || !equalIgnoringCase(*valueName, name) || !takeEquals(statement)) return;
         const std::optional<Value> parsed = parseValue(statement);
         if (parsed || withoutComment(statement) == "-") value = parsed;
     }
@@ -155,42 +155,42 @@ private:
     bool inKey = false;
 };
 
-KeyImport imported(std::string_view text, std::string_view key, std::string_view name) {
-    KeyImport state(key, name);
-    state.run(text);
-    return state;
+Lookup lookUp(std::string_view text, std::string_view key, std::string_view name) {
+    Lookup lookup(key, name);
+    lookup.run(text);
+    return lookup;
 }
 
 } // namespace
 
-bool isStore(std::string_view text) {
+bool isSettingsText(std::string_view text) {
     return text.empty() || takeLine(text) == signature;
 }
 
 bool isSameOrBelow(std::string_view key, std::string_view other) {
-    if (!sameText(key.substr(0, other.size()), other)) return false;
+    if (!equalIgnoringCase(key.substr(0, other.size()), other)) return false;
     return key.size() == other.size() || key[other.size()] == '\\';
 }
 
 bool hasKey(std::string_view text, std::string_view key) {
-    return imported(text, key, {}).found;
+    return lookUp(text, key, {}).hasKey;
 }
 
 std::optional<Value> findValue(std::string_view text, std::string_view key, std::string_view name) {
-    return imported(text, key, name).value;
+    return lookUp(text, key, name).value;
 }
 
 std::string missingHeadings(std::string_view text, std::string_view root, std::string_view key) {
-    const std::string_view lineEnd = text.find("\r\n") != std::string_view::npos ? "\r\n" : "\n";
+    const std::string lineEnding = text.find("\r\n") != std::string_view::npos ? "\r\n" : "\n";
     std::string headings;
     for (std::size_t end = root.size(); end < key.size();) {
         end = std::min(key.find('\\', end + 1), key.size());
         if (hasKey(text, key.substr(0, end))) continue;
-        headings += std::string(lineEnd) + '[' + std::string(key.substr(0, end)) + ']' + std::string(lineEnd);
+        headings += lineEnding + '[' + std::string(key.substr(0, end)) + ']' + lineEnding;
     }
     if (headings.empty()) return {};
-    if (text.empty()) return std::string(signature) + std::string(lineEnd) + headings;
-    return (text.ends_with('\n') ? "" : std::string(lineEnd)) + headings;
+    if (text.empty()) return std::string(signature) + lineEnding + headings;
+    return (text.ends_with('\n') ? "" : lineEnding) + headings;
 }
 
 } // namespace registry

@@ -1,8 +1,8 @@
 #pragma once
 
-// The settings store as a text in the REGEDIT4 form, read as an import of the file on Windows would read it: headings
-// and values are taken in order, later lines win, "[-key]" and "name"=- delete. Names compare without regard to case.
-// Lines that are not understood are passed over, and nothing here changes a line that stands.
+// Reads a settings file in the REGEDIT4 format with the result that importing it on Windows would have: lines apply in
+// order, later ones override earlier ones, and "[-key]" and "name"=- delete. Names are not case-sensitive. Unknown
+// lines are ignored, and existing lines are never changed.
 
 #include "platform/posix/win32.h"
 
@@ -14,23 +14,23 @@ namespace registry {
 
 struct Value {
     DWORD type = 0;
-    /// As stored; a text is followed by its NUL.
+    /// The bytes as stored; a text includes its terminating NUL.
     std::string data;
 };
 
-/// Whether the text is a store at all: empty, or begun by the line REGEDIT4.
-bool isStore(std::string_view text);
+/// Whether the text is in the REGEDIT4 format: empty, or with REGEDIT4 as its first line.
+bool isSettingsText(std::string_view text);
 
-/// Whether the key, or one below it, has a heading. Keys are full paths: "HKEY_LOCAL_MACHINE\SOFTWARE\...".
+/// Whether the key or a key below it has a heading. Keys are full paths: "HKEY_LOCAL_MACHINE\SOFTWARE\...".
 bool hasKey(std::string_view text, std::string_view key);
 
-/// Whether a key is another key or one below it.
+/// Whether `key` is the key `other` or a key below it.
 bool isSameOrBelow(std::string_view key, std::string_view other);
 
 std::optional<Value> findValue(std::string_view text, std::string_view key, std::string_view name);
 
-/// What to append to the text so that it has the key and those of the key's parents that lie below `root`; empty when
-/// it has them all. Follows the text's own line ends.
+/// Returns the headings to append to the text to create the key and its missing parents below `root`; empty if none is
+/// missing. Uses the text's own line endings.
 std::string missingHeadings(std::string_view text, std::string_view root, std::string_view key);
 
 } // namespace registry

@@ -20,15 +20,15 @@ std::string programFile() {
     return {path.data(), static_cast<std::size_t>(std::max<ssize_t>(length, 0))};
 }
 
-/// The loader keeps the name that a library was asked for by; where that is a relative one, the folder that the loader
-/// found it in at that time is absolute.
+/// The loader keeps the name with which dlopen was called, which may be relative to a former working folder. The folder
+/// that it keeps (RTLD_DI_ORIGIN) is always absolute.
 std::string libraryFile(HMODULE module) {
     Dl_info info{};
     void* library = nullptr;
     if (dladdr1(module, &info, &library, RTLD_DL_LINKMAP) == 0 || info.dli_fbase != module) return {};
     const std::string_view name = info.dli_fname;
     if (name.starts_with('/')) return std::string(name);
-    std::array<char, 2UL * PATH_MAX> folder{}; // the working folder and a relative path, each at most PATH_MAX
+    std::array<char, 2UL * PATH_MAX> folder{}; // a working folder and a relative path, each of at most PATH_MAX
     if (dlinfo(library, RTLD_DI_ORIGIN, folder.data()) != 0) return {};
     return std::string(folder.data()) + '/' + std::string(name.substr(name.rfind('/') + 1));
 }

@@ -15,7 +15,7 @@ struct Language {
 
 constexpr LANGID usEnglish = 0x0409;
 
-/// Locales and their language identifiers; the first of a language stands for its other countries.
+/// Locales and their language identifiers. The first entry of a language is also used for countries not listed.
 /// Source: "Language identifier constants and strings" in the Windows API reference.
 constexpr std::array languages{
     Language{"en_US", usEnglish}, Language{"en_GB", 0x0809}, Language{"en_AU", 0x0C09}, Language{"en_CA", 0x1009},
@@ -37,10 +37,10 @@ std::string_view environmentLocale() {
     return {};
 }
 
-/// The identifier of the first locale that begins like this; 0 for none.
-LANGID find(std::string_view begin) {
+/// Returns the identifier of the first locale with a prefix; 0 if there is none.
+LANGID findByPrefix(std::string_view prefix) {
     const auto* const found = std::find_if(languages.begin(), languages.end(), [&](const Language& language) {
-        return language.locale.starts_with(begin);
+        return language.locale.starts_with(prefix);
     });
     return found != languages.end() ? found->identifier : LANGID{0};
 }
@@ -51,7 +51,7 @@ LANGID GetUserDefaultLangID() {
     const std::string_view environment = environmentLocale();
     const std::string locale(environment.substr(0, environment.find_first_of(".@")));
     if (locale.empty()) return usEnglish;
-    if (const LANGID exact = find(locale)) return exact;
-    const LANGID related = find(locale.substr(0, locale.find('_')) + '_');
-    return related != 0 ? related : usEnglish;
+    if (const LANGID exact = findByPrefix(locale)) return exact;
+    const LANGID sameLanguage = findByPrefix(locale.substr(0, locale.find('_')) + '_');
+    return sameLanguage != 0 ? sameLanguage : usEnglish;
 }

@@ -1,10 +1,10 @@
 // Version resources of ELF files: the tree of VS_VERSION_INFO (see VersionBlock.h) in a section named ".rsrc".
-// Files are not trusted: each offset and length is checked against what holds it before it is used.
+// Files are not trusted: each offset and length is checked against its container before it is used.
 //
-// The block that the host of these functions allocates is the tree, padded to 4 bytes, followed by as much room again,
-// into which texts are converted on query: a text at offset p goes to p plus the tree's length, as half as many bytes.
+// The caller of GetFileVersionInfoA provides a block for the tree, padded to 4 bytes, followed by a buffer of the same
+// size. VerQueryValueA converts a text at offset p of the tree to Latin-1 at offset p of that buffer.
 
-#include "platform/posix/SameText.h"
+#include "platform/posix/EqualIgnoringCase.h"
 #include "platform/posix/win32.h"
 
 #include <algorithm>
@@ -21,9 +21,9 @@
 namespace {
 
 constexpr std::string_view sectionName = ".rsrc";
-constexpr std::size_t longestNames = 0xFFFF; // of all sections together
-constexpr std::size_t largestTree = 0xFFFF;  // a node's length has 16 bits
-constexpr std::size_t headerSize = 6;        // length, value length, type
+constexpr std::size_t maxNameTableSize = 0xFFFF; // for the names of all sections
+constexpr std::size_t maxTreeSize = 0xFFFF;      // a node's length is a 16-bit number
+constexpr std::size_t headerSize = 6;            // length, value length, type
 
 class File {
 public:
@@ -34,12 +34,13 @@ public:
         if (descriptor >= 0) close(descriptor);
     }
 
-    /// Reads exactly that many bytes, or fails.
+    /// Reads exactly `size` bytes.
+    /// @return false if there are fewer
     bool read(std::uint64_t offset, void* target, std::size_t size) const {
         return pread(descriptor, target, size, static_cast<off_t>(offset)) == static_cast<ssize_t>(size);
     }
 
-    /// Reads what there is of so many bytes.
+    /// Reads at most `size` bytes.
     std::string readUpTo(std::uint64_t offset, std::size_t size) const {
         std::string bytes(size, '\0');
         const ssize_t length = pread(descriptor, bytes.data(), size, static_cast<off_t>(offset));
@@ -75,18 +76,18 @@ std::optional<Elf64_Shdr> findSection(const File& file) {
     if (!file.read(header->e_shoff, sections.data(), sections.size() * sizeof(Elf64_Shdr))) return std::nullopt;
     if (header->e_shstrndx >= sections.size()) return std::nullopt;
     const Elf64_Shdr& table = sections[header->e_shstrndx];
-    const std::string names = file.readUpTo(table.sh_offset, std::min<std::size_t>(table.sh_size, longestNames));
+    const std::string names = file.readUpTo(table.sh_offset, std::min<std::size_t>(table.sh_size, maxNameTableSize));
     const auto found = std::find_if(sections.begin(), sections.end(), [&](const Elf64_Shdr& section) {
         return section.sh_name < names.size() && names.c_str() + section.sh_name == sectionName;
     });
     return found != sections.end() ? std::optional(*found) : std::nullopt;
 }
 
-/// The file's version tree, cut to the length that its root states; empty when there is none.
+/// Returns the file's version tree, truncated to the length given in its root node; empty if there is none.
 std::vector<char> readTree(const char* path) {
     const File file(path);
     const auto section = findSection(file);
-    if (!section || section->sh_size < headerSize || section->sh_size > largestTree) return {};
+    if (!section || section->sh_size < headerSize || section->sh_size > maxTreeSize) return {};
     std::vector<char> tree(section->sh_size);
     if (!file.read(section->sh_offset, tree.data(), tree.size())) return {};
     const std::size_t length = wordAt(tree.data());
@@ -95,7 +96,7 @@ std::vector<char> readTree(const char* path) {
     return tree;
 }
 
-/// A node inside a tree, by offsets that have been checked.
+/// A node of a tree, as offsets that are within the tree.
 struct Node {
     std::size_t end;
     std::size_t name;
@@ -119,8 +120,8 @@ std::optional<Node> parseNode(const char* tree, std::size_t offset, std::size_t 
     }
     if (position + 2 > node.end) return std::nullopt;
     node.value = std::min(aligned(position + 2), node.end);
-    const std::size_t stated = std::size_t{wordAt(tree + offset + 2)} * (node.isText ? 2 : 1);
-    node.valueSize = std::min(stated, node.end - node.value);
+    const std::size_t valueSize = std::size_t{wordAt(tree + offset + 2)} * (node.isText ? 2 : 1);
+    node.valueSize = std::min(valueSize, node.end - node.value);
     return node;
 }
 
@@ -130,7 +131,7 @@ bool isNamed(const char* tree, const Node& node, std::string_view name) {
     for (std::size_t i = 0; i < text.size(); ++i) {
         text[i] = toLatin1(wordAt(tree + node.name + 2 * i));
     }
-    return sameText(text, name);
+    return equalIgnoringCase(text, name);
 }
 
 std::optional<Node> findChild(const char* tree, const Node& parent, std::string_view name) {
@@ -153,7 +154,7 @@ std::optional<Node> findNode(const char* tree, std::string_view path) {
     return node;
 }
 
-/// Converts a text behind the tree and gives its length.
+/// Converts a text to Latin-1 and returns its length.
 UINT convertText(const char* tree, const Node& node, char* target) {
     const std::size_t length = node.valueSize / 2;
     for (std::size_t i = 0; i < length; ++i) {
@@ -176,7 +177,7 @@ BOOL GetFileVersionInfoA(const char* path, DWORD /*ignored*/, DWORD size, void* 
 }
 
 BOOL VerQueryValueA(const void* block, const char* path, LPVOID* value, UINT* length) {
-    // The block is the caller's to write: it was lent as constant only.
+    // The caller allocated the block writable; only the parameter is const.
     char* const tree = const_cast<char*>(static_cast<const char*>(block)); // NOLINT(*-const-cast)
     const std::optional<Node> node = findNode(tree, path);
     if (!node) return FALSE;

@@ -1,7 +1,7 @@
 #pragma once
 
-// Just what cap/ and module/ call of Win32 and of the Windows C runtime, with the system's types, values and answers.
-// Texts are single-byte texts; failures set no last-error code, since nobody asks for it.
+// The functions of Win32 and of the Windows C runtime that cap/ and module/ call, with the types, values and results
+// that they have on Windows. Texts are single-byte strings. Failures don't set the last-error code, which nobody reads.
 
 #include <cstdint>
 #include <cstdio>
@@ -24,7 +24,7 @@ using LANGID = WORD;
 
 struct HKEY__;
 using HKEY = HKEY__*;
-/// A loaded library or program, by the address of its first byte in memory.
+/// A loaded library or program, identified by its base address.
 struct HINSTANCE__;
 using HINSTANCE = HINSTANCE__*;
 using HMODULE = HINSTANCE;
@@ -47,8 +47,8 @@ inline constexpr LSTATUS ERROR_DISK_FULL = 112;
 inline constexpr LSTATUS ERROR_MORE_DATA = 234;
 inline constexpr LSTATUS ERROR_BADDB = 1009;
 
-// The registry: a text file in the REGEDIT4 form, named by the environment variable SPM_REGISTRY. Of the predefined
-// keys there is HKEY_LOCAL_MACHINE, and of its subkeys all below SOFTWARE.
+// The registry: a text file in the REGEDIT4 format, named by the environment variable SPM_REGISTRY. The only predefined
+// key is HKEY_LOCAL_MACHINE, and only its subkey SOFTWARE exists, with all keys below.
 
 #define HKEY_LOCAL_MACHINE (reinterpret_cast<HKEY>(std::uintptr_t{0x80000002}))
 
@@ -66,8 +66,8 @@ LSTATUS RegCloseKey(HKEY key);
 
 // Modules, processes and threads.
 
-/// The file of a loaded library, or of the running program for a null handle.
-/// @return the length of the name; 0 when there is no such module; `size` when the name was cut to fit
+/// Writes the path of a loaded library, or of the running program for a null handle.
+/// @return the length of the path; 0 if there is no such module; `size` if the path was truncated
 DWORD GetModuleFileNameA(HMODULE module, char* name, DWORD size);
 DWORD GetCurrentProcessId();
 DWORD GetCurrentThreadId();
@@ -92,10 +92,10 @@ struct VS_FIXEDFILEINFO {
 
 DWORD GetFileVersionInfoSizeA(const char* path, DWORD* ignored);
 BOOL GetFileVersionInfoA(const char* path, DWORD ignored, DWORD size, void* block);
-/// Texts are converted to Latin-1 ("?" for what it lacks) inside the block.
+/// Texts are converted to Latin-1 inside the block, with "?" for other characters.
 BOOL VerQueryValueA(const void* block, const char* path, LPVOID* value, UINT* length);
 
-/// The language of the environment (LC_ALL, LC_MESSAGES, LANG); US English where it names none that is known.
+/// The language set in the environment (LC_ALL, LC_MESSAGES, LANG); US English if none is set or it is unknown.
 LANGID GetUserDefaultLangID();
 
 // Time.
@@ -111,7 +111,7 @@ struct __timeb64 {
     short dstflag;
 };
 
-/// Milliseconds are 0.
+/// Sets the milliseconds to 0.
 void _ftime64(__timeb64* now);
 errno_t _localtime64_s(std::tm* local, const __time64_t* time);
 

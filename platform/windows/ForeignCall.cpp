@@ -1,7 +1,7 @@
-// A C++ exception of Visual C++ is a structured exception. The frame below has a handler for those alone, so that
-// access violations and this compiler's own exceptions pass. The handler unwinds the library's frames, whose
-// destructors run, and goes on in the frame itself, where an exception of this compiler begins. The foreign exception
-// object is not destroyed: its destructor is known to the other runtime only.
+// Visual C++ throws C++ exceptions as structured exceptions with a code of its own. callCatchingForeign has a handler
+// for that code only, so that access violations and this compiler's exceptions pass through. The handler unwinds the
+// library's frames, which runs their destructors, and continues in callCatchingForeign, which throws an exception of
+// this compiler. The foreign exception object is leaked: only the other runtime knows its destructor.
 
 #include "platform/ForeignCall.h"
 
@@ -11,7 +11,7 @@
 
 extern "C" {
 
-/// Where callCatchingForeign goes on after a foreign exception.
+/// Where callCatchingForeign continues after a foreign exception.
 extern const char afterForeignException;
 
 [[noreturn, gnu::used]] void throwForForeignException() {
@@ -29,8 +29,8 @@ extern const char afterForeignException;
 }
 }
 
-// Moves each argument into the place of the one before it. The address behind a call must not be that of an epilogue,
-// since the system looks for no handler there: thence the two nops.
+// Shifts each argument down by one position and calls the first. A nop follows each call, because the system ignores
+// the handler if the return address is in an epilogue.
 asm(R"(
     .text
     .globl callCatchingForeign

@@ -1,6 +1,7 @@
-// A file that is open for appending alone gets each write at its end, in one piece. Wine looks for the end before it
-// writes there, so that writers keep each other off by a lock, too: of a byte far beyond the end, so that nobody is
-// kept from reading. Any process that can read the file can hold its lock for good; then the lines go without.
+// Windows appends each write atomically to a file that is open with FILE_APPEND_DATA but not FILE_WRITE_DATA. Wine
+// finds the end and writes in two steps, so writers also take a lock, on a byte far beyond the end so that readers
+// aren't affected. Any process that can read the file can hold that lock forever; after a limit, lines are written
+// without it.
 
 #include "platform/LogStream.h"
 
@@ -23,13 +24,14 @@ LONGLONG sizeOf(HANDLE file) {
     return GetFileSizeEx(file, &size) != FALSE ? size.QuadPart : 0;
 }
 
-/// Keeps other writers off the file for the object's life: those of this process surely, others if they let it. As long
-/// as the file grows, the lock is passed on among its writers; when it doesn't, the lock is given up after a few tries.
+/// Excludes other writers for the object's lifetime: always those of this process, those of other processes unless the
+/// lock can't be acquired in time. While the file grows, the lock is in use by writers and worth waiting for; while it
+/// doesn't, the wait ends after a few attempts.
 class WriteLock {
 public:
     explicit WriteLock(std::FILE* stream) : file(handleOf(stream)) {
-        place.OffsetHigh = 0x7FFFFFFF;
-        AcquireSRWLockExclusive(&ownWriters);
+        lockedByte.OffsetHigh = 0x7FFFFFFF;
+        AcquireSRWLockExclusive(&processLock);
         LONGLONG size = sizeOf(file);
         for (int tries = 0, idleTries = 0; tries < 200 && idleTries < 10 && !tryLock(); ++tries, ++idleTries) {
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
@@ -40,27 +42,27 @@ public:
     WriteLock(const WriteLock&) = delete;
     WriteLock& operator=(const WriteLock&) = delete;
     ~WriteLock() {
-        if (isHeld) UnlockFileEx(file, 0, 1, 0, &place);
-        ReleaseSRWLockExclusive(&ownWriters);
+        if (isHeld) UnlockFileEx(file, 0, 1, 0, &lockedByte);
+        ReleaseSRWLockExclusive(&processLock);
     }
 
 private:
     bool tryLock() {
         constexpr DWORD flags = LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY;
-        isHeld = LockFileEx(file, flags, 0, 1, 0, &place) != FALSE;
+        isHeld = LockFileEx(file, flags, 0, 1, 0, &lockedByte) != FALSE;
         return isHeld;
     }
 
-    static SRWLOCK ownWriters;
+    static SRWLOCK processLock;
 
     HANDLE file;
-    OVERLAPPED place{};
+    OVERLAPPED lockedByte{};
     bool isHeld = false;
 };
 
-SRWLOCK WriteLock::ownWriters = SRWLOCK_INIT;
+SRWLOCK WriteLock::processLock = SRWLOCK_INIT;
 
-std::string withSystemLineEnds(std::string_view text) {
+std::string withSystemLineEndings(std::string_view text) {
     std::string converted;
     converted.reserve(text.size() + 8);
     for (const char character : text) {
@@ -70,9 +72,9 @@ std::string withSystemLineEnds(std::string_view text) {
     return converted;
 }
 
-HANDLE openFile(const char* path, DWORD access, bool empties) {
+HANDLE openFile(const char* path, DWORD access, bool truncate) {
     return CreateFileA(path, access | SYNCHRONIZE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                       empties ? CREATE_ALWAYS : OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+                       truncate ? CREATE_ALWAYS : OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
 }
 
 } // namespace
@@ -90,7 +92,7 @@ std::FILE* openLogStream(const char* path, const char* mode) {
 }
 
 Written appendText(std::FILE* stream, std::string_view text) {
-    const std::string converted = withSystemLineEnds(text);
+    const std::string converted = withSystemLineEndings(text);
     const WriteLock lock(stream);
     DWORD written = 0;
     WriteFile(handleOf(stream), converted.data(), static_cast<DWORD>(converted.size()), &written, nullptr);
@@ -98,15 +100,15 @@ Written appendText(std::FILE* stream, std::string_view text) {
     return written < converted.size() ? Written::part : Written::all;
 }
 
-bool endsInsideLine(std::FILE* stream) {
+bool endsWithIncompleteLine(std::FILE* stream) {
     const WriteLock lock(stream);
     const LONGLONG size = sizeOf(handleOf(stream));
     if (size == 0) return false;
-    OVERLAPPED place{};
-    place.Offset = static_cast<DWORD>(size - 1);
-    place.OffsetHigh = static_cast<DWORD>((size - 1) >> 32);
+    OVERLAPPED position{};
+    position.Offset = static_cast<DWORD>(size - 1);
+    position.OffsetHigh = static_cast<DWORD>((size - 1) >> 32);
     char last = '\n';
     DWORD length = 0;
-    ReadFile(handleOf(stream), &last, 1, &length, &place);
+    ReadFile(handleOf(stream), &last, 1, &length, &position);
     return last != '\n';
 }

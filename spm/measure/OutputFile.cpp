@@ -96,7 +96,7 @@ bool isSameFile(const fs::path& one, const fs::path& other) {
     if (fs::equivalent(one, other, ignored)) return true;
     const fs::path first = fs::weakly_canonical(one, ignored);
     const fs::path second = fs::weakly_canonical(other, ignored);
-    return common::isSameName(first.filename(), second.filename()) &&
+    return common::isSameFileName(first.filename(), second.filename()) &&
            (first.parent_path() == second.parent_path() ||
             fs::equivalent(first.parent_path(), second.parent_path(), ignored));
 }

@@ -4,7 +4,7 @@ namespace {
 
 class Calibration : public ModuleTest {
 protected:
-    /// One step of the dialogue; gives the whole answer.
+    /// Performs one step and returns the whole reply.
     std::vector<uint32_t> step(uint32_t request) {
         SPM_CALIBRATION record{9, 9, 9, 9, request};
         module.calibrate(handle, &record);
@@ -12,14 +12,14 @@ protected:
     }
 };
 
-using Answer = std::vector<uint32_t>;
+using Reply = std::vector<uint32_t>;
 
-const Answer nothing{0, 0, 0, 0, 3};
-const Answer again{0, 0, 0, 1, 1};
-const Answer done{0, 0, 0, 0, 4};
+const Reply nothing{0, 0, 0, 0, 3};
+const Reply waiting{0, 0, 0, 1, 1};
+const Reply done{0, 0, 0, 0, 4};
 
-const Texts status{"GetConnectionStatus SIM1"};
-const Texts look{"GetConnectionStatus SIM1", "GetButtonStatusD SIM1"};
+const Texts query{"GetConnectionStatus SIM1"};
+const Texts poll{"GetConnectionStatus SIM1", "GetButtonStatusD SIM1"};
 const Texts calibrate{"GetConnectionStatus SIM1", "GetButtonStatusD SIM1", "SetOption SIM1 PrecisionCalibration 1",
                       "SetOption SIM1 MeasurementMode ReflectanceSpot", "Calibrate SIM1"};
 
@@ -28,21 +28,21 @@ const Texts calibrate{"GetConnectionStatus SIM1", "GetButtonStatusD SIM1", "SetO
 TEST_F(Calibration, FollowsTheStateTable) {
     struct Case {
         uint32_t request;
-        Answer answer;
+        Reply reply;
         Texts calls;
     };
-    // The button is found pressed at each third look.
+    // The button is found pressed at every third poll.
     const std::vector<Case> dialogue{
-        {1, nothing, status}, {4, done, status}, // open: calibrated or not
-        {0, again, status},   {1, again, look},  // pending
-        {0, again, status},   {1, again, look},     {4, done, status},    {1, done, calibrate},
-        {1, done, status},                      // calibrated
-        {0, again, status},   {1, again, look}, // begun anew
-        {1, again, look},     {1, done, calibrate}, {4, done, status},    {1, done, status},
-        {3, nothing, status}, {1, nothing, status}, // dropped
-        {0, again, status},   {2, nothing, status}, {1, nothing, status}, {0, again, status},
-        {5, nothing, status}, {1, nothing, status}, {0, again, status},   {UINT32_MAX, nothing, status},
-        {1, nothing, status},
+        {1, nothing, query}, {4, done, query},   // open: calibrated or not
+        {0, waiting, query}, {1, waiting, poll}, // pending
+        {0, waiting, query}, {1, waiting, poll},   {4, done, query},    {1, done, calibrate},
+        {1, done, query},                        // calibrated
+        {0, waiting, query}, {1, waiting, poll}, // begun again
+        {1, waiting, poll},  {1, done, calibrate}, {4, done, query},    {1, done, query},
+        {3, nothing, query}, {1, nothing, query}, // discarded
+        {0, waiting, query}, {2, nothing, query},  {1, nothing, query}, {0, waiting, query},
+        {5, nothing, query}, {1, nothing, query},  {0, waiting, query}, {UINT32_MAX, nothing, query},
+        {1, nothing, query},
     };
     for (const uint32_t request : {0U, 1U, 4U}) {
         EXPECT_EQ(step(request), nothing) << request << " while closed";
@@ -52,7 +52,7 @@ TEST_F(Calibration, FollowsTheStateTable) {
     open();
     sdk.use(R"({"button": {"polls": 2}})");
     for (const Case& each : dialogue) {
-        EXPECT_EQ(step(each.request), each.answer) << "case " << (&each - dialogue.data());
+        EXPECT_EQ(step(each.request), each.reply) << "case " << (&each - dialogue.data());
         EXPECT_EQ(sdk.takeCalls(), each.calls) << "case " << (&each - dialogue.data());
     }
 }

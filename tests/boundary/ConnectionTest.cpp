@@ -11,8 +11,8 @@ const Texts closing{"GetConnectionStatus SIM1", "CloseDevice SIM1", "SetGlobalOp
 
 } // namespace
 
-// The calls of opening are FaultSweep's.
-TEST_F(Connection, OpensClosesAndOpensAgain) {
+// FaultSweep checks the calls of opening.
+TEST_F(Connection, OpensClosesAndReopens) {
     EXPECT_FALSE(module.isOpened(handle));
     module.close(handle);
     EXPECT_EQ(module.getStatus(handle).aperture, 0U);
@@ -35,7 +35,7 @@ TEST_F(Connection, OpensClosesAndOpensAgain) {
     EXPECT_FALSE(hasSelectedOptions());
     EXPECT_EQ(sdk.takeCalls(), closing);
     module.close(handle);
-    EXPECT_EQ(sdk.takeCalls(), closing) << "closes what is closed, too";
+    EXPECT_EQ(sdk.takeCalls(), closing) << "closes again";
     EXPECT_EQ(log(), (Texts{"M7 D: close", "M7 D: close", "M7 D: open[USB]", "M7 D: open[USB] done", "M7 D: close",
                             "M7 D: open[]", "M7 D: open[] done", "M7 D: close", "M7 D: close"}));
     EXPECT_TRUE(listener.lines.empty());
@@ -57,10 +57,10 @@ TEST_F(Connection, FailsWithoutAnInstrument) {
     EXPECT_EQ(sdk.takeCalls()[1], "OpenDevice SIM1") << "the first of two";
 }
 
-TEST_F(Connection, DestroyingResetsAndDoesNotClose) {
+TEST_F(Connection, DestroyResetsButDoesNotClose) {
     open();
     module.destroy(nullptr);
-    fail("SetGlobalOption");
+    failNextCall("SetGlobalOption");
     module.destroy(std::exchange(handle, nullptr));
     EXPECT_EQ(sdk.takeCalls(), (Texts{"SetGlobalOption Reset All", "GetGlobalOption LastErrorText 65000",
                                       "GetGlobalOption LastErrorNumber 65000"}));
@@ -69,9 +69,9 @@ TEST_F(Connection, DestroyingResetsAndDoesNotClose) {
     EXPECT_TRUE(readText(logFile()).find("M7 D: close\n") < readText(logFile()).find(message));
 }
 
-TEST_F(Connection, AFailedCloseEndsAnOpenAtOnce) {
+TEST_F(Connection, FailedCloseAbortsOpen) {
     open();
-    fail("CloseDevice");
+    failNextCall("CloseDevice");
     EXPECT_FALSE(module.open(handle, "USB"));
     EXPECT_EQ(sdk.takeCalls(), (Texts{"GetConnectionStatus SIM1", "CloseDevice SIM1",
                                       "GetGlobalOption LastErrorText 65000", "GetGlobalOption LastErrorNumber 65000"}));
@@ -85,8 +85,8 @@ TEST_F(Connection, AFailedCloseEndsAnOpenAtOnce) {
     EXPECT_TRUE(module.open(handle, "USB"));
 }
 
-// Neither as a format, nor beyond its buffer; both queries share the buffer and the size.
-TEST_F(Connection, TakesErrorTextsAsTheyAre) {
+// Error texts are not used as a format, nor read beyond the buffer. Both queries share the buffer and the size.
+TEST_F(Connection, LogsErrorTextsVerbatim) {
     const std::string longText(65'001, 'x');
     sdk.use(R"({"faults": [{"function": "I1PRO3_GetDevices", "result": 9, "times": 2},
         {"function": "I1PRO3_GetGlobalOption", "output": "100%s%n", "size": 3},

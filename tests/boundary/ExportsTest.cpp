@@ -2,7 +2,7 @@
 
 using Exports = ModuleTest;
 
-TEST_F(Exports, TellVersionAndType) {
+TEST_F(Exports, ReturnVersionAndType) {
     EXPECT_EQ(module.getVersion(nullptr), 3U);
     EXPECT_EQ(module.getMinorVersion(), 0U);
     std::string buffer = "xxxx";
@@ -16,7 +16,7 @@ TEST_F(Exports, TellVersionAndType) {
     module.getType(nullptr);
 }
 
-TEST_F(Exports, GiveOptionsAndConstants) {
+TEST_F(Exports, ReturnOptionMasksAndConstants) {
     const SPM_OPTION_MASKS masks = module.getOptionMasks(handle);
     EXPECT_EQ((std::array{masks.apertureMask, masks.illuminationMask, masks.auxiliaryMask, masks.modeMask,
                           masks.referenceMask}),
@@ -24,12 +24,12 @@ TEST_F(Exports, GiveOptionsAndConstants) {
     EXPECT_EQ(module.getNumberOfReflections(handle), 36);
     const SPM_OPTIONS options{1, 2, 0};
     module.setOptions(handle, &options);
-    EXPECT_TRUE(handle->setOptionsByName(nullptr, nullptr, nullptr)) << "both were selected";
+    EXPECT_TRUE(handle->setOptionsByName(nullptr, nullptr, nullptr)) << "aperture and illumination are selected";
     EXPECT_TRUE(sdk.takeCalls().empty());
 }
 
-TEST_F(Exports, AnswerNullWithTheirFailure) {
-    prepare();
+TEST_F(Exports, RejectNullArguments) {
+    openAndCalibrate();
     SPM_LAB value{};
     SPM_SPECTRUM spectrum{};
     const SPM_OPTIONS options{};
@@ -55,16 +55,16 @@ TEST_F(Exports, AnswerNullWithTheirFailure) {
     EXPECT_TRUE(module.isOpened(handle));
 }
 
-TEST_F(Exports, ContainWhatTheListenerThrows) {
-    Thrower thrower(1);
-    prepare();
+TEST_F(Exports, CatchExceptionsOfListeners) {
+    ThrowingListener thrower(1);
+    openAndCalibrate();
     SPM_CALIBRATION calibration{9, 9, 9, 9, SPM_STEP_BEGIN};
     module.calibrate(handle, &calibration);
     handle->AddListener(&thrower);
     sdk.use(R"({"faults": [{"times": "always", "result": 9}]})");
     calibration.reference = 8;
     module.calibrate(handle, &calibration);
-    EXPECT_EQ(calibration.reference, 8U) << "the record stays as it was";
+    EXPECT_EQ(calibration.reference, 8U) << "the record is unchanged";
     EXPECT_FALSE(module.open(handle, "USB"));
     module.destroy(std::exchange(handle, nullptr));
 }

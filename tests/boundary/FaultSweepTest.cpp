@@ -1,6 +1,6 @@
-// A whole measuring run with its exact calls of the SDK; then each call in turn fails, by its result, by an exception,
-// and by one of another compiler. Every run is compared with the one without a fault: answers, counts, filled records
-// and messages; and the same object then runs without a fault.
+// Runs a whole measurement and checks its exact SDK calls. Then repeats it with each call failing in turn: by its
+// result, by an exception, and by an exception of another compiler. Each run's results, counts, records and messages
+// are compared with those of the run without a fault; afterwards the same object must complete a run without a fault.
 
 #include "tests/boundary/ModuleTest.h"
 
@@ -9,14 +9,14 @@
 
 namespace {
 
-/// An operation of the run: what it gives when all goes well, when one of its calls fails, and without a connection.
-/// A measurement gives its answer, the count, and for each record whether it was filled.
+/// An operation of the run and its results: on success, if one of its calls fails, and without a connection. The result
+/// of a measurement is its return value, the count, and a digit for each record: 1 if it was filled.
 struct Operation {
     std::string name;
     std::string success;
     std::string failure;
     std::string closed;
-    Texts calls; ///< a "!" stands before those whose result decides
+    Texts calls; ///< "!" marks those whose result is checked
 };
 
 const Texts opening{"!GetDevices",
@@ -31,8 +31,8 @@ const Texts opening{"!GetDevices",
 const Texts readingStatus{"GetConnectionStatus SIM1", "!GetOption SIM1 AvailableIlluminationsKey 65000"};
 const Texts calibrating{"GetConnectionStatus SIM1", "GetButtonStatusD SIM1", "!SetOption SIM1 PrecisionCalibration 1",
                         "!SetOption SIM1 MeasurementMode ReflectanceSpot", "!Calibrate SIM1"};
-const Texts asking{"GetConnectionStatus SIM1", "!SetOption SIM1 MeasurementMode ReflectanceSpot",
-                   "TriggerMeasurement SIM1"};
+const Texts checkingCalibration{"GetConnectionStatus SIM1", "!SetOption SIM1 MeasurementMode ReflectanceSpot",
+                                "TriggerMeasurement SIM1"};
 const Texts spot{"GetConnectionStatus SIM1", "!SetOption SIM1 MeasurementMode ReflectanceSpot", "GetButtonStatusD SIM1",
                  "!TriggerMeasurement SIM1", "!GetTriStimulus SIM1 0"};
 const Texts scan{"GetConnectionStatus SIM1",
@@ -51,14 +51,14 @@ const std::vector<Operation> operations{
     {"status", "1", "0", "0", readingStatus},
     {"begin", "1", "", "3", {"GetConnectionStatus SIM1"}},
     {"continue", "4", "3", "3", calibrating},
-    {"isCalibrated", "1", "0", "0", asking},
+    {"isCalibrated", "1", "0", "0", checkingCalibration},
     {"spot", "1 1 1", "0 0 0", "1 0 0", spot},
     {"scan", "1 2 11", "0 0 00", "1 0 00", scan},
     {"close", "", "", "", closing},
 };
 
-/// What each operation of a run gives; behind that, the messages.
-Texts withoutFault() {
+/// The expected results of a run without a fault, followed by its messages.
+Texts expectedWithoutFault() {
     Texts outcome;
     for (const Operation& operation : operations) {
         outcome.push_back(operation.success);
@@ -66,11 +66,11 @@ Texts withoutFault() {
     return outcome;
 }
 
-/// The same when a call of an operation fails.
-Texts withFault(std::size_t index, std::size_t position, bool throws) {
+/// The same for a run in which a call of an operation fails.
+Texts expectedWithFault(std::size_t index, std::size_t position, bool throws) {
     const Operation& failing = operations[index];
     const std::string& call = failing.calls[position];
-    Texts outcome = withoutFault();
+    Texts outcome = expectedWithoutFault();
     if (!throws && !call.starts_with('!')) return outcome;
     const bool disconnects = call == "GetConnectionStatus SIM1" || failing.name == "open";
     const bool uncalibrates = !disconnects && failing.name == "continue";
@@ -93,7 +93,7 @@ Texts withFault(std::size_t index, std::size_t position, bool throws) {
 
 class FaultSweep : public ModuleTest {
 protected:
-    /// A whole run but for the creation and the destruction.
+    /// A whole run except for creating and destroying the object.
     Texts run() {
         listener.lines.clear();
         Texts outcome{fmt::format("{:d}", module.open(handle, "USB")),
@@ -135,8 +135,8 @@ private:
 
 } // namespace
 
-TEST_F(FaultSweep, EachFailureShowsAndLeavesAWorkingObject) {
-    EXPECT_EQ(run(), withoutFault());
+TEST_F(FaultSweep, ReportsEachFailureAndKeepsTheObjectUsable) {
+    EXPECT_EQ(run(), expectedWithoutFault());
     const Texts callsWithoutFault = sdk.takeCalls();
     Texts calls;
     for (std::size_t i = 0; i < operations.size(); ++i) {
@@ -151,8 +151,8 @@ TEST_F(FaultSweep, EachFailureShowsAndLeavesAWorkingObject) {
                 handle = module.create();
                 handle->AddListener(&listener);
                 sdk.use(which + ", " + fault + "}]}");
-                EXPECT_EQ(run(), withFault(i, position, fault.starts_with(R"("exception")")));
-                EXPECT_EQ(run(), withoutFault());
+                EXPECT_EQ(run(), expectedWithFault(i, position, fault.starts_with(R"("exception")")));
+                EXPECT_EQ(run(), expectedWithoutFault());
             }
         }
     }

@@ -13,7 +13,7 @@ TEST(Lifecycle, LoadsUsesAndUnloadsTenTimes) {
         SPM_HANDLE const handle = module->create();
         EXPECT_TRUE(module->open(handle, "USB"));
         module->destroy(handle);
-        EXPECT_TRUE(fs::remove(folder / "spm_i1pro3.log")) << "Windows refuses while it is open";
+        EXPECT_TRUE(fs::remove(folder / "spm_i1pro3.log")) << "Windows can't remove an open file";
         module.reset();
         ASSERT_EQ(common::fileOf(function), "") << "still loaded";
     }
@@ -27,7 +27,7 @@ TEST(Lifecycle, LogsBesideTheModuleWhateverItsName) {
     const fs::path place = folder / "v1.2";
     fs::create_directory(place);
     fs::copy_file(folder / common::sdkFileName, place / common::sdkFileName);
-    // The longest path that the module can tell has 259 characters.
+    // The module supports paths of up to 259 characters.
     const std::size_t left = 259 - (place / "").string().size() - extension.size();
     struct Case {
         std::string module;

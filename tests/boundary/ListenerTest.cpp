@@ -11,12 +11,12 @@ static void keep(void* context, int32_t level, int32_t part, int32_t error, cons
     static_cast<Texts*>(context)->push_back(fmt::format("{} M{} E{} {}; {}", level, part, error, text, detail));
 }
 
-TEST_F(Subscription, TellsWhyACallFailedUntilItEnds) {
+TEST_F(Subscription, DeliversMessagesUntilUnsubscribed) {
     Texts messages;
     SPM_SUBSCRIPTION* const subscription = SPM_subscribe(handle, keep, &messages);
     EXPECT_TRUE(SPM_subscribe(nullptr, keep, &messages) == nullptr && SPM_subscribe(handle, nullptr, this) == nullptr);
     SPM_unsubscribe(nullptr);
-    fail("OpenDevice");
+    failNextCall("OpenDevice");
     EXPECT_FALSE(module.open(handle, "USB"));
     EXPECT_EQ(std::exchange(messages, {}),
               Texts{"0 M7 E1539 Simulated failure of I1PRO3_OpenDevice\nErrorNumber: 9; "});
@@ -29,12 +29,12 @@ TEST_F(Subscription, TellsWhyACallFailedUntilItEnds) {
     EXPECT_EQ(messages, (Texts{"0 M1 E0 level; ", "1 M1 E0 level; ", "2 M1 E0 level; ", "0 M2 E3 text; detail"}));
 }
 
-TEST_F(Subscription, DropsWhatTheCallbackThrows) {
+TEST_F(Subscription, DiscardsExceptionsOfCallbacks) {
     const SPM_MESSAGE_CALLBACK throwing[]{[](auto...) { throw 1; }, [](auto...) { common::throwForeign("foreign"); }};
     for (const SPM_MESSAGE_CALLBACK callback : throwing) {
         SPM_SUBSCRIPTION* const subscription = SPM_subscribe(handle, callback, nullptr);
         EXPECT_NO_THROW(handle->LogMessage(CAPLoggingMessage(0, 7, "text")));
-        EXPECT_EQ(log().back(), "M7 E0: text") << "the module goes on with the message";
+        EXPECT_EQ(log().back(), "M7 E0: text") << "the module still logs the message";
         SPM_unsubscribe(subscription);
     }
 }

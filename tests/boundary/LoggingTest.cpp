@@ -5,7 +5,7 @@
 
 using Logging = ModuleTest;
 
-TEST_F(Logging, SettingsDecideWhatIsWritten) {
+TEST_F(Logging, WritesWhatTheSettingsSelect) {
     struct Case {
         std::optional<uint32_t> logging;
         uint32_t details;
@@ -24,30 +24,30 @@ TEST_F(Logging, SettingsDecideWhatIsWritten) {
         other->LogMessage(CAPLoggingMessage(3, 7, "three"));
         other->LogMessage(CAPLoggingMessage(4, 7, "four"));
         EXPECT_EQ(log(), each.written);
-        EXPECT_TRUE(listener.lines.empty()) << "details are not for listeners";
+        EXPECT_TRUE(listener.lines.empty()) << "listeners receive no debug messages";
         module.destroy(other);
     }
 }
 
-TEST_F(Logging, WithoutAListenerOnlyTheBannersAreWritten) {
+TEST_F(Logging, WritesOnlyBannersWithoutAListener) {
     handle->RemoveListener();
-    fail("OpenDevice");
+    failNextCall("OpenDevice");
     EXPECT_FALSE(module.open(handle, "USB"));
     module.destroy(std::exchange(handle, nullptr));
     EXPECT_TRUE(linesOf(readText(logFile())).front().ends_with("] M0 D: ----- Started Logging -----"));
     EXPECT_EQ(log(), Texts{"M0 D: ----- Stopped Logging -----"});
 }
 
-TEST_F(Logging, AThrowingListenerKeepsTheMessageFromTheFile) {
-    Thrower thrower(1);
+TEST_F(Logging, OmitsMessagesThatTheListenerRejects) {
+    ThrowingListener thrower(1);
     handle->AddListener(&thrower);
     EXPECT_THROW(handle->LogMessage(CAPLoggingMessage(2, 7, "refused")), CAPException);
     handle->LogMessage(CAPLoggingMessage(3, 7, "trace"));
     EXPECT_EQ(log(), Texts{"M7 D: trace"});
 }
 
-// Each object has its own file, like each process.
-TEST_F(Logging, LinesOfManyWritersStayWhole) {
+// Each object opens the file itself, as separate processes do.
+TEST_F(Logging, KeepsLinesOfConcurrentWritersWhole) {
     constexpr int writers = 8;
     constexpr int times = 10;
     const std::string text(20'000, 'x');
@@ -57,7 +57,7 @@ TEST_F(Logging, LinesOfManyWritersStayWhole) {
     std::vector<std::future<void>> ends;
     for (int writer = 0; writer < writers; ++writer) {
         ends.push_back(std::async(std::launch::async, [&] {
-            Recorder recorder;
+            RecordingListener recorder;
             SPM_HANDLE const other = module.create();
             other->AddListener(&recorder);
             for (int i = 0; i < times; ++i) {

@@ -4,14 +4,14 @@
 
 namespace {
 
-constexpr std::size_t room = 24;
-/// What a read gave: its answer and the count.
+constexpr std::size_t maxPatches = 24;
+/// The result of a read: its return value and the count.
 using Reading = std::pair<bool, int32_t>;
 
 class Measurement : public ModuleTest {
 protected:
     Measurement() {
-        for (std::size_t i = 0; i < room; ++i) {
+        for (std::size_t i = 0; i < maxPatches; ++i) {
             spectra[i] = {36, reflections[i].data()};
         }
     }
@@ -26,14 +26,14 @@ protected:
         return {answer, count};
     }
 
-    std::array<SPM_LAB, room> values{};
-    std::array<std::array<SPM_REFLECTION, 40>, room> reflections{};
-    std::array<SPM_SPECTRUM, room> spectra{};
+    std::array<SPM_LAB, maxPatches> values{};
+    std::array<std::array<SPM_REFLECTION, 40>, maxPatches> reflections{};
+    std::array<SPM_SPECTRUM, maxPatches> spectra{};
 };
 
 } // namespace
 
-TEST_F(Measurement, MeasuresNothingWithoutFailing) {
+TEST_F(Measurement, SucceedsWithoutMeasuring) {
     const Reading none{true, 0};
     const auto expectNothing = [&](int32_t patches, const std::string& lastCall) {
         EXPECT_EQ(read(patches), none) << patches;
@@ -44,7 +44,7 @@ TEST_F(Measurement, MeasuresNothingWithoutFailing) {
     EXPECT_EQ(read(24), none) << "not open";
     EXPECT_EQ(readSpectrum(24), none) << "not open";
     EXPECT_TRUE(sdk.takeCalls().empty());
-    prepare();
+    openAndCalibrate();
     expectNothing(0, "GetConnectionStatus SIM1");
     expectNothing(INT32_MIN, "GetConnectionStatus SIM1");
     for (const int32_t entries : {35, 37}) {
@@ -61,8 +61,8 @@ TEST_F(Measurement, MeasuresNothingWithoutFailing) {
     EXPECT_TRUE(listener.lines.empty());
 }
 
-TEST_F(Measurement, TakesTheSamplesThatTheScanFound) {
-    prepare();
+TEST_F(Measurement, ReturnsTheSamplesThatTheScanFound) {
+    openAndCalibrate();
     for (const int32_t samples : {24, 20}) {
         sdk.use(R"({"samples": {"count": )" + std::to_string(samples) + "}}");
         EXPECT_EQ(read(24), (Reading{true, samples}));
@@ -73,15 +73,15 @@ TEST_F(Measurement, TakesTheSamplesThatTheScanFound) {
     EXPECT_EQ(sdk.takeCalls()[2], "SetOption SIM1 PatchesPerLine 2147483647");
     for (const int32_t samples : {25, -1, INT32_MIN, INT32_MAX}) {
         listener.lines.clear();
-        fail("GetNumberOfAvailableSamples", samples);
+        failNextCall("GetNumberOfAvailableSamples", samples);
         EXPECT_EQ(read(24), (Reading{false, 0})) << samples;
         EXPECT_EQ(sdk.takeCalls().back(), "GetNumberOfAvailableSamples SIM1");
         EXPECT_EQ(listener.lines, Texts{"M7 E1539: invalid number of samples"});
     }
 }
 
-TEST_F(Measurement, DeliversLabAsItIsAndSpectraInPercent) {
-    prepare();
+TEST_F(Measurement, ReturnsLabUnchangedAndSpectraInPercent) {
+    openAndCalibrate();
     ASSERT_EQ(readSpectrum(24), (Reading{true, 24}));
     EXPECT_EQ(reflections[0][0].wavelength, 380);
     EXPECT_EQ(reflections[0][35].wavelength, 730);
@@ -93,8 +93,8 @@ TEST_F(Measurement, DeliversLabAsItIsAndSpectraInPercent) {
     EXPECT_NEAR(values[14].b, 24.31F, 0.005F);
 }
 
-TEST_F(Measurement, FillsLaterRecordsAsFarAsTheyGo) {
-    prepare();
+TEST_F(Measurement, FillsLaterRecordsUpToTheirSize) {
+    openAndCalibrate();
     spectra[1].numberOfReflections = 10;
     spectra[2] = {0, nullptr};
     spectra[3] = {-5, nullptr};

@@ -28,7 +28,7 @@ Texts ModuleTest::log() const {
     return messages;
 }
 
-void ModuleTest::fail(const std::string& function, int32_t result) {
+void ModuleTest::failNextCall(const std::string& function, int32_t result) {
     sdk.use(R"({"faults": [{"function": "I1PRO3_)" + function + R"(", "result": )" + std::to_string(result) + "}]}");
 }
 
@@ -37,7 +37,7 @@ void ModuleTest::open() {
     sdk.takeCalls();
 }
 
-void ModuleTest::prepare() {
+void ModuleTest::openAndCalibrate() {
     open();
     SPM_CALIBRATION calibration{};
     module.calibrate(handle, &calibration);

@@ -9,8 +9,8 @@
 
 using Texts = std::vector<std::string>;
 
-/// Copies the built module and the simulated SDK library into a folder.
-/// @return the module's copy
+/// Copies the built module and the simulated SDK library to a folder.
+/// @return the copy of the module
 std::filesystem::path installModule(const TempFolder& folder);
 
 /// Settings that switch logging on.
@@ -19,8 +19,8 @@ public:
     LoggingOn() { setNumber("Logging", 1); }
 };
 
-/// A copy of the built module in a folder of its own, beside the simulated SDK library, with logging on; loaded as a
-/// host loads it, with one object and a listener. The button is found pressed, and measurements have no noise.
+/// Loads a copy of the built module as a host does, in its own folder beside the simulated SDK library, with logging
+/// on. Creates one object with a listener. The simulated button is always pressed, and measurements have no noise.
 class ModuleTest : public testing::Test {
 protected:
     ModuleTest();
@@ -29,21 +29,20 @@ protected:
     std::filesystem::path moduleFile() const { return folder / common::moduleFileName; }
     std::filesystem::path logFile() const { return folder / "spm_i1pro3.log"; }
 
-    /// What the log file says, without the heads of its lines and the first banner.
+    /// Returns the messages in the log file, without the first banner.
     Texts log() const;
 
-    /// Makes the next call of a function, such as "OpenDevice", give a result. Earlier faults are dropped.
-    void fail(const std::string& function, int32_t result = 9);
+    /// Makes the next call of a function, such as "OpenDevice", return a result. Replaces earlier faults.
+    void failNextCall(const std::string& function, int32_t result = 9);
 
     void open();
-    /// Opens and calibrates.
-    void prepare();
+    void openAndCalibrate();
 
     TempFolder folder;
     EnvironmentVariable trace{"I1PRO3_TRACE", (folder / "calls.jsonl").string()};
     LoggingOn settings;
     const spm::Module module;
     SimulatedSdk sdk;
-    Recorder listener;
+    RecordingListener listener;
     SPM_HANDLE handle;
 };

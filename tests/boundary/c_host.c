@@ -1,7 +1,9 @@
-/* A host in C99 that is linked with the module: proves that the header is C, that C and the module's import library
-   agree, and that a program may end while an object lives.
-   Use: c_host [leave | late], to end without closing and destroying, or to destroy when the library's own static
-   objects are gone. Exit status 0 when all went well. */
+/* A host in C99 that is linked to the module. It proves that the header is valid C, that the import library works from
+   C, and that a program may exit without destroying its objects.
+   Usage: c_host [leave | late]
+     leave  exits without closing and destroying
+     late   destroys the object in an exit handler, when the library's static objects may be gone
+   The exit status is 0 on success. */
 
 #include "module/SPM.h"
 

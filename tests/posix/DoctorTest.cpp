@@ -59,6 +59,6 @@ TEST(DoctorOnPosix, KnowsALibraryThatThisUserMayNotRead) {
     Settings settings;
     writeFile(folder / "library", "");
     fs::permissions(folder / "library", fs::perms::none);
-    settings.forbid();
+    settings.denyWriting();
     EXPECT_TRUE(common::findFault(folder / "library")->text.ends_with(": it can't be read: Permission denied"));
 }

@@ -1,4 +1,4 @@
-// What is written where a disk has no room left.
+// Writing to a full disk, simulated by a limit of the file size.
 
 #include "cap/CAPLoggingFile.h"
 #include "module/SPMRegistry.h"
@@ -10,7 +10,7 @@
 
 namespace {
 
-/// Does something while no file can grow beyond a size.
+/// Runs an operation while no file can grow beyond a size.
 template <class Operation>
 void withSizeLimit(std::size_t size, Operation operation) {
     rlimit earlier{};
@@ -25,11 +25,11 @@ void withSizeLimit(std::size_t size, Operation operation) {
 
 } // namespace
 
-TEST(FullDisk, LosesLogLinesUntilThereIsRoom) {
+TEST(FullDisk, LosesLogLinesUntilSpaceIsFree) {
     const TempFolder folder;
     const std::string path = (folder / "log").string();
     for (const std::size_t room : {0U, 30U}) {
-        const std::string between = room > 0 ? "\n" : ""; // behind a part of a line
+        const std::string between = room > 0 ? "\n" : ""; // ends the incomplete line
         CAPLoggingFile file;
         file.OpenFile(path.c_str(), "w");
         file.LogText(0, 7, "first");
@@ -47,7 +47,7 @@ TEST(FullDisk, LosesLogLinesUntilThereIsRoom) {
     }
 }
 
-TEST(FullDisk, LeavesTheSettingsAsTheyWere) {
+TEST(FullDisk, LeavesSettingsUnchanged) {
     const TempFolder folder;
     const std::string path = (folder / "settings.reg").string();
     const EnvironmentVariable variable("SPM_REGISTRY", path);

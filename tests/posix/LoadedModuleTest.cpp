@@ -1,4 +1,4 @@
-// The module where libraries are ELF files.
+// The built module, loaded by dlopen.
 
 #include "tests/boundary/ModuleTest.h"
 
@@ -14,12 +14,12 @@ TEST_F(LoadedModule, LeavesNoFileOpen) {
     const std::ptrdiff_t before = numberOfOpenFiles();
     SPM_HANDLE const other = module.create();
     module.open(other, "USB");
-    EXPECT_GT(numberOfOpenFiles(), before) << "the count counts";
+    EXPECT_GT(numberOfOpenFiles(), before) << "open files are counted";
     module.destroy(other);
     EXPECT_EQ(numberOfOpenFiles(), before);
 }
 
-TEST(LoadedModuleFile, IsFoundByARelativeNameFromAnotherFolder) {
+TEST(LoadedModuleFile, IsFoundAfterLoadingByARelativePath) {
     const TempFolder folder;
     const std::filesystem::path file = installModule(folder);
     const std::filesystem::path earlier = std::filesystem::current_path();

@@ -1,4 +1,4 @@
-// What a log file refuses, keeps to its process and gets whole.
+// Which files a log stream opens, and that child processes don't inherit it.
 
 #include "platform/LogStream.h"
 
@@ -9,18 +9,18 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-TEST(LogStream, IsARegularFile) {
+TEST(LogStream, MustBeARegularFile) {
     const TempFolder folder;
     const std::string pipe = (folder / "pipe").string();
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
-    EXPECT_EQ(openLogStream(pipe.c_str(), "a"), nullptr) << "and nobody waits for a reader";
+    EXPECT_EQ(openLogStream(pipe.c_str(), "a"), nullptr) << "and doesn't wait for a reader";
     const int reader = open(pipe.c_str(), O_RDONLY | O_NONBLOCK);
     EXPECT_EQ(openLogStream(pipe.c_str(), "a"), nullptr);
     close(reader);
     EXPECT_EQ(openLogStream("/dev/full", "a"), nullptr);
 }
 
-TEST(LogStream, IsNotInherited) {
+TEST(LogStream, IsNotInheritedByChildProcesses) {
     const TempFolder folder;
     std::FILE* const stream = openLogStream((folder / "log").string().c_str(), "a");
     ASSERT_NE(stream, nullptr);

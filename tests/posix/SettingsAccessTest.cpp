@@ -1,4 +1,4 @@
-// What stands in the way of the settings: locks, pipes, large and damaged files, other writers.
+// Access to a settings file that is locked, a pipe, large or damaged.
 
 #include "module/SPMRegistry.h"
 #include "tests/support/Support.h"
@@ -23,7 +23,7 @@ protected:
 
 } // namespace
 
-TEST_F(SettingsAccess, IsReadWhateverLocksItAndCreatesNoKeysThen) {
+TEST_F(SettingsAccess, ReadsButCreatesNoKeysWhileLocked) {
     const std::string text = begin + "\"Logging\"=dword:00000001\n";
     writeFile(path, text);
     const int other = open(path.c_str(), O_RDONLY);
@@ -36,7 +36,7 @@ TEST_F(SettingsAccess, IsReadWhateverLocksItAndCreatesNoKeysThen) {
     EXPECT_NE(readFile(path), text);
 }
 
-TEST_F(SettingsAccess, IsARegularFile) {
+TEST_F(SettingsAccess, MustBeARegularFile) {
     ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
     const SPMRegistry key;
     EXPECT_EQ(key.readNumber("Logging", 5), 5U);
@@ -45,11 +45,11 @@ TEST_F(SettingsAccess, IsARegularFile) {
     const SPMRegistry held;
     std::filesystem::remove(path);
     ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
-    EXPECT_EQ(held.readNumber("Logging", 5), 5U) << "and does not wait for a writer";
+    EXPECT_EQ(held.readNumber("Logging", 5), 5U) << "and doesn't wait for a writer";
 }
 
-// A name as long as half the file and lines of a list as many as the other half.
-TEST_F(SettingsAccess, IsReadInATimeThatGrowsWithItsSize) {
+// Half of the file is one long name, the other half a byte list with many lines.
+TEST_F(SettingsAccess, ReadsInLinearTime) {
     std::string text = begin + "\"" + std::string(200'000, 'x') + "\"=hex:\\\n";
     for (int i = 0; i < 100'000; ++i) {
         text += "\\\n";
@@ -60,7 +60,7 @@ TEST_F(SettingsAccess, IsReadInATimeThatGrowsWithItsSize) {
     EXPECT_LT(std::clock() - start, 2 * CLOCKS_PER_SEC);
 }
 
-TEST_F(SettingsAccess, AListOfBytesTakesNoHeading) {
+TEST_F(SettingsAccess, KeepsHeadingsOutOfByteLists) {
     for (const std::string end : {"\\", "\\\\", "\\\\\\\n", "\\\n\\\n"}) {
         writeFile(path, begin + "\"Bytes\"=hex:00," + end);
         { const SPMRegistry device("model"); }

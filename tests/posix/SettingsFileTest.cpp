@@ -73,7 +73,7 @@ TEST_F(SettingsFile, ReadsTexts) {
     }
 }
 
-TEST_F(SettingsFile, CreatesKeysAndKeepsTheRest) {
+TEST_F(SettingsFile, CreatesKeysAndKeepsEverythingElse) {
     struct Case {
         std::string before;
         std::string added;
@@ -98,8 +98,8 @@ TEST_F(SettingsFile, CreatesKeysAndKeepsTheRest) {
     }
 }
 
-// The file is long, so that whoever looks for a key takes a while until it writes.
-TEST_F(SettingsFile, GetsEachKeyOnceThoughManyCreateIt) {
+// The file is large, so that searching it for a key takes a while before the key is written.
+TEST_F(SettingsFile, CreatesEachKeyOnceWithConcurrentWriters) {
     const std::string before = "REGEDIT4\n" + headings + "; " + std::string(1'000'000, 'x') + "\n";
     writeFile(path, before);
     std::string added;

@@ -4,15 +4,15 @@
 
 #include <gtest/gtest.h>
 
-TEST(UserLanguage, IsThatOfTheEnvironment) {
+TEST(UserLanguage, FollowsTheEnvironment) {
     using Locales = std::array<const char*, 3>; // LC_ALL, LC_MESSAGES, LANG
     const std::vector<std::pair<Locales, LANGID>> cases{
         {{"de_DE.UTF-8", "fr_FR", "it_IT"}, 0x0407},
         {{"", "fr_FR", "it_IT"}, 0x040C},
         {{"", "", "it_IT"}, 0x0410},
-        {{"", "", ""}, 0x0409}, // US English without any
+        {{"", "", ""}, 0x0409}, // US English if none is set
         {{"de_CH@euro", "", ""}, 0x0807},
-        {{"de_LI", "", ""}, 0x0407},  // the language's first country for one that is not known
+        {{"de_LI", "", ""}, 0x0407},  // an unknown country falls back to the language's first
         {{"fil_PH", "", ""}, 0x0409}, // not Finnish
     };
     for (const auto& [locales, identifier] : cases) {
@@ -23,7 +23,7 @@ TEST(UserLanguage, IsThatOfTheEnvironment) {
     }
 }
 
-TEST(UserLanguage, HasTheIdentifiersThatPythonHas) {
+TEST(UserLanguage, AgreesWithPython) {
     const TempFolder folder;
     const std::string script =
         "import locale; [print(name, identifier) for identifier, name in locale.windows_locale.items()]";

@@ -1,4 +1,4 @@
-// The reader of version resources, on files that are damaged.
+// Reading version resources from damaged files.
 
 #include "tests/support/VersionedLibrary.h"
 
@@ -23,7 +23,7 @@ protected:
 
 } // namespace
 
-TEST_F(VersionResource, MustStandInAnElfFile) {
+TEST_F(VersionResource, RequiresAnElfFile) {
     const std::size_t name = complete.find(".rsrc");
     for (const std::size_t offset :
          {std::size_t{0}, std::size_t{EI_CLASS}, offsetof(Elf64_Ehdr, e_shentsize), name, name + 5}) {
@@ -34,7 +34,7 @@ TEST_F(VersionResource, MustStandInAnElfFile) {
     }
 }
 
-TEST_F(VersionResource, KeepsLengthsWithinWhatHoldsThem) {
+TEST_F(VersionResource, LimitsLengthsToTheParentNode) {
     struct Case {
         std::u16string node;
         std::uint16_t length;
@@ -65,7 +65,7 @@ TEST_F(VersionResource, KeepsLengthsWithinWhatHoldsThem) {
     }
 }
 
-// The sanitizers watch: nothing outside the data may be touched, and every load must come to an end.
+// Every load must terminate. The sanitizers detect reads outside the data.
 TEST_F(VersionResource, SurvivesTruncatedAndHostileFiles) {
     for (std::size_t i = 0; i < complete.size(); ++i) {
         loadFile(complete.substr(0, i));
@@ -80,26 +80,26 @@ TEST_F(VersionResource, SurvivesTruncatedAndHostileFiles) {
     EXPECT_EQ(loadFile(complete), 1);
 }
 
-TEST_F(VersionResource, NeedsRoomForAllOfIt) {
+TEST_F(VersionResource, RejectsABlockThatIsTooSmall) {
     std::vector<char> block(GetFileVersionInfoSizeA(path.c_str(), nullptr));
     const auto size = static_cast<DWORD>(block.size());
     EXPECT_EQ(GetFileVersionInfoA(path.c_str(), 0, size - 1, block.data()), FALSE);
     EXPECT_NE(GetFileVersionInfoA(path.c_str(), 0, size, block.data()), FALSE);
 }
 
-// The environment is the user's language here.
-TEST_F(VersionResource, HasTheTableOfTheUsersLanguage) {
+// On this system, the environment defines the user's language.
+TEST_F(VersionResource, SelectsTheUsersLanguage) {
     const EnvironmentVariable variable("LC_ALL", "de_DE.UTF-8");
     const std::vector<std::string> chosen{
-        "0407", // the same
-        "0C07", // the same primary language, the first such
-        "0807", // also before a neutral one
-        "0107", // of which the low 8 bits count
-        "0000", // neutral
-        "0400", // any with a neutral primary language
+        "0407", // the user's language
+        "0C07", // the first with the same primary language
+        "0807", // the same primary language, before the neutral language
+        "0107", // the primary language is the low 8 bits
+        "0000", // the neutral language
+        "0400", // a neutral primary language
         "0009", // English
-        "0809", // any English, the first such
-        "040C", // whichever comes first
+        "0809", // the first with English as primary language
+        "040C", // the first entry
     };
     for (std::size_t i = 0; i < chosen.size(); ++i) {
         ASSERT_EQ(load(versions[3 + i]), 1);

@@ -99,7 +99,7 @@ TEST(Doctor, HasAVerdictOnEachPart) {
          {{wrong, "Module", "can't load the SDK library ", "fix the SDK library first"},
           {wrong, "SDK library", sdk + ": it is cut short, and has only ", "copy or install it again"}}},
         {[](Installation& its) { Installation::makeForeign(its.sdk()); },
-         {{wrong, "SDK library", "it is a library of 32 bits, or for another processor",
+         {{wrong, "SDK library", "it is a 32-bit library, or one for another processor",
            "replace it with the 64-bit library "}}},
         {[](Installation& its) { writeFile(its.module(), readFile(its.sdk())); },
          {{wrong, "Module", "it has no SPM_create", "install the module's file again"}}},
@@ -114,7 +114,7 @@ TEST(Doctor, HasAVerdictOnEachPart) {
          {{good, "SDK library", sdk, ""}, {good, "Calibration", "done", ""}}},
         {[](Installation& its) {
              its.settings.setNumber("Logging", 1);
-             its.settings.forbid();
+             its.settings.denyWriting();
          },
          {{note, "Settings", " can't be opened for reading and writing", "to have settings, "},
           {wrong, "Logging", "0 by default: what is set in " + key + " is ignored", spm::settingsRightAdvice}}},

@@ -1,4 +1,4 @@
-// An SDK library that does nothing and succeeds: what is left of a call is the module's own part.
+// An SDK library whose functions do nothing and succeed, so that only the module's own work is measured or tested.
 
 #include "i1pro3/I1PRO3_SDK.h"
 

@@ -12,7 +12,7 @@ SimulatedSdk::SimulatedSdk(const spm::Module& module)
 }
 
 SimulatedSdk::~SimulatedSdk() {
-    applyScript(R"({"trace": null})"); // the file can be removed then
+    applyScript(R"({"trace": null})"); // closes the file, so that it can be removed
 }
 
 void SimulatedSdk::use(const std::string& script) {

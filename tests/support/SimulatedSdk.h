@@ -8,8 +8,7 @@
 #include <string>
 #include <vector>
 
-/// The simulated SDK library that a loaded module runs on, and the trace of the calls to it. It must not outlive the
-/// library.
+/// Controls the simulated SDK library of a loaded module and reads the trace of its calls. Must not outlive the module.
 class SimulatedSdk {
 public:
     explicit SimulatedSdk(const spm::Module& module);
@@ -17,11 +16,11 @@ public:
     SimulatedSdk& operator=(const SimulatedSdk&) = delete;
     ~SimulatedSdk();
 
-    /// Applies a script: what it names is set, its faults take the place of all earlier ones, all else stays as it is.
-    /// @throws std::runtime_error  when the script is wrong
+    /// Applies a script. Its faults replace all earlier ones; what the script doesn't mention stays unchanged.
+    /// @throws std::runtime_error  if the script is invalid
     void use(const std::string& script);
 
-    /// The calls since the last time, such as "SetOption SIM1 MeasurementMode ReflectanceSpot".
+    /// Returns the calls since the last takeCalls, such as "SetOption SIM1 MeasurementMode ReflectanceSpot".
     std::vector<std::string> takeCalls();
 
 private:

@@ -34,7 +34,7 @@ std::string readText(const fs::path& path) {
     std::string text = readFile(path);
     const auto lines = static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
     if (std::erase(text, '\r') != lines * (lineEnd.size() - 1))
-        throw std::runtime_error("a line end of another system");
+        throw std::runtime_error("a line ending of another system");
     return text;
 }
 
@@ -53,6 +53,10 @@ EnvironmentVariable::EnvironmentVariable(std::string variableName, const std::st
     setVariable(name, value);
 }
 
+EnvironmentVariable::~EnvironmentVariable() {
+    setVariable(name, earlier);
+}
+
 void Settings::setNumber(const std::string& name, std::uint32_t number) {
     set(commonKey, name, REG_DWORD, std::string(reinterpret_cast<const char*>(&number), sizeof number));
 }
@@ -61,14 +65,10 @@ void Settings::setText(const std::string& name, const std::string& text) {
     set(deviceKey, name, REG_SZ, text + '\0');
 }
 
-EnvironmentVariable::~EnvironmentVariable() {
-    setVariable(name, earlier);
-}
-
 int run(const fs::path& program, const std::vector<std::string>& arguments, const Output& output) {
-    std::string command = inQuotes(program.string());
+    std::string command = quoted(program.string());
     for (const std::string& argument : arguments) {
-        command += ' ' + inQuotes(argument);
+        command += ' ' + quoted(argument);
     }
-    return execute(command + " >" + inQuotes(output.out.string()) + " 2>" + inQuotes(output.err.string()));
+    return execute(command + " >" + quoted(output.out.string()) + " 2>" + quoted(output.err.string()));
 }

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-/// A folder of the test's own, with a blank in its name; removed with the object.
+/// A temporary folder with a space in its name; removed by the destructor.
 class TempFolder {
 public:
     TempFolder();
@@ -24,14 +24,14 @@ private:
 };
 
 void writeFile(const std::filesystem::path& path, const std::string& content);
-/// Empty when there is no such file.
+/// Returns the content of a file; empty if it doesn't exist.
 std::string readFile(const std::filesystem::path& path);
-/// A text file with its lines ended by '\n'.
-/// @throws std::runtime_error  when a line in the file ends in another way than the system's
+/// Returns the content of a text file, with the system's line endings converted to '\n'.
+/// @throws std::runtime_error  if a line has another line ending
 std::string readText(const std::filesystem::path& path);
 std::vector<std::string> linesOf(const std::string& text);
 
-/// Sets an environment variable for the object's life.
+/// Sets an environment variable for the object's lifetime.
 class EnvironmentVariable {
 public:
     EnvironmentVariable(std::string variable, const std::string& value);
@@ -44,11 +44,11 @@ private:
     std::optional<std::string> earlier;
 };
 
-/// A listener that throws what it is given.
+/// Throws a copy of an exception for each message.
 template <class Exception>
-class Thrower : public ICAPLoggingListener {
+class ThrowingListener : public ICAPLoggingListener {
 public:
-    explicit Thrower(Exception thrown) : exception(std::move(thrown)) {}
+    explicit ThrowingListener(Exception thrown) : exception(std::move(thrown)) {}
     void HandleMessage(ICAPLoggingSource* /*source*/, const ICAPLoggingMessage& /*message*/) override {
         throw exception; // NOLINT(misc-throw-by-value-catch-by-reference,cert-err09-cpp,cert-err61-cpp)
     }
@@ -57,8 +57,8 @@ private:
     Exception exception;
 };
 
-/// Keeps the one-line forms of the messages that it receives, and where the last came from.
-class Recorder : public ICAPLoggingListener {
+/// Records the text of each message, and the source of the last.
+class RecordingListener : public ICAPLoggingListener {
 public:
     void HandleMessage(ICAPLoggingSource* source, const ICAPLoggingMessage& message) override {
         lastSource = source;

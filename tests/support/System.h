@@ -1,6 +1,6 @@
 #pragma once
 
-// What the tests ask of the system; one source per system implements it.
+// System functions for the tests. One source file per system implements them.
 
 #include "platform/win32.h"
 
@@ -10,26 +10,26 @@
 #include <string>
 #include <vector>
 
-/// How a line of a text file ends.
+/// The line ending of text files.
 extern const std::string lineEnd;
 
 extern const std::string programExtension;
 
-/// Sets or removes an environment variable; a zone that it names holds at once.
+/// Sets or removes an environment variable. A change of TZ takes effect at once.
 void setVariable(const std::string& name, const std::optional<std::string>& value);
 
-/// Where a program's output goes.
+/// The files for a program's standard output and standard error.
 struct Output {
     std::filesystem::path out;
     std::filesystem::path err;
 };
 
-/// Runs a program, waits for its end and gives its exit status.
+/// Runs a program and returns its exit status.
 /// @param arguments  in UTF-8, without single quotes
 int run(const std::filesystem::path& program, const std::vector<std::string>& arguments, const Output& output);
 
-/// What of this is the system's own: a word for its command interpreter, and having that execute a command.
-std::string inQuotes(const std::string& word);
+/// The parts of run() that depend on the system: quoting a word for the command interpreter, and executing a command.
+std::string quoted(const std::string& word);
 int execute(const std::string& command);
 
 /// Writes a library file with a version resource.
@@ -39,8 +39,8 @@ void writeLibrary(const std::filesystem::path& path, const std::string& resource
 inline const std::string commonKey = "Kestrova\\SPM";
 inline const std::string deviceKey = "Kestrova\\SPM\\xrite i1 Pro3";
 
-/// The settings that module objects of this process read, at first none. They are the test's own: on Windows, keys that
-/// take the place of HKEY_LOCAL_MACHINE in this process; elsewhere a settings file.
+/// The settings that module objects of this process read; initially none. They are private to the test: on Windows,
+/// keys that replace HKEY_LOCAL_MACHINE in this process; elsewhere a settings file.
 class Settings {
 public:
     Settings();
@@ -48,7 +48,8 @@ public:
     Settings& operator=(const Settings&) = delete;
     ~Settings();
 
-    /// Sets a value in a key below SOFTWARE; the data as stored, a text with its NUL.
+    /// Sets a value in a key below SOFTWARE.
+    /// @param data  the bytes to store; those of a text include the terminating NUL
     void set(const std::string& key, const std::string& name, std::uint32_t type, const std::string& data);
 
     /// Sets a number in the common key.
@@ -56,10 +57,10 @@ public:
     /// Sets a text in the device key.
     void setText(const std::string& name, const std::string& text);
 
-    /// Takes away the right to write; on Linux, from this thread also root's rights to all files.
-    void forbid();
+    /// Removes write access to the settings. On Linux, also drops this thread's root privileges for files.
+    void denyWriting();
 
-    /// Back to no settings, with the right to write.
+    /// Removes all settings and restores write access.
     void clear();
 
 private:

@@ -32,7 +32,7 @@ void setVariable(const std::string& name, const std::optional<std::string>& valu
     tzset();
 }
 
-std::string inQuotes(const std::string& word) {
+std::string quoted(const std::string& word) {
     return '\'' + word + '\'';
 }
 
@@ -41,7 +41,7 @@ int execute(const std::string& command) {
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
-/// An ELF file of three sections, the last with the resource.
+/// Writes an ELF file with three sections, the last of which contains the resource.
 void writeLibrary(const fs::path& path, const std::string& resource) {
     constexpr std::string_view names("\0.names\0.rsrc\0", 14);
     constexpr std::size_t begin = sizeof(Elf64_Ehdr) + 3 * sizeof(Elf64_Shdr);
@@ -84,7 +84,7 @@ void Settings::set(const std::string& key, const std::string& name, std::uint32_
                          std::to_string(type) + "):" + value.str() + "\n");
 }
 
-void Settings::forbid() {
+void Settings::denyWriting() {
     constexpr uid_t nobody = 65534;
     if (!fs::exists(place)) writeFile(place, "");
     fs::permissions(place, fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);

@@ -16,7 +16,7 @@ namespace {
 
 const std::string variableName = "SPM_TEST_KEY";
 
-/// An open key of the registry.
+/// An open registry key.
 class Key {
 public:
     Key(HKEY parent, const std::string& path) { RegCreateKeyA(parent, path.c_str(), &key); }
@@ -29,7 +29,7 @@ private:
     HKEY key = nullptr;
 };
 
-/// Sets what everyone may do with the key SOFTWARE, in the security descriptor language.
+/// Sets everyone's rights to the key SOFTWARE, given in the security descriptor definition language.
 void allow(const char* rights) {
     const std::string text = std::string("D:(A;;") + rights + ";;;WD)";
     PSECURITY_DESCRIPTOR descriptor = nullptr;
@@ -48,13 +48,13 @@ void setVariable(const std::string& name, const std::optional<std::string>& valu
     _tzset();
 }
 
-std::string inQuotes(const std::string& word) {
+std::string quoted(const std::string& word) {
     return '"' + std::regex_replace(word, std::regex("\""), "\\\"") + '"';
 }
 
 int execute(const std::string& command) {
-    const std::string quoted = '"' + command + '"'; // the command interpreter takes away the outer quotes
-    return _wsystem(fs::path(std::u8string(quoted.begin(), quoted.end())).c_str());
+    const std::string inQuotes = '"' + command + '"'; // the command interpreter removes the outer quotes
+    return _wsystem(fs::path(std::u8string(inQuotes.begin(), inQuotes.end())).c_str());
 }
 
 void writeLibrary(const fs::path& path, const std::string& resource) {
@@ -83,13 +83,13 @@ Settings::~Settings() {
 
 void Settings::set(const std::string& key, const std::string& name, std::uint32_t type, const std::string& data) {
     const Key opened(HKEY_LOCAL_MACHINE, "SOFTWARE\\" + key);
-    // A byte that is not 0 behind the data: the system would count a NUL as a text's own.
+    // If the byte behind a text were 0, the system would include it as the terminating NUL.
     const std::string guarded = data + 'x';
     RegSetValueExA(opened.get(), name.c_str(), 0, type, reinterpret_cast<const BYTE*>(guarded.data()),
                    static_cast<DWORD>(data.size()));
 }
 
-void Settings::forbid() {
+void Settings::denyWriting() {
     allow("KRWD");
 }
 

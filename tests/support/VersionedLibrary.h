@@ -8,11 +8,11 @@
 #include <cstring>
 #include <gtest/gtest.h>
 
-/// A library file for version resources that the resource compiler made, and what is read from it.
+/// A library file with a version resource from versions.rc, and the version information read from it.
 class VersionedLibrary : public testing::Test {
 protected:
-    /// The resources of versions.rc, in their order there. In the file that the compiler writes, each stands behind its
-    /// size, the size of its header, and the rest of that header.
+    /// Reads the resources of versions.rc, in their order there, from the resource compiler's output. Each consists of
+    /// its size, the size of its header, the rest of that header, and the resource.
     VersionedLibrary() {
         constexpr std::size_t fileHeader = 32;
         const std::string file = readFile(common::programFolder() / "versions.res");

@@ -1,4 +1,4 @@
-/* A library with nothing in it. */
+/* A library that is neither a module nor an SDK library. */
 
 int plain(void);
 

@@ -1,4 +1,4 @@
-// Lets the module's own heap allocations fail, over an SDK library that does nothing.
+// Makes each of the module's heap allocations fail in turn, on an SDK library that does nothing.
 
 #include "module/SPM.h"
 #include "tests/support/System.h"
@@ -26,8 +26,8 @@ std::size_t firstToFail = SIZE_MAX;
     std::free(memory);
 }
 
-// What a failed creation has made must be gone again: the address sanitizer's build looks for leaks.
-TEST(Allocation, CreationSurvivesEachFailure) {
+// The build with the address sanitizer also finds objects leaked by a failed creation.
+TEST(Allocation, CreateSurvivesEveryFailure) {
     Settings settings;
     for (const std::uint32_t logging : {0U, 1U}) {
         settings.setNumber("Logging", logging);

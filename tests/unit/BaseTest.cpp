@@ -7,8 +7,8 @@
 
 namespace {
 
-/// A device class with two connections, an auxiliary list and neither apertures nor illuminations, and with the record
-/// resolution opened up.
+/// A device class with two connections and auxiliary options, but without apertures and illuminations. Makes resolved()
+/// public.
 class TwoConnections : public SPM_i1PRO3 {
 public:
     TwoConnections() {
@@ -30,14 +30,14 @@ protected:
     TwoConnections two;
 };
 
-/// The values, then the indexes of aperture, auxiliary and illumination.
+/// The values of aperture, illumination and auxiliary; then the indexes of aperture, auxiliary and illumination.
 std::vector<std::int64_t> numbersOf(const SPM_OPTIONS_EX& options) {
     return {options.aperture,      options.illumination,   options.auxiliary,
             options.apertureIndex, options.auxiliaryIndex, options.illuminationIndex};
 }
 
-/// The place of a virtual operation in the table that the handle points to, by the C++ binary interface that GCC and
-/// Clang share: a pointer to a virtual member holds its offset plus one.
+/// Returns the index of a virtual function in the virtual table. In the C++ ABI of GCC and Clang, a pointer to a
+/// virtual member function contains its offset in that table plus one.
 template <class Operation>
 std::size_t slotOf(Operation operation) {
     std::uintptr_t offset = 0;
@@ -52,8 +52,8 @@ std::vector<std::size_t> slotsOf(Operations... operations) {
 
 } // namespace
 
-// The destructor takes the slots 0 and 1.
-TEST(Interface, KeepsTheOrderOfItsOperations) {
+// The destructor occupies slots 0 and 1.
+TEST(Interface, KeepsTheOrderOfItsVirtualTable) {
     EXPECT_EQ(slotsOf(&IScmSPM::HandleMessage, &IScmSPM::Dispatch, &IScmSPM::LogMessage),
               (std::vector<std::size_t>{2, 3, 4}));
     const std::vector<std::size_t> slots =
@@ -109,7 +109,7 @@ TEST_F(Base, SelectsOptionsByIndexValueAndName) {
     EXPECT_EQ(numbersOf(module->getCurrentOptions()), (Numbers{1, 0, 0, 0, -1, -1}));
     EXPECT_TRUE(select(9, 2, -1));
     EXPECT_EQ(numbersOf(module->getCurrentOptions()), (Numbers{1, 2, 0, 0, -1, 1}));
-    EXPECT_TRUE(select(9, 2, 0)) << "an index is preferred";
+    EXPECT_TRUE(select(9, 2, 0)) << "the index takes precedence";
     EXPECT_EQ(numbersOf(module->getCurrentOptions()), (Numbers{1, 1, 0, 0, -1, 0}));
     EXPECT_TRUE(module->setOptionsByName(nullptr, "none", "UV Excluded"));
     EXPECT_TRUE(module->setOptionsByName("4.5 mm", nullptr, "uv included"));
@@ -123,7 +123,7 @@ TEST_F(Base, SelectsOptionsByIndexValueAndName) {
     EXPECT_STREQ(two.getAuxiliary(1), "No Filter");
 }
 
-TEST_F(Base, NamesTheConfiguredDevice) {
+TEST_F(Base, ReturnsTheConfiguredDevice) {
     const auto configure = [&](const std::string& device) { settings.set(deviceKey, "Device", REG_SZ, device + '\0'); };
     EXPECT_STREQ(two.getDevice(-1), "USB");
     configure("USB2");

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-TEST(Colour, HasTheLightnessOfNeutralSamples) {
+TEST(Colour, ComputesTheLightnessOfNeutralSamples) {
     const simulator::Weights weights = simulator::parseWeights(simulator::d65TenDegreeCsv);
     // L* is 116 f(Y) - 16, and 903.3 Y for dark samples.
     for (const auto& [factor, lightness] : {std::pair(1.0, 100.0), {0.18, 49.4961}, {0.008, 7.2263}, {0.0, 0.0}}) {
@@ -14,7 +14,7 @@ TEST(Colour, HasTheLightnessOfNeutralSamples) {
     }
 }
 
-TEST(Colour, RejectsTablesThatAreNone) {
+TEST(Colour, RejectsMalformedTables) {
     const std::string chart(simulator::colorCheckerCsv);
     const std::string header = chart.substr(0, chart.find('\n') + 1);
     const std::string factors = ",2,2,2,2,2,2,2,2,2,2,2,2,2,2,2,2,2,2,2,2,2,2,2,2,2,2,2,2,2,2,2,2,2,2,2,2";

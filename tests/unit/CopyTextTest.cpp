@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-TEST(CopyText, TakesWhatFitsAndFillsTheRest) {
+TEST(CopyText, TruncatesAndFillsUpWithNuls) {
     struct Case {
         const char* source;
         int32_t size;

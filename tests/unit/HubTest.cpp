@@ -9,11 +9,11 @@
 
 namespace {
 
-/// The line of what comes out of a hub whose listener throws.
+/// Returns, as a log line, the exception that a hub throws if its listener throws.
 template <class Exception>
 std::string thrownThroughHub(Exception exception) {
     CAPLoggingHandler hub;
-    Thrower<Exception> listener(std::move(exception));
+    ThrowingListener<Exception> listener(std::move(exception));
     hub.AddListener(&listener);
     try {
         hub.LogMessage(CAPLoggingMessage(0, 7, "text"));
@@ -44,11 +44,11 @@ TEST(LoggingMessage, RendersAsOneLine) {
     }
 }
 
-TEST(Hub, SendsToTheLastListenerAndNamesTheSource) {
+TEST(Hub, SendsToTheLatestListenerWithItsSource) {
     CAPLoggingHandler hub;
     CAPLoggingHandler between;
-    Recorder first;
-    Recorder last;
+    RecordingListener first;
+    RecordingListener last;
     hub.Log(3, 7, "unheard");
     hub.AddListener(&first);
     hub.AddListener(&between);
@@ -62,7 +62,7 @@ TEST(Hub, SendsToTheLastListenerAndNamesTheSource) {
     EXPECT_EQ(last.lastSource, &hub);
 }
 
-TEST(Hub, ConvertsWhatAListenerThrows) {
+TEST(Hub, ConvertsExceptionsOfListeners) {
     const std::string place = R"(line [1-9]\d* of CAPLoggingHandler\.cpp)";
     EXPECT_EQ(thrownThroughHub(CAPException(5, 9, "text", "detail")), "M9 E5: text; detail");
     const std::string standard = thrownThroughHub(std::runtime_error("100%s"));

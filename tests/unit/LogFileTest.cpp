@@ -20,7 +20,7 @@ std::string localTime() {
 
 class LogFile : public testing::Test {
 protected:
-    /// The lines of the file without their date, time and zone.
+    /// Returns the lines of the file without date, time and zone.
     std::vector<std::string> lines() const {
         std::vector<std::string> result = linesOf(readText(path));
         for (std::string& line : result) {
@@ -41,7 +41,7 @@ protected:
 
 } // namespace
 
-// In a thread of its own, whose number is not that of the process.
+// Runs in its own thread, because the main thread's number is that of the process.
 TEST_F(LogFile, WritesUpToItsDetailLevel) {
     std::string head;
     CAPLoggingHandler source;
@@ -68,7 +68,7 @@ TEST_F(LogFile, WritesUpToItsDetailLevel) {
                        }));
 }
 
-TEST_F(LogFile, AppendsBannersOnOpeningAndClosing) {
+TEST_F(LogFile, WritesBannersOnOpenAndClose) {
     const std::string started = origin() + "] M0 D: ----- Started Logging -----";
     const std::string stopped = origin() + "] M0 D: ----- Stopped Logging -----";
     const std::string nowhere = (folder / "no such folder/log").string();
@@ -87,7 +87,7 @@ TEST_F(LogFile, AppendsBannersOnOpeningAndClosing) {
               (std::vector<std::string>{started, stopped, started, stopped, started, stopped, started, stopped}));
 }
 
-TEST_F(LogFile, ShowsTheLocalTimeAndTheStandardOffsetOfTheZone) {
+TEST_F(LogFile, WritesLocalTimeAndStandardOffset) {
     struct Zone {
         const char* name;
         const char* text;
@@ -107,7 +107,7 @@ TEST_F(LogFile, ShowsTheLocalTimeAndTheStandardOffsetOfTheZone) {
     }
 }
 
-TEST_F(LogFile, EndsTheTornLineOfAnEarlierObject) {
+TEST_F(LogFile, EndsAnIncompleteLineOfAnEarlierObject) {
     for (const auto& [left, ended] : {std::pair{"torn", "torn" + lineEnd}, std::pair{"", std::string()}}) {
         writeFile(path, left);
         CAPLoggingFile next;

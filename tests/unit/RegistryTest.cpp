@@ -6,7 +6,7 @@
 
 using namespace std::string_literals;
 
-TEST(Registry, ReadsNumbersAndTexts) {
+TEST(Registry, ReadsNumbersAndStrings) {
     constexpr DWORD expandedText = 2;
     struct Case {
         DWORD type;
@@ -35,11 +35,11 @@ TEST(Registry, ReadsNumbersAndTexts) {
         settings.set(deviceKey, "Value", each.type, each.data);
         EXPECT_EQ(key.readNumber("value", 5), each.number);
         EXPECT_EQ(key.readString("value", "default"), each.text);
-        EXPECT_EQ(SPMRegistry().readNumber("Value", 5), 5U) << "of another key";
+        EXPECT_EQ(SPMRegistry().readNumber("Value", 5), 5U) << "in another key";
     }
 }
 
-TEST(Registry, TellsMisuseByTheSystemsErrorCodes) {
+TEST(Registry, ReportsMisuseWithWin32ErrorCodes) {
     Settings settings;
     HKEY key = nullptr;
     EXPECT_EQ(RegOpenKeyExA(nullptr, "SOFTWARE", 0, KEY_READ, &key), ERROR_INVALID_HANDLE);

@@ -13,7 +13,7 @@ const std::filesystem::path sources = SOURCE_FOLDER;
 
 } // namespace
 
-TEST(Script, SaysWhatIsWrong) {
+TEST(Script, ReportsErrors) {
     const TempFolder folder;
     const std::string file = (folder / "script.json").string();
     const std::string wrong = (folder / "wrong.jsonl").string();
@@ -54,11 +54,11 @@ TEST(Script, SaysWhatIsWrong) {
         simulator::Script script;
         const std::string error = errorOf([&, &json = text] { applyScript(file, json, script); });
         EXPECT_TRUE(error.starts_with(file + message)) << text << error;
-        EXPECT_EQ(script.instruments, std::vector<std::string>{"SIM1"}) << "a wrong script changes nothing";
+        EXPECT_EQ(script.instruments, std::vector<std::string>{"SIM1"}) << "an invalid script changes nothing";
     }
 }
 
-TEST(Script, HasTheKeysOfThePageAndAnExampleOfEach) {
+TEST(Script, HasDocumentationAndAnExampleForEveryKey) {
     std::multiset<std::string> keys;
     const std::regex row("\\| `([a-z .]+)` \\|.*");
     for (const std::string& line : linesOf(readFile(sources / "docs/simulator.md"))) {

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-/// What an exception of some work says; empty when it throws none.
+/// Runs a function and returns the message of the exception that it throws; empty if it throws none.
 template <class Work>
 std::string errorOf(Work work) try {
     work();
@@ -18,28 +18,29 @@ std::string errorOf(Work work) try {
 
 extern const std::filesystem::path simulatorFile;
 
-/// Puts the simulated library back to how it was when it was loaded, then applies a script.
-/// @throws std::runtime_error  when the script is wrong
+/// Resets the simulated library to its state after loading, then applies a script.
+/// @throws std::runtime_error  if the script is invalid
 void beginScript(const std::string& script);
 
-/// Applies a script to the simulated library as it is.
-/// @throws std::runtime_error  when the script is wrong
+/// Applies a script to the simulated library in its current state.
+/// @throws std::runtime_error  if the script is invalid
 void useScript(const std::string& script);
 
-/// A host of an SDK library that makes calls written as texts.
+/// Loads an SDK library and calls its functions as given in text form.
 class SdkHost {
 public:
     explicit SdkHost(const std::filesystem::path& file = simulatorFile) : library(file) {}
 
-    /// @param line  "GetOption SIM1 SerialNumber 5": SIM1 is the first device listed, SIM2 the second, "unknown" none;
-    ///               a buffer is its size
+    /// Calls a function.
+    /// @param line  the function and its arguments, such as "GetOption SIM1 SerialNumber 5". SIM1 is the first device
+    ///               listed, SIM2 the second, "unknown" an invalid handle; a buffer is given by its size
     /// @return the function's result
     std::int32_t call(const std::string& line);
 
-    /// What "LastErrorText" says.
+    /// Returns the value of "LastErrorText".
     std::string lastError();
 
-    /// What the last call handed out.
+    /// The output of the last call.
     std::vector<float> values;
     std::string text;
 

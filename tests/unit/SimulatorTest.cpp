@@ -1,4 +1,4 @@
-// What the sessions in Trace tests leave open: the chart, noise, times and the environment.
+// What the recorded sessions of the Trace tests don't cover: the chart, noise, the button and the environment.
 
 #include "common/CsvReader.h"
 #include "simulator/Chart.h"
@@ -45,7 +45,7 @@ protected:
 
 TEST_F(Simulator, MeasuresTheChartInOrder) {
     scanChart();
-    // Calculated once by a program of its own from the same factors and weights.
+    // Calculated from the same factors and weights by an independent program.
     const std::string published = readFile(SOURCE_FOLDER "/tests/unit/data/colorchecker24_lab.csv");
     common::CsvReader csv(published, "colorchecker24_lab.csv");
     csv.next();
@@ -59,14 +59,14 @@ TEST_F(Simulator, MeasuresTheChartInOrder) {
         }
     }
     EXPECT_EQ(host.call("SetOption SIM1 MeasurementMode ReflectanceSpot"), 0);
-    for (const float factor : {0.048F, 0.103F}) { // the chart begins anew
+    for (const float factor : {0.048F, 0.103F}) { // the chart starts over
         EXPECT_EQ(host.call("TriggerMeasurement SIM1"), 0);
-        EXPECT_EQ(host.call("TriggerMeasurement SIM1"), 0) << "what was not read is measured again";
+        EXPECT_EQ(host.call("TriggerMeasurement SIM1"), 0) << "a sample that was not read is measured again";
         EXPECT_FLOAT_EQ(read()[0], factor);
     }
 }
 
-TEST_F(Simulator, HasSlightNoise) {
+TEST_F(Simulator, AddsSlightNoise) {
     begin("{}");
     scanChart();
     double sum = 0;
@@ -83,7 +83,7 @@ TEST_F(Simulator, HasSlightNoise) {
     EXPECT_NEAR(std::sqrt(squares / 24 / 36), 0.0001, 0.00001);
 }
 
-TEST_F(Simulator, FindsTheButtonPressedAsTheScriptSays) {
+TEST_F(Simulator, PressesTheButtonAsScripted) {
     struct Case {
         std::string button;
         std::string steps;
@@ -108,7 +108,7 @@ TEST_F(Simulator, FindsTheButtonPressedAsTheScriptSays) {
     }
 }
 
-TEST_F(Simulator, AnswersNothingElseWhenTheEnvironmentIsWrong) {
+TEST_F(Simulator, FailsEveryCallWithAnInvalidEnvironment) {
     const TempFolder folder;
     const std::string file = (folder / "script.json").string();
     const std::string error = file + ": /instruments/1: a simulated serial number must begin with SIM";

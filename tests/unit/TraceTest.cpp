@@ -20,12 +20,12 @@ const std::string getDevices =
     R"({"function":"I1PRO3_GetDevices","arguments":{},"result":0,"outputs":{"count":1,"devices":["SIM1"]}})"
     "\n";
 
-/// A script with a key that names a file.
+/// Returns a script in which a key has a path as its value.
 std::string scriptWith(const std::string& key, const fs::path& file) {
     return simulator::Json{{key, file.string()}}.dump();
 }
 
-/// A trace's calls without times; the recorder's names of the devices are as the simulator's.
+/// Returns the calls of a trace without their times, and with the recorder's device names replaced by the simulator's.
 Lines callsOf(const fs::path& trace) {
     const std::regex times(R"("time":"\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{6}Z","microseconds":\d+,)");
     const std::string text = std::regex_replace(readFile(trace), times, "");
@@ -34,7 +34,7 @@ Lines callsOf(const fs::path& trace) {
     return lines;
 }
 
-/// Makes the calls of a trace.
+/// Repeats the calls of a trace.
 void play(const fs::path& trace, SdkHost& host) {
     for (const auto& [call, answer, line] : simulator::readTrace(trace).calls) {
         std::string words = std::string(simulator::signatureOf(call.function).name).substr(7);
@@ -47,7 +47,7 @@ void play(const fs::path& trace, SdkHost& host) {
 
 class Trace : public testing::Test {
 protected:
-    Trace() { I1PRO3_SimulatorUse(nullptr); } // before the environment names a trace
+    Trace() { I1PRO3_SimulatorUse(nullptr); } // before a test sets I1PRO3_TRACE
     ~Trace() override { I1PRO3_SimulatorUse(nullptr); }
 
     void replay() const { beginScript(scriptWith("replay", file)); }
@@ -59,7 +59,7 @@ protected:
 
 } // namespace
 
-/// Each file is a session: the script in its first line, and the calls and answers.
+/// Each data file is a session: a script in the first line, then calls with their results.
 TEST_F(Trace, IsTheSameFromSimulatorRecorderAndReplay) {
     const EnvironmentVariable library("I1PRO3_RECORDER_SDK", simulatorFile.string());
     const EnvironmentVariable trace("I1PRO3_RECORDER_TRACE", file.string());
@@ -94,7 +94,7 @@ TEST_F(Trace, IsTheSameFromSimulatorRecorderAndReplay) {
     }
 }
 
-TEST_F(Trace, HasTheTimesOfTheCalls) {
+TEST_F(Trace, RecordsTheTimesOfCalls) {
     beginScript(scriptWith("trace", file));
     useScript(R"({"latency": {"I1PRO3_GetDevices": 50}})");
     host.call("GetDevices");
@@ -106,7 +106,7 @@ TEST_F(Trace, HasTheTimesOfTheCalls) {
     EXPECT_TRUE(lines[0].starts_with(R"({"trace":1,"simulated":true,"library":"simulated i1Pro 3 with the Color)"));
 }
 
-TEST_F(Trace, TellsTheFirstCallThatDeparts) {
+TEST_F(Trace, ReplayReportsTheFirstDifferentCall) {
     const std::string setOption =
         R"({"function":"I1PRO3_SetOption","arguments":{"device":"SIM1","key":"K","value":"1"},"result":0})";
     writeFile(file, heading + getDevices + setOption);
@@ -116,7 +116,7 @@ TEST_F(Trace, TellsTheFirstCallThatDeparts) {
     const std::string error = "Call 2 departs from the trace " + file.string() +
                               R"(: the host called I1PRO3_SetOption {"device":"SIM1","key":"K","value":"2"})"
                               R"(, the trace has I1PRO3_SetOption {"device":"SIM1","key":"K","value":"1"} in line 3)";
-    EXPECT_EQ(host.call("SetOption SIM1 K 1"), 10) << "what was missed is not made up for";
+    EXPECT_EQ(host.call("SetOption SIM1 K 1"), 10) << "a replay doesn't recover from a difference";
     EXPECT_EQ(host.lastError(), error);
     replay();
     EXPECT_EQ(host.call("GetDevices") + host.call("SetOption SIM1 K 1"), 0);
@@ -152,7 +152,7 @@ TEST_F(Trace, RejectsMalformedLines) {
     }
 }
 
-TEST_F(Trace, LeavesEarlierOnesAlone) {
+TEST_F(Trace, DoesNotOverwriteEarlierTraces) {
     const EnvironmentVariable variable("I1PRO3_TRACE", file.string());
     for (const char* const name : {"trace.jsonl", "trace.2.jsonl", "trace.3.jsonl"}) {
         I1PRO3_SimulatorUse(nullptr);
@@ -167,7 +167,7 @@ TEST_F(Trace, LeavesEarlierOnesAlone) {
     }
 }
 
-TEST_F(Trace, OfTheRecorderTellsWhatIsMissing) {
+TEST_F(Trace, RecorderReportsMissingSettings) {
     const std::string missing = (folder / "missing" / "none").string();
     const fs::path extension = fs::path(common::moduleFileName).extension();
     const std::string plain = (common::programFolder() / "plain").replace_extension(extension).string();

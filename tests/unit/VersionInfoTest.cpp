@@ -27,7 +27,7 @@ protected:
 
 } // namespace
 
-TEST_F(VersionInfo, IsInTheModulesFile) {
+TEST_F(VersionInfo, ReadsTheModulesResource) {
     const std::string module = (common::programFolder() / common::moduleFileName).string();
     ASSERT_EQ(info.loadFromFile(module.c_str()), 1);
     EXPECT_EQ(parts(), (Numbers{0, 3, 0, 9, 5, 0}));
@@ -49,7 +49,7 @@ TEST_F(VersionInfo, IsInTheModulesFile) {
     EXPECT_NE(VerQueryValueA(block.data(), "\\StringFileInfo\\040904B0\\FileVersion", &value, &length), FALSE);
 }
 
-TEST_F(VersionInfo, TakesThePlaceOfWhatWasLoaded) {
+TEST_F(VersionInfo, ReplacesWhatWasLoadedBefore) {
     std::string otherSize = versions[1];
     --otherSize[2]; // of the fixed part
     Texts expected;
@@ -72,6 +72,6 @@ TEST_F(VersionInfo, TakesThePlaceOfWhatWasLoaded) {
     EXPECT_EQ(info.loadFromFile((folder / "no such file").string().c_str()), 0);
     ASSERT_EQ(load(versions[0]), 1);
     EXPECT_EQ(info.loadFromModule(reinterpret_cast<HMODULE>(&info)), 0);
-    EXPECT_EQ(info.loadFromModule(reinterpret_cast<HMODULE>(&common::programFolder)), 0) << "inside of a module";
-    EXPECT_EQ(texts(), expected) << "as before";
+    EXPECT_EQ(info.loadFromModule(reinterpret_cast<HMODULE>(&common::programFolder)), 0) << "not a base address";
+    EXPECT_EQ(texts(), expected) << "unchanged";
 }

@@ -1,4 +1,4 @@
-// A log file's lock, and that it stays in its process.
+// The lock of a log file, and that child processes don't inherit the file.
 
 #include "platform/LogStream.h"
 
@@ -16,7 +16,7 @@ HANDLE handleOf(std::FILE* stream) {
 
 } // namespace
 
-TEST(LogStream, WritesThoughAnotherHoldsTheLockForGood) {
+TEST(LogStream, WritesEvenIfAnotherWriterKeepsTheLock) {
     const TempFolder folder;
     const std::string path = (folder / "log").string();
     std::FILE* const stream = openLogStream(path.c_str(), "a");
@@ -29,14 +29,14 @@ TEST(LogStream, WritesThoughAnotherHoldsTheLockForGood) {
         EXPECT_EQ(appendText(stream, "line\n"), Written::all);
     }
     const auto waited = std::chrono::steady_clock::now() - begin;
-    EXPECT_GT(waited, std::chrono::milliseconds(50)) << "each line has tried to get it";
+    EXPECT_GT(waited, std::chrono::milliseconds(50)) << "each line waits for the lock first";
     EXPECT_LT(waited, std::chrono::seconds(1));
     std::fclose(other);
     std::fclose(stream);
     EXPECT_EQ(linesOf(readText(path)).size(), 10U);
 }
 
-TEST(LogStream, IsNotInherited) {
+TEST(LogStream, IsNotInheritedByChildProcesses) {
     const TempFolder folder;
     std::FILE* const stream = openLogStream((folder / "log").string().c_str(), "a");
     DWORD flags = HANDLE_FLAG_INHERIT;

@@ -8,8 +8,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// spm and the module in folders of their own, and the SDK library in a third, which is the working folder and on the
-/// path.
+/// Puts spm, the module and the SDK library in separate folders. That of the SDK library is the working folder and on
+/// the path.
 class SafeLoading : public testing::Test {
 protected:
     SafeLoading() {
@@ -42,12 +42,12 @@ protected:
 
 } // namespace
 
-TEST_F(SafeLoading, TakesTheSdkFromBesideTheModuleOnly) {
-    EXPECT_EQ(measure(), 1) << "from the working folder or the path";
+TEST_F(SafeLoading, LoadsTheSdkOnlyFromTheModulesFolder) {
+    EXPECT_EQ(measure(), 1) << "loaded from the working folder or the path";
     EXPECT_TRUE(errors().starts_with("spm: can't load the module " + module.string() + ": ")) << errors();
     EXPECT_NE(errors().find(" (error 126); "), std::string::npos) << errors();
     plant("program");
-    EXPECT_EQ(measure(), 1) << "from beside the program";
+    EXPECT_EQ(measure(), 1) << "loaded from the program's folder";
     plant("module");
     EXPECT_EQ(measure(), 0) << errors();
 }

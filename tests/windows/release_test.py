@@ -1,6 +1,6 @@
-"""The release for Windows, as files: its libraries and the archive.
+"""Tests of the files of the Windows release: the libraries and the archive.
 
-Use: release_test.py BUILD_FOLDER, that of the preset "windows"; needs pefile, cpack and Wine.
+Usage: release_test.py BUILD_FOLDER, the build folder of the preset "windows". Needs pefile, cpack and Wine.
 """
 
 import subprocess
@@ -55,14 +55,14 @@ class Library(unittest.TestCase):
             self.assertTrue(hasattr(library, "DIRECTORY_ENTRY_BASERELOC"))
             self.assertEqual(library.FILE_HEADER.TimeDateStamp, 0)
 
-    def test_tells_its_version(self):
+    def test_reports_its_version(self):
         texts = self.library.FileInfo[0][0].StringTable[0].entries
         self.assertEqual((texts[b"InternalName"], texts[b"FileVersion"]), (b"spm_i1pro3", b"5.9.0.3"))
         self.assertNotIn(b"Comments", texts)
 
 
 class StandIns(unittest.TestCase):
-    def test_say_what_they_are(self):
+    def test_describe_themselves(self):
         for file, description in [("i1Pro364.dll", b"Simulated i1Pro 3 SDK library"),
                                   ("recorder/i1Pro364.dll", b"Recorder of the calls to the i1Pro 3 SDK library")]:
             library = pefile.PE(BUILD / "bin" / file)
@@ -71,7 +71,7 @@ class StandIns(unittest.TestCase):
 
 
 class Archive(unittest.TestCase):
-    """Unpacked and used as a user does, with the settings of this Wine prefix."""
+    """Unpacks the archive and uses it as a user does, with the settings of this Wine prefix."""
 
     @classmethod
     def setUpClass(cls):
@@ -92,7 +92,7 @@ class Archive(unittest.TestCase):
         settings.write_bytes(LOGGING.format(value).encode())
         self.assertEqual(self.run_in_wine("regedit", "/S", settings).returncode, 0)
 
-    def test_holds_just_the_release(self):
+    def test_contains_only_the_release(self):
         self.assertEqual(sorted(self.files), sorted(f"{self.release.name}/{name}" for name in ARCHIVE + EXAMPLES))
 
     def test_measures_and_logs_on_the_simulator(self):

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <string_view>
 
-/// Whether two names are the same without regard to the case of ASCII letters.
-inline bool sameText(std::string_view left, std::string_view right) {
+/// Whether two texts are equal, ignoring the case of ASCII letters.
+inline bool equalIgnoringCase(std::string_view left, std::string_view right) {
     const auto lower = [](char character) {
         return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
     };
