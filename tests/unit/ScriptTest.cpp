@@ -48,7 +48,7 @@ TEST(Script, SaysWhatIsWrong) {
          ": /faults/0: I1PRO3_Calibrate has no \"size\""},
         {R"({"replay": "wrong.jsonl"})", ": /replay: " + wrong + ", line 1: not a trace; "},
         {R"({"replay": "recording.jsonl", "faults": []})",
-         ": /faults: only \"trace\" and \"latency\" may stand beside \"replay\""},
+         ": /faults: only \"trace\" and \"latency\" can be combined with \"replay\""},
     };
     for (const auto& [text, message] : cases) {
         simulator::Script script;
