@@ -27,20 +27,19 @@ Names numberedNames(std::size_t count) {
     return names;
 }
 
-/// Requires a name for each patch that is to be measured, or without a number of rows, names for whole rows.
+/// Requires a name for each patch or, if the number of rows is not given, names for whole rows.
 void requireCount(const MeasureOptions& options, std::size_t names, const std::string& source) {
     const auto inRow = static_cast<std::size_t>(options.patches);
     const bool isSpots = options.spots > 0;
-    const auto wanted = static_cast<std::size_t>(isSpots ? options.spots : options.rows * options.patches);
-    if (wanted == 0 && names % inRow != 0) {
-        throw UsageError(fmt::format("the number of patches in {} is {}, which does not make whole rows of {}; set "
-                                     "--patches to the number in a row, or correct the names",
+    const auto required = static_cast<std::size_t>(isSpots ? options.spots : options.rows * options.patches);
+    if (required == 0 && names % inRow != 0) {
+        throw UsageError(fmt::format("the number of patches in {} is {}, which is not a multiple of {}; set --patches "
+                                     "to the number of patches in a row, or correct the names",
                                      source, names, inRow));
     }
-    if (wanted != 0 && names != wanted) {
-        throw UsageError(fmt::format("the number of patches in {} is {}, but {} are to be measured; correct {} or the "
-                                     "names",
-                                     source, names, wanted, isSpots ? "--spots" : "--rows and --patches"));
+    if (required != 0 && names != required) {
+        throw UsageError(fmt::format("the number of patches in {} is {}, but should be {}; correct {} or the names",
+                                     source, names, required, isSpots ? "--spots" : "--rows and --patches"));
     }
 }
 
