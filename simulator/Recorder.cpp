@@ -48,8 +48,8 @@ private:
     std::vector<void*> addresses;
 };
 
-/// The values of a call's out-parameters before the call, to find out which ones it wrote. Reads only the first byte of
-/// a text buffer: the host may pass a size larger than its buffer.
+/// The values of a call's out-parameters before the call, to find out which ones it wrote. Of a text buffer, only the
+/// first byte is compared: the host may pass a size larger than its buffer.
 class OutputSnapshot {
 public:
     explicit OutputSnapshot(const Call& pending)

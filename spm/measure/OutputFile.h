@@ -17,7 +17,7 @@ void requireWritable(const std::filesystem::path& file);
 /// Whether two paths refer to the same file, or would after it is created.
 bool isSameFile(const std::filesystem::path& one, const std::filesystem::path& other);
 
-/// Writes to standard output without buffering.
+/// Writes to standard output and flushes it.
 /// @throws Error  with the reason
 void writeToStdout(const std::string& text);
 

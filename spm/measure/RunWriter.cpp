@@ -35,8 +35,8 @@ Format formatOf(const MeasureOptions& options) {
     if (extension == ".csv") return Format::csv;
     if (extension == ".json") return Format::json;
     if (extension == ".txt" || extension == ".cgats") return Format::cgats;
-    throw UsageError(fmt::format("the extension of {} is not that of a format; use .csv, .json or .cgats, or set the "
-                                 "format with --format",
+    throw UsageError(fmt::format("can't determine the format of {} from its extension; use .csv, .json or .cgats, or "
+                                 "--format",
                                  options.output.string()));
 }
 

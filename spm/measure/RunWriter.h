@@ -34,8 +34,8 @@ Format formatOf(const MeasureOptions& options);
 /// Holds the run's data and saves it as it grows.
 class RunWriter {
 public:
-    /// @param measureOptions and userPrompter  must outlive the writer
-    /// @param initialRun                       has all patches of the chart
+    /// The options and the prompter must outlive the writer.
+    /// @param initialRun  has all patches of the chart
     RunWriter(const MeasureOptions& measureOptions, const Prompter& userPrompter, Run initialRun);
 
     std::span<Reading> patches(const Strip& strip);

@@ -9,7 +9,7 @@
 
 namespace spm {
 
-/// A line at the bottom of the terminal that shows, during its lifetime, whether spm is waiting for the button or the
+/// A line on the terminal that shows, during the object's lifetime, whether spm is waiting for the button or the
 /// instrument is measuring. A thread updates it: a module call that finds the button pressed blocks until the
 /// measurement is done.
 class StatusLine {

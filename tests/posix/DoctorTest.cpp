@@ -37,21 +37,20 @@ TEST(DoctorOnPosix, ChecksTheSdkLibraryThatTheLoaderFinds) {
     const TempFolder folder;
     const EnvironmentVariable path("LD_LIBRARY_PATH", "/missing:" + (folder / "").string());
     const fs::path sdk = folder / common::sdkFileName;
-    const fs::path beside = common::programFolder() / common::sdkFileName;
+    const fs::path built = common::programFolder() / common::sdkFileName;
     const auto spm = [&](const std::string& command) {
         run(common::programFolder() / "spm", {command}, {folder / "out", folder / "err"});
         return readText(folder / "out") + readText(folder / "err");
     };
-    fs::copy_file(beside, sdk);
-    EXPECT_NE(spm("doctor").find("loaded because of LD_LIBRARY_PATH, instead of " + beside.string()),
-              std::string::npos);
+    fs::copy_file(built, sdk);
+    EXPECT_NE(spm("doctor").find("loaded because of LD_LIBRARY_PATH, instead of " + built.string()), std::string::npos);
     fs::resize_file(sdk, fs::file_size(sdk) / 2);
     EXPECT_NE(spm("doctor").find("WRONG  SDK library  can't load " + sdk.string() + ": it is cut short"),
               std::string::npos);
     EXPECT_NE(spm("measure").find("can't load the SDK library " + sdk.string() + ": it is cut short"),
               std::string::npos);
-    writeFile(sdk, readFile(beside).replace(4, 1, "\1"));
-    EXPECT_NE(spm("doctor").find("note   SDK library  " + beside.string()), std::string::npos) << "32 bits are skipped";
+    writeFile(sdk, readFile(built).replace(4, 1, "\1"));
+    EXPECT_NE(spm("doctor").find("note   SDK library  " + built.string()), std::string::npos) << "32 bits are skipped";
 }
 
 TEST(DoctorOnPosix, ReportsAnUnreadableLibrary) {

@@ -194,7 +194,7 @@ TEST_F(Spm, ReportsTheCauseOfEachFailure) {
         {{"--patches", "1"}, 2, "--patches"},
         {{"--names", "a,b", "--spots", "1"}, 2, "--names is 2, but should be 1; "},
         {{"--spots", "2", "--rows", "2"}, 2, "--spots"},
-        {{"--output", "/tmp/values"}, 2, "the extension of /tmp/values is not that of a format; "},
+        {{"--output", "/tmp/values"}, 2, "can't determine the format of /tmp/values from its extension; "},
         {{"--format", "xml"}, 2, "--format"},
         {{"--report", file("missing/page")}, 1, "page: No such file or directory; choose another file"},
         {{"--report", place}, 1, "can't write " + place + ": it is not a regular file; choose another file"},
