@@ -38,7 +38,7 @@ std::optional<std::string> findBetterFit(std::span<const Reading> readings, cons
     const double mean = meanDifference(readings, patchesOf(strip), reference);
     if (mean <= largestGoodMean || mean == std::numeric_limits<double>::infinity()) return std::nullopt;
     const std::vector<Reading> reversed(readings.rbegin(), readings.rend());
-    Candidate best{mean / 2, ""};
+    Candidate best{mean / 2, ""}; // only a clearly better strip counts
     for (const Strip& other : strips) {
         const std::span<const Reading> patches = patchesOf(other);
         const double forward = meanDifference(readings, patches, reference);

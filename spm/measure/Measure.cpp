@@ -106,7 +106,7 @@ void loadEarlierRun(Run& run, const std::filesystem::path& file) {
         place =
             std::find_if(place, run.readings.end(), [&](const Reading& patch) { return patch.name == earlier.name; });
         if (place == run.readings.end()) {
-            throw UsageError(fmt::format("{} has the patch \"{}\", which this chart does not have, or in another "
+            throw UsageError(fmt::format("{} has the patch \"{}\", which this chart does not have in that "
                                          "place; use the chart and the options of that run",
                                          file.string(), common::printable(earlier.name)));
         }
