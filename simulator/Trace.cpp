@@ -114,7 +114,7 @@ void requireMatchingOutputs(const Json& json, const Call& call, const Answer& an
     const bool hasList = hasParameter(call.function, "list");
     const bool hasBuffer = hasParameter(call.function, "buffer");
     if (((answer.count || answer.devices) && !hasList) || ((answer.size || answer.text) && !hasBuffer)) {
-        throw ValueError(json, fmt::format("{} has other outputs", signatureOf(call.function).name));
+        throw ValueError(json, fmt::format("{} does not have these outputs", signatureOf(call.function).name));
     }
     const std::size_t expected = numberOfValues(call.function);
     if (!answer.values.empty() && answer.values.size() != expected) {
@@ -122,7 +122,7 @@ void requireMatchingOutputs(const Json& json, const Call& call, const Answer& an
     }
     const bool hasDevices = answer.devices && !answer.devices->empty();
     if (hasDevices && answer.count != answer.devices->size()) {
-        throw ValueError(json, R"("count" is not that of the "devices")");
+        throw ValueError(json, R"("count" is not the number of "devices")");
     }
 }
 
@@ -190,7 +190,7 @@ Recording readTrace(const std::filesystem::path& path) {
             if (number > 1) {
                 recording.calls.push_back(readCall(json, number));
             } else if (!json.is_object() || json.value("trace", Json()) != version) {
-                throw ValueError(json, "not a trace; the first line of one begins with {\"trace\":1");
+                throw ValueError(json, "not a trace; the first line must start with {\"trace\":1");
             }
         } catch (const Json::exception& error) {
             throw errorIn(fmt::format("{}, line {}", recording.fileName, number), error);
