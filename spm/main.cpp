@@ -17,7 +17,6 @@
 
 namespace {
 
-constexpr int failed = EXIT_FAILURE;
 constexpr int usageError = 2;
 
 constexpr const char* measureHelp =
@@ -117,7 +116,7 @@ void addMeasure(CLI::App& app, spm::MeasureOptions& options) {
     measure->footer(measureHelp);
     addModule(*measure, options.module);
     auto* const rows = measure->add_option("--rows", options.rows, "rows of the chart");
-    auto* const patches = measure->add_option("--patches", options.patches, "patches in a row");
+    auto* const patches = measure->add_option("--patches", options.patchesInRow, "patches in a row");
     rows->check(CLI::Range(1, 1000))->option_text("1..1000 (default: as the number of names requires, or 4)");
     patches->check(CLI::Range(2, 1000))->option_text("2..1000 (default: 6)");
     measure->add_option("--spots", options.spots, "measure this many spots instead of rows")
@@ -155,7 +154,7 @@ void addMeasure(CLI::App& app, spm::MeasureOptions& options) {
 int diagnose(const std::filesystem::path& module) {
     const std::vector<spm::Finding> findings = spm::examine(module);
     spm::writeToStdout(spm::formatFindings(findings, spm::colourDepth(spm::isTerminal(stdout))));
-    return spm::isReady(findings) ? EXIT_SUCCESS : failed;
+    return spm::isReady(findings) ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
 int list(const std::filesystem::path& file) {
@@ -210,7 +209,7 @@ int run(std::vector<std::string> arguments) {
         throw unknownName(app);
     } catch (const CLI::ParseError& error) {
         const bool isHelp = app.exit(error) == 0;
-        if (!std::cout.flush()) return failed;
+        if (!std::cout.flush()) return EXIT_FAILURE;
         return isHelp ? EXIT_SUCCESS : usageError;
     }
     if (isListWanted) return list(module);
@@ -232,6 +231,6 @@ int main(int argc, char** argv) {
     } catch (const spm::UsageError& error) {
         return report(error, usageError);
     } catch (const std::exception& error) {
-        return report(error, failed);
+        return report(error, EXIT_FAILURE);
     }
 }

@@ -122,7 +122,7 @@ Run prepareRun(const Module& module, const MeasureOptions& options, const std::v
     run.simulation = module.simulation();
     run.conditions = options.conditions;
     run.withXyz = options.withXyz;
-    run.patchesInRow = options.spots > 0 ? 0 : options.patches;
+    run.patchesInRow = options.spots > 0 ? 0 : options.patchesInRow;
     std::ranges::transform(names, std::back_inserter(run.readings), [](const std::string& name) {
         return Reading{name, {}, {}};
     });
@@ -157,7 +157,7 @@ Outcome measure(const MeasureOptions& requested) {
     checkOutputFiles(requested);
     const std::vector<std::string> names = patchNames(requested);
     MeasureOptions options = requested;
-    options.rows = static_cast<std::int32_t>(names.size()) / options.patches;
+    options.rows = static_cast<std::int32_t>(names.size()) / options.patchesInRow;
     if (static_cast<std::size_t>(options.firstRow) > stripsOf(options).size()) {
         throw UsageError(fmt::format("--first-row is {}, but there are only {} rows or spots", options.firstRow,
                                      stripsOf(options).size()));

@@ -17,10 +17,9 @@ struct MeasureOptions {
     /// The patch names, or a file that contains them.
     std::vector<std::string> names;
     std::filesystem::path chart;
-    /// 0 for as many rows as the names fill, or 4 without names.
+    /// The number of rows; 0 for as many as the names fill, or 4 without names.
     std::int32_t rows = 0;
-    /// The number of patches in a row.
-    std::int32_t patches = 6;
+    std::int32_t patchesInRow = 6;
     /// The number of spots to measure instead of rows; 0 for rows.
     std::int32_t spots = 0;
     /// The row or spot to start with, from 1. Values of earlier ones are read from the output file if it exists.

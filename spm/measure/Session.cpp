@@ -39,7 +39,7 @@ std::string instruction(std::span<const Reading> patches) {
 std::vector<Strip> stripsOf(const MeasureOptions& options) {
     const bool isSpots = options.spots > 0;
     const std::int32_t strips = isSpots ? options.spots : options.rows;
-    const std::int32_t count = isSpots ? 1 : options.patches;
+    const std::int32_t count = isSpots ? 1 : options.patchesInRow;
     std::vector<Strip> all;
     all.reserve(static_cast<std::size_t>(strips));
     for (std::int32_t i = 0; i < strips; ++i) {
