@@ -4,7 +4,7 @@
 #include <utility>
 
 Table::Table(std::vector<Row> allRows) : rows(std::move(allRows)) {
-    std::map<std::string, Row::Function> functions; // an operation may be in several rows
+    std::map<std::string, Row::Function> functions; // several rows can share an operation
     for (const Row& row : rows) {
         functions[row.name] = row.operation;
         if (row.reference != nullptr) functions[row.referenceName] = row.reference;

@@ -5,20 +5,20 @@
 #include <string>
 #include <vector>
 
-/// An operation of the module, and the least that could be done in its place.
+/// An operation of the module and a reference: the minimum that does the same job.
 struct Row {
     using Function = void (*)();
 
     const char* name;
     Function operation;
-    /// What the operation is compared with; null for nothing.
+    /// Null if there is nothing to compare with.
     const char* referenceName = nullptr;
     Function reference = nullptr;
-    /// How many times the reference's time the operation may take.
+    /// The largest accepted ratio of the operation's time to the reference's.
     double limit = 0;
 };
 
-/// Measures the operations and references of all rows, and prints the rows with the medians of the repetitions.
+/// Benchmarks the operations and references of all rows, and prints the rows with the medians of the repetitions.
 class Table : public benchmark::BenchmarkReporter {
 public:
     explicit Table(std::vector<Row> rows);

@@ -1,6 +1,6 @@
-// Does one thing so many times, for counting the instructions that it takes: reads a row of 24 patches over an SDK
-// library that does nothing, or writes a line to the log through the hub.
-// Use: instructions read|readSpectrum|log TIMES
+// Repeats one operation so that its instructions can be counted: reads a row of 24 patches from a null SDK library, or
+// writes a line to the log through the hub.
+// Usage: instructions read|readSpectrum|log TIMES
 
 #include "cap/CAPLoggingFile.h"
 #include "cap/CAPLoggingHandler.h"
@@ -55,10 +55,10 @@ bool logLines(long times) {
 
 int main(int argc, char** argv) {
     if (argc != 3) return 2;
-    const std::string_view what = argv[1];
+    const std::string_view operation = argv[1];
     const long times = std::strtol(argv[2], nullptr, 10);
-    if (what == "read") return readValues(times) ? 0 : 1;
-    if (what == "readSpectrum") return readSpectra(times) ? 0 : 1;
-    if (what == "log") return logLines(times) ? 0 : 1;
+    if (operation == "read") return readValues(times) ? 0 : 1;
+    if (operation == "readSpectrum") return readSpectra(times) ? 0 : 1;
+    if (operation == "log") return logLines(times) ? 0 : 1;
     return 2;
 }

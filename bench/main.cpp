@@ -1,6 +1,6 @@
-// What the module's operations cost, each beside the least that it could: the bare calls of the SDK library, one write
-// of the same log line, a line of spdlog's. Both sides run in one process and in turns, so that their ratio hardly
-// depends on the machine. The SDK library does nothing: what is left of a call is the module's own part.
+// Benchmarks the module's operations, each against a minimum: the bare SDK calls, a single write of the same log line,
+// a log line through spdlog. Both run interleaved in one process, so that their ratio hardly depends on the machine.
+// The SDK library is a null implementation: the time of a call is the module's own.
 
 #include "bench/Table.h"
 #include "common/System.h"
@@ -28,7 +28,7 @@ void requireSuccess(std::int32_t result) {
     require(result == 0, "the SDK library failed");
 }
 
-// Readings of a row of patches
+// Reading a row of patches
 
 constexpr std::int32_t patches = 24;
 
@@ -92,9 +92,9 @@ void callForSpectra() {
     }
 }
 
-// Lines of the log
+// Logging a line
 
-/// A host's listener: without one the module logs nothing.
+/// The module logs only while a listener is attached.
 class Listener : public ICAPLoggingListener {
     void HandleMessage(ICAPLoggingSource* /*source*/, const ICAPLoggingMessage& /*message*/) override {}
 };
@@ -105,7 +105,7 @@ std::string line;
 int file = -1;
 std::shared_ptr<spdlog::logger> logger;
 
-/// Logs a line: closing an object that was never opened does nothing else.
+/// Closing an object that was never opened only logs a line.
 void logLine() {
     SPM_close(logging);
 }
@@ -118,7 +118,7 @@ void logLineWithSpdlog() {
     logger->debug("close");
 }
 
-/// All three logs are in one folder, the module's, for the sake of its file system.
+/// Puts all three logs into the module's folder, so that they are on the same file system.
 void prepareLogLines(const fs::path& folder) {
     logging = SPM_create();
     logging->AddListener(&listener);
@@ -136,7 +136,7 @@ void prepareLogLines(const fs::path& folder) {
     logger->flush_on(spdlog::level::debug);
 }
 
-// The rest
+// Other operations
 
 void createAndDestroy() {
     SPM_destroy(SPM_create());

@@ -25,7 +25,7 @@ const Signature& signatureOf(Function function) {
     return signatures[static_cast<std::size_t>(function)];
 }
 
-bool takes(Function function, std::string_view parameter) {
+bool hasParameter(Function function, std::string_view parameter) {
     const auto& parameters = signatureOf(function).parameters;
     return std::find(parameters.begin(), parameters.end(), parameter) != parameters.end();
 }
@@ -58,8 +58,8 @@ bool Call::hasArgument(const std::string& value) const {
     });
 }
 
-std::uint32_t Call::room() const {
-    const bool hasBuffer = takes(function, "buffer") && !arguments.contains("buffer");
+std::uint32_t Call::bufferSize() const {
+    const bool hasBuffer = hasParameter(function, "buffer") && !arguments.contains("buffer");
     return hasBuffer && arguments.at("size").is_number() ? arguments.at("size").get<std::uint32_t>() : 0;
 }
 
@@ -70,11 +70,11 @@ const char* Call::nullArgument() const {
     return nullptr;
 }
 
-std::string Call::shown() const {
+std::string Call::describe() const {
     return std::string(signatureOf(function).name) + ' ' + arguments.dump();
 }
 
-void handOut(const Answer& answer, const Call& call) {
+void writeOutputs(const Answer& answer, const Call& call) {
     if (answer.text && call.buffer != nullptr && call.size != nullptr) {
         const std::size_t length = answer.text->size() + (answer.isTerminated ? 1 : 0);
         std::copy_n(answer.text->c_str(), std::min<std::size_t>(length, *call.size), call.buffer);

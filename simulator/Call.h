@@ -1,6 +1,6 @@
 #pragma once
 
-// A call of one of the fourteen functions, and its answer.
+// A call of one of the SDK library's fourteen functions, and the answer to it.
 
 #include "i1pro3/I1PRO3_SDK.h"
 #include "simulator/Json.h"
@@ -41,48 +41,50 @@ struct Signature {
 extern const std::array<Signature, 14> signatures;
 
 const Signature& signatureOf(Function function);
-bool takes(Function function, std::string_view parameter);
-/// How many values a function hands out.
+bool hasParameter(Function function, std::string_view parameter);
+/// The number of floats that a function writes to its out-parameter "values".
 std::size_t numberOfValues(Function function);
-/// The function that a JSON text names.
-/// @throws Json::exception
+
+/// The function named by a JSON string.
+/// @throws Json::exception  if there is no such function
 Function functionNamed(const Json& json);
+/// @param place  the JSON value that the error message points to
 Function functionNamed(const Json& place, const std::string& name);
 
 struct Call {
-    /// An argument as a text; a device by its name.
+    /// The string argument of this name; for a device, the device's name.
     std::string text(const char* argument) const;
-    /// Whether an argument is this text or number; "null" for a null address.
+    /// Whether any argument has this value; "null" stands for a null pointer.
     bool hasArgument(const std::string& value) const;
-    /// How many bytes a text may have, its NUL included; 0 without a buffer.
-    std::uint32_t room() const;
-    /// The name of an argument that is null; null when there is none.
+    /// The size of the text buffer in bytes; 0 if there is none.
+    std::uint32_t bufferSize() const;
+    /// The name of the first argument that is null; null if none is.
     const char* nullArgument() const;
-    /// As messages show it: the function and its arguments.
-    std::string shown() const;
+    /// The function and its arguments, for messages.
+    std::string describe() const;
 
     Function function{};
-    /// By name, in the order of the call: a device by its name, a buffer by its size. Addresses are left out, except
-    /// that null ones are null.
+    /// The arguments by name, in the order of the call: devices by name, buffers by size. Pointers are omitted unless
+    /// they are null.
     Json arguments = Json::object();
 
-    // Where the host wants the outputs, if this is a host's call.
+    // The host's out-parameters; null in a call that was read from a trace.
     I1PRO3_DeviceHandle** list = nullptr;
     std::uint32_t* count = nullptr;
     char* buffer = nullptr;
     std::uint32_t* size = nullptr;
     float* values = nullptr;
-    /// Makes the host's call to another library's function, at this address.
-    std::function<std::int32_t(void*)> passOn{};
+    /// Calls the function at this address with the host's arguments.
+    std::function<std::int32_t(void*)> forward{};
 };
 
-/// What "LastErrorText" and "LastErrorNumber" say of a failure.
+/// The values of "LastErrorText" and "LastErrorNumber" after a failure.
 struct ErrorReport {
     std::string text;
     std::string number;
 };
 
-/// How a call ends. What is not set stays as it was.
+/// The result and outputs of a call. An output that isn't set leaves the host's variable unchanged.
 struct Answer {
     std::int32_t result = 0;
     std::optional<std::uint32_t> count{};
@@ -90,24 +92,26 @@ struct Answer {
     std::optional<std::vector<std::string>> devices{};
     std::optional<std::uint32_t> size{};
     std::optional<std::string> text{};
-    /// Whether a NUL follows the text.
+    /// Whether the text ends with a NUL.
     bool isTerminated = true;
     std::vector<float> values{};
-    /// What the function throws in place of a result.
+    /// The message of the exception that the function throws instead of returning.
     std::optional<std::string> exception{};
-    /// Whether it throws as a library of Visual C++ does.
+    /// Whether the exception is one of Visual C++'s, see common::throwForeign.
     bool isForeign = false;
     std::optional<ErrorReport> error{};
 };
 
-/// Writes an answer's outputs, all but the list of devices, where the host wants them; a text is cut to the buffer's
-/// size.
-void handOut(const Answer& answer, const Call& call);
+/// Writes an answer's outputs, except the list of devices, to the call's out-parameters. Truncates the text to the
+/// buffer's size.
+void writeOutputs(const Answer& answer, const Call& call);
 
-/// The device's name in calls; "unknown" when it is none. Each library that has the fourteen functions defines it ...
+// Functions.cpp calls these two; the simulated SDK library and the recorder each define them.
+
+/// The device's name in Call::arguments; "unknown" if the handle is invalid.
 std::string nameOf(I1PRO3_DeviceHandle device);
 
-/// ... and this, which performs a host's call.
+/// Executes a host's call and returns the function's result.
 std::int32_t perform(const Call& call);
 
 } // namespace simulator

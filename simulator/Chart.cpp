@@ -12,24 +12,24 @@ namespace {
 
 using Fields = common::CsvReader::Fields;
 
-/// The fields of the next line, as many as belong there; none at the end.
-std::optional<Fields> nextLine(common::CsvReader& csv, std::size_t width) {
+/// The next record, which must have this many fields; none at the end.
+std::optional<Fields> nextRecord(common::CsvReader& csv, std::size_t width) {
     std::optional<Fields> fields = csv.next();
     if (fields && fields->size() != width) csv.fail(fmt::format("{} fields; expected {}", fields->size(), width));
     return fields;
 }
 
-double numberUpTo(int most, const std::string& field, const common::CsvReader& csv) {
+double parseNumber(const std::string& field, int maximum, const common::CsvReader& csv) {
     double value = 0;
     const char* const end = field.data() + field.size();
     const auto [stop, error] = std::from_chars(field.data(), end, value);
-    if (error != std::errc{} || stop != end || !(value >= 0 && value <= most)) {
-        csv.fail(fmt::format("\"{}\" is not a number from 0 to {}", field, most));
+    if (error != std::errc{} || stop != end || !(value >= 0 && value <= maximum)) {
+        csv.fail(fmt::format("\"{}\" is not a number from 0 to {}", field, maximum));
     }
     return value;
 }
 
-void expectWavelength(std::size_t index, const std::string& field, const common::CsvReader& csv) {
+void requireWavelength(std::size_t index, const std::string& field, const common::CsvReader& csv) {
     const auto wavelength = std::to_string(I1PRO3_FIRST_WAVELENGTH + I1PRO3_WAVELENGTH_STEP * index);
     if (field != wavelength) csv.fail(fmt::format("\"{}\" is not the wavelength {}", field, wavelength));
 }
@@ -40,15 +40,15 @@ std::vector<Patch> parseChart(std::string_view text, const std::string& what) {
     common::requireUtf8(text, what);
     common::CsvReader csv(text, what);
     constexpr std::size_t width = 1 + I1PRO3_NUMBER_OF_REFLECTIONS;
-    const Fields header = nextLine(csv, width).value_or(Fields());
+    const Fields header = nextRecord(csv, width).value_or(Fields());
     for (std::size_t i = 1; i < header.size(); ++i) {
-        expectWavelength(i - 1, header[i], csv);
+        requireWavelength(i - 1, header[i], csv);
     }
     std::vector<Patch> patches;
-    while (const std::optional<Fields> fields = nextLine(csv, width)) {
+    while (const std::optional<Fields> fields = nextRecord(csv, width)) {
         Patch& patch = patches.emplace_back(Patch{fields->front(), {}});
         for (std::size_t i = 1; i < width; ++i) {
-            patch.reflectance[i - 1] = numberUpTo(2, (*fields)[i], csv);
+            patch.reflectance[i - 1] = parseNumber((*fields)[i], 2, csv);
         }
     }
     if (patches.empty()) csv.fail("there are no patches");
@@ -58,13 +58,13 @@ std::vector<Patch> parseChart(std::string_view text, const std::string& what) {
 Weights parseWeights(std::string_view text) {
     common::CsvReader csv(text, "the weights");
     constexpr std::size_t width = 4;
-    nextLine(csv, width);
+    nextRecord(csv, width); // the header
     Weights weights{};
     for (std::size_t i = 0; i < weights.size(); ++i) {
-        const Fields fields = nextLine(csv, width).value_or(Fields(width));
-        expectWavelength(i, fields[0], csv);
-        weights[i] = {numberUpTo(100, fields[1], csv), numberUpTo(100, fields[2], csv),
-                      numberUpTo(100, fields[3], csv)};
+        const Fields fields = nextRecord(csv, width).value_or(Fields(width));
+        requireWavelength(i, fields[0], csv);
+        weights[i] = {parseNumber(fields[1], 100, csv), parseNumber(fields[2], 100, csv),
+                      parseNumber(fields[3], 100, csv)};
     }
     return weights;
 }

@@ -17,7 +17,8 @@ struct Patch {
     Reflectance reflectance;
 };
 
-/// What a wavelength contributes to X, Y and Z of a perfect diffuser under an illuminant, for an observer.
+/// The contribution of one wavelength to the tristimulus values of the perfect diffuser, for one illuminant and
+/// observer.
 struct Weight {
     double x;
     double y;
@@ -25,13 +26,13 @@ struct Weight {
 };
 using Weights = std::array<Weight, I1PRO3_NUMBER_OF_REFLECTIONS>;
 
-/// The patches of a chart in reading order, at least one.
+/// Parses a chart of at least one patch, in reading order.
 /// @param text  a header line with the wavelengths, then a line per patch: its name and its factors from 0 to 2
-/// @param what  what the text is, as errors tell it: "the chart chart.csv"
-/// @throws common::CsvError
+/// @param what  the name of the text in error messages, such as "the chart chart.csv"
+/// @throws common::CsvError or common::TextError  with the line and the reason
 std::vector<Patch> parseChart(std::string_view text, const std::string& what);
 
-/// @param text  a header line, then a line per wavelength: its number in nm, x, y, z
+/// @param text  a header line, then a line per wavelength: the wavelength in nm, x, y, z
 /// @throws common::CsvError
 Weights parseWeights(std::string_view text);
 
@@ -39,8 +40,8 @@ Weights parseWeights(std::string_view text);
 /// published by the Munsell Color Science Laboratory; also in ISO 17321-1.
 extern const std::string_view colorCheckerCsv;
 
-/// Weights for illuminant D65 and the CIE 1964 10 degree observer, from the CIE tables at 10 nm. What lies outside
-/// 380 nm to 730 nm is in the first and last; the y weights sum to 100.
+/// Weights for illuminant D65 and the CIE 1964 10 degree observer, from the CIE tables at 10 nm. The first and last
+/// weights include those below 380 nm and above 730 nm; the y weights sum to 100.
 extern const std::string_view d65TenDegreeCsv;
 
 } // namespace simulator

@@ -6,7 +6,7 @@ namespace simulator {
 
 namespace {
 
-double lightnessFunction(double ratio) {
+double labFunction(double ratio) {
     constexpr double limit = 24.0 / 116.0;
     if (ratio > limit * limit * limit) return std::cbrt(ratio);
     return 841.0 / 108.0 * ratio + 16.0 / 116.0;
@@ -29,9 +29,9 @@ Lab cieLab(const Reflectance& reflectance, const Weights& weights) {
     diffuser.fill(1.0);
     const Weight white = weightedSum(diffuser, weights);
     const Weight sample = weightedSum(reflectance, weights);
-    const double x = lightnessFunction(sample.x / white.x);
-    const double y = lightnessFunction(sample.y / white.y);
-    const double z = lightnessFunction(sample.z / white.z);
+    const double x = labFunction(sample.x / white.x);
+    const double y = labFunction(sample.y / white.y);
+    const double z = labFunction(sample.z / white.z);
     return {116.0 * y - 16.0, 500.0 * (x - y), 200.0 * (y - z)};
 }
 

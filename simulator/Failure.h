@@ -6,7 +6,8 @@
 
 namespace simulator {
 
-/// What the functions answer when they fail. I1PRO3_GetNumberOfAvailableSamples answers the negative number.
+/// The functions' results when they fail. I1PRO3_GetNumberOfAvailableSamples, whose positive results are counts,
+/// returns the negated code.
 enum class ErrorCode : std::int32_t {
     invalidDevice = 1,
     deviceNotOpen = 2,
@@ -17,11 +18,11 @@ enum class ErrorCode : std::int32_t {
     noSample = 7,
     unplugged = 8,
     invalidSetup = 9,
-    departure = 10,
+    replayMismatch = 10,
     notCalibrated = I1PRO3_NOT_CALIBRATED,
 };
 
-/// A failure of a function, with its text for "LastErrorText".
+/// A failed call; what() is its "LastErrorText".
 class SdkError : public std::runtime_error {
 public:
     SdkError(ErrorCode errorCode, const std::string& text) : std::runtime_error(text), code(errorCode) {}
@@ -29,15 +30,16 @@ public:
     const ErrorCode code;
 };
 
+/// The answer to a call that fails with this code and "LastErrorText".
 Answer failureOf(const Call& call, ErrorCode code, const std::string& text);
 
-/// Hands out a text; where it does not fit, only the size that it needs.
+/// Returns a text in the call's buffer. If the buffer is too small, the answer is a failure with the required size.
 Answer textAnswer(const Call& call, const std::string& text);
 
-/// Fails in each call, and tells why when it is asked.
-class LastingFailure {
+/// A failure that every call reports, except those that ask for the last error: they get its text and number.
+class PermanentFailure {
 public:
-    LastingFailure(ErrorCode errorCode, std::string errorText) : code(errorCode), text(std::move(errorText)) {}
+    PermanentFailure(ErrorCode errorCode, std::string errorText) : code(errorCode), text(std::move(errorText)) {}
 
     Answer answer(const Call& call) const;
 

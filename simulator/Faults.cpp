@@ -4,16 +4,17 @@ namespace simulator {
 
 namespace {
 
-/// Whether the fault is for a call; counts the call.
-bool isFor(Fault& fault, const Call& call) {
+/// Counts the call if it matches the fault.
+/// @return whether the fault applies to it
+bool countAndTest(Fault& fault, const Call& call) {
     if (fault.function && fault.function != call.function) return false;
     if (!fault.key.empty() && !call.hasArgument(fault.key)) return false;
-    ++fault.seen;
-    return fault.seen >= fault.call && (!fault.times || fault.seen - fault.call < *fault.times);
+    ++fault.matches;
+    return fault.matches >= fault.call && (!fault.times || fault.matches - fault.call < *fault.times);
 }
 
-/// A fault's answer as the call can have it.
-Answer fitted(const Fault& fault, const Call& call) {
+/// The fault's answer, without the outputs that the call's function doesn't have.
+Answer adaptAnswer(const Fault& fault, const Call& call) {
     Answer answer = fault.answer;
     if (answer.exception) return {.exception = answer.exception, .isForeign = answer.isForeign};
     if (answer.result != 0) {
@@ -25,10 +26,10 @@ Answer fitted(const Fault& fault, const Call& call) {
         answer.count = answer.size;
         answer.devices.emplace();
     }
-    if (!takes(call.function, "size")) answer.size.reset();
-    if (call.room() == 0) answer.text.reset();
+    if (!hasParameter(call.function, "size")) answer.size.reset();
+    if (call.bufferSize() == 0) answer.text.reset();
     if (answer.text) {
-        answer.text = answer.text->substr(0, call.room());
+        answer.text = answer.text->substr(0, call.bufferSize());
         answer.isTerminated = false;
     }
     return answer;
@@ -38,10 +39,10 @@ Answer fitted(const Fault& fault, const Call& call) {
 
 std::optional<Answer> answerOf(std::vector<Fault>& faults, const Call& call) {
     const Fault* found = nullptr;
-    for (Fault& fault : faults) { // each counts its calls
-        if (isFor(fault, call) && found == nullptr) found = &fault;
+    for (Fault& fault : faults) {
+        if (countAndTest(fault, call) && found == nullptr) found = &fault;
     }
-    return found != nullptr ? std::optional(fitted(*found, call)) : std::nullopt;
+    return found != nullptr ? std::optional(adaptAnswer(*found, call)) : std::nullopt;
 }
 
 } // namespace simulator

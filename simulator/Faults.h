@@ -4,26 +4,26 @@
 
 namespace simulator {
 
-/// An answer in place of the simulated one, and the calls that it is for.
+/// Replaces the simulated answer to certain calls.
 struct Fault {
-    /// Calls of this function, with this argument; empty: of any, with any ...
+    /// The function and an argument that a call must have to match; unset and empty match every call.
     std::optional<Function> function{};
     std::string key{};
-    /// ... from this of them on, and so many; none: all.
+    /// The first matching call to fail, counted from 1, and how many fail; without a value, all later ones.
     std::uint32_t call = 1;
     std::optional<std::uint32_t> times = 1;
 
-    /// For I1PRO3_GetDevices, the size is the count. No NUL follows the text.
+    /// For I1PRO3_GetDevices, the size is the device count. The text is not NUL-terminated.
     Answer answer{};
-    /// What "LastErrorText" and "LastErrorNumber" say when the result is not 0.
+    /// "LastErrorText" and "LastErrorNumber" if the result is not 0.
     std::optional<std::string> errorText{};
     std::optional<std::string> errorNumber{};
 
-    /// How many of these calls were made.
-    std::uint32_t seen = 0;
+    /// The number of matching calls so far.
+    std::uint32_t matches = 0;
 };
 
-/// The answer of the first fault that is for the call; none when no fault is.
+/// The answer of the first fault that applies to the call, if any. Counts the call for every fault that it matches.
 std::optional<Answer> answerOf(std::vector<Fault>& faults, const Call& call);
 
 } // namespace simulator

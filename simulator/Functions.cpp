@@ -1,4 +1,5 @@
-// The library's fourteen functions: each makes a Call of what it was called with.
+// The SDK library's fourteen exported functions. Each packs its arguments into a Call and passes it to perform(), so
+// that the simulator and the recorder share them.
 
 #include "simulator/Call.h"
 
@@ -30,21 +31,21 @@ void add(Call& call, const std::string& name, std::uint32_t* number) {
 }
 
 template <class Element>
-void addAddress(Call& call, const std::string& name, Element* address, Element*& wanted) {
+void addOutput(Call& call, const std::string& name, Element* address, Element*& output) {
     if (address == nullptr) call.arguments[name] = nullptr;
-    wanted = address;
+    output = address;
 }
 
 void add(Call& call, const std::string& name, I1PRO3_DeviceHandle** list) {
-    addAddress(call, name, list, call.list);
+    addOutput(call, name, list, call.list);
 }
 
 void add(Call& call, const std::string& name, char* buffer) {
-    addAddress(call, name, buffer, call.buffer);
+    addOutput(call, name, buffer, call.buffer);
 }
 
 void add(Call& call, const std::string& name, float* values) {
-    addAddress(call, name, values, call.values);
+    addOutput(call, name, values, call.values);
 }
 
 template <class... Arguments>
@@ -52,7 +53,7 @@ std::int32_t perform(Function function, Arguments... arguments) {
     Call call{.function = function};
     const auto* name = simulator::signatureOf(function).parameters.begin();
     (add(call, std::string(*name++), arguments), ...);
-    call.passOn = [=](void* address) {
+    call.forward = [=](void* address) {
         return reinterpret_cast<std::int32_t (*)(Arguments...)>(address)(arguments...);
     };
     return simulator::perform(call);

@@ -1,24 +1,27 @@
 #pragma once
 
-// What the simulated SDK library exports beside the vendor's functions, for tests and for hosts in any language.
+// Functions that the simulated SDK library exports in addition to the vendor's, for tests and for hosts in any
+// language.
 
 #ifdef __cplusplus
 extern "C" {
 #endif
 
-/** Applies a script, a JSON text as docs/simulator.md describes it: what it names is set, its faults take the place of
- * all earlier ones, and all else stays as it is. Other instruments than before are new ones; a serial number keeps its
- *  handle. Files that the script names are found in the working folder.
+/** Applies a script while the library is in use. Only the settings named in the script change; its faults replace all
+ *  earlier ones. If the list of instruments changes, all instruments start anew, but a serial number keeps its handle.
  *
- *  Null puts everything back to how it was when the library was loaded, and reads the environment anew.
- *
- *  @return null, or what is wrong, a text that is valid until the next call of this function; a script that is wrong
- *          changes nothing
+ *  @param script  JSON as described in docs/simulator.md; relative file names in it refer to the working directory.
+ *                 Null restores the state after loading and reads the environment variables again.
+ *  @return null on success; otherwise the error message, valid until the next call of this function. A script with an
+ *          error changes nothing.
  */
 const char* I1PRO3_SimulatorUse(const char* script);
 
-/** Says that this library is a simulation, and of what; the text is valid until the script changes. The recorder has
- *  this function, too, and passes on what the recorded library says: null when that is not a simulation.
+/** Describes the simulation, such as "simulated i1Pro 3 with the ColorChecker Classic chart". The recorder exports this
+ *  function, too, and forwards it to the recorded library.
+ *
+ *  @return the description, valid until the script changes; from the recorder, null if the recorded library isn't a
+ *          simulation
  */
 const char* I1PRO3_SimulatorDescription(void);
 

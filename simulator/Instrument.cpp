@@ -9,17 +9,17 @@ namespace simulator {
 
 namespace {
 
-/// Far from what a lamp does, and near enough for numbers to stay numbers.
+/// Beyond any real lamp; keeps a drift that accumulates over many measurements from overflowing.
 constexpr double dimmestLamp = 0.01;
 constexpr double brightestLamp = 100;
 
-/// An option that can be set, with its values; none for a count.
-struct Settable {
+/// A writable option with its allowed values; without values, it takes a positive number.
+struct WritableOption {
     std::string_view key;
     std::array<std::string_view, 2> values;
 };
 
-constexpr std::array<Settable, 7> settableOptions{{
+constexpr std::array<WritableOption, 7> writableOptions{{
     {"Colorimetric.Illumination", {"D65"}},
     {"Colorimetric.Observer", {"TenDegree"}},
     {"ColorSpaceDescription.Type", {"CIELab"}},
@@ -36,12 +36,12 @@ std::optional<std::int32_t> parseCount(const std::string& text) {
     return error == std::errc{} && stop == end && count > 0 ? std::optional(count) : std::nullopt;
 }
 
-bool accepts(const Settable& option, const std::string& value) {
+bool accepts(const WritableOption& option, const std::string& value) {
     if (option.values[0].empty()) return parseCount(value).has_value();
     return !value.empty() && std::find(option.values.begin(), option.values.end(), value) != option.values.end();
 }
 
-/// The factors of a white ceramic tile.
+/// A white ceramic tile.
 const Reflectance& whiteReference() {
     static const Reflectance tile = [] {
         Reflectance factors;
@@ -51,9 +51,9 @@ const Reflectance& whiteReference() {
     return tile;
 }
 
-/// A number of mean 0 and standard deviation 1, nearly normal: the sum of twelve even ones (Irwin-Hall). The standard
-/// library's normal distribution differs from one library to the next.
-double deviate(std::mt19937_64& engine) {
+/// An approximately normal deviate with mean 0 and standard deviation 1: the sum of twelve uniform ones (Irwin-Hall).
+/// std::normal_distribution gives different numbers in each standard library.
+double normalDeviate(std::mt19937_64& engine) {
     constexpr double unit = 1.0 / (1ULL << 53U);
     double sum = -6;
     for (int i = 0; i < 12; ++i) {
@@ -68,7 +68,7 @@ std::string quoted(const std::string& text) {
 
 } // namespace
 
-void Instrument::expectOpen() const {
+void Instrument::requireOpen() const {
     if (!isOpen) throw SdkError(ErrorCode::deviceNotOpen, "The device " + serial + " is not open");
 }
 
@@ -82,24 +82,24 @@ void Instrument::close() {
     isCalibrated = false;
     options.clear();
     polls = 0;
-    moveOn();
+    advance();
 }
 
 void Instrument::setOption(const std::string& key, const std::string& value) {
-    expectOpen();
-    const auto* const settable = std::find_if(settableOptions.begin(), settableOptions.end(),
-                                              [&](const Settable& option) { return option.key == key; });
-    if (settable == settableOptions.end()) {
+    requireOpen();
+    const auto* const writable = std::find_if(writableOptions.begin(), writableOptions.end(),
+                                              [&](const WritableOption& option) { return option.key == key; });
+    if (writable == writableOptions.end()) {
         throw SdkError(ErrorCode::unknownOption, "There is no option " + quoted(key) + " to set");
     }
-    if (!accepts(*settable, value)) {
+    if (!accepts(*writable, value)) {
         throw SdkError(ErrorCode::invalidValue, "The option " + quoted(key) + " can't be " + quoted(value));
     }
     options[key] = value;
 }
 
 std::string Instrument::option(const std::string& key) const {
-    expectOpen();
+    requireOpen();
     if (key == "AvailableIlluminationsKey") return "UVIncluded;UVExcluded";
     if (key == "SerialNumber") return serial;
     const auto found = options.find(key);
@@ -108,8 +108,8 @@ std::string Instrument::option(const std::string& key) const {
 }
 
 bool Instrument::isButtonPressed() {
-    expectOpen();
-    if (script.button.never || isPressSpent) return false;
+    requireOpen();
+    if (script.button.never || isPressUsed) return false;
     const auto now = std::chrono::steady_clock::now();
     if (polls == 0) firstPoll = now;
     if (polls < script.button.polls || now - firstPoll < script.button.time) {
@@ -117,21 +117,21 @@ bool Instrument::isButtonPressed() {
         return false;
     }
     polls = 0;
-    isPressSpent = script.button.oncePerMeasurement;
+    isPressUsed = script.button.oncePerMeasurement;
     return true;
 }
 
 void Instrument::calibrate() {
-    expectOpen();
+    requireOpen();
     isCalibrated = true;
     calibratedLamp = lamp;
 }
 
 void Instrument::trigger() {
-    expectOpen();
+    requireOpen();
     if (!isCalibrated) throw SdkError(ErrorCode::notCalibrated, "The device " + serial + " is not calibrated");
-    const std::int32_t found = option("MeasurementMode") == "ReflectanceScan" ? samplesToScan() : 1;
-    moveOn();
+    const std::int32_t found = option("MeasurementMode") == "ReflectanceScan" ? samplesPerScan() : 1;
+    advance();
     samples = found;
     ++measurements;
     light = script.light;
@@ -139,32 +139,32 @@ void Instrument::trigger() {
     gain = lamp / calibratedLamp;
 }
 
-/// Leaves the patches of the last measurement behind, if it was read.
-void Instrument::moveOn() {
+/// Moves past the patches of the last measurement if it was read.
+void Instrument::advance() {
     if (wasRead) position = (position + static_cast<std::size_t>(samples)) % script.chart.size();
     wasRead = false;
     samples = 0;
 }
 
-std::int32_t Instrument::samplesToScan() const {
+std::int32_t Instrument::samplesPerScan() const {
     if (script.samples.count) return *script.samples.count;
-    const std::int64_t asked = parseCount(option("PatchesPerLine")).value_or(0);
-    constexpr std::int64_t most = std::numeric_limits<std::int32_t>::max();
-    return static_cast<std::int32_t>(std::min(asked + script.samples.more, most));
+    const std::int64_t requested = parseCount(option("PatchesPerLine")).value_or(0);
+    constexpr std::int64_t maximum = std::numeric_limits<std::int32_t>::max();
+    return static_cast<std::int32_t>(std::min(requested + script.samples.more, maximum));
 }
 
 std::int32_t Instrument::numberOfSamples() const {
-    expectOpen();
+    requireOpen();
     return samples;
 }
 
-const Reflectance& Instrument::surface(std::int32_t sample) const {
+const Reflectance& Instrument::reflectanceOf(std::int32_t sample) const {
     if (script.isOnWhiteReference) return whiteReference();
     return script.chart[(position + static_cast<std::size_t>(sample)) % script.chart.size()].reflectance;
 }
 
 Reflectance Instrument::readSample(std::int32_t sample) {
-    expectOpen();
+    requireOpen();
     if (sample < 0 || sample >= samples) {
         throw SdkError(ErrorCode::noSample,
                        "There is no sample " + std::to_string(sample) + " of " + std::to_string(samples));
@@ -172,9 +172,9 @@ Reflectance Instrument::readSample(std::int32_t sample) {
     wasRead = true;
     std::seed_seq seed{static_cast<std::uint32_t>(light.seed), index, measurements, static_cast<std::uint32_t>(sample)};
     std::mt19937_64 engine(seed);
-    Reflectance measured = surface(sample);
+    Reflectance measured = reflectanceOf(sample);
     for (double& factor : measured) {
-        factor = factor * gain + light.noise * deviate(engine);
+        factor = factor * gain + light.noise * normalDeviate(engine);
     }
     return measured;
 }

@@ -10,35 +10,39 @@
 
 namespace simulator {
 
-/// One simulated instrument. It is moved over the chart in reading order: each measurement that was read takes it on by
-/// as many patches as it had, and after the last patch it starts anew. What it measures is the patch's reflectance
-/// times what the lamp has drifted by since the calibration, and some noise, the same whenever the same run is made.
+/// A simulated instrument. It moves over the chart in reading order and starts again after the last patch; a
+/// measurement whose samples were never read is repeated on the same patches. A sample is the patch's reflectance,
+/// multiplied by the drift of the lamp since the last calibration, plus pseudo-random noise that repeats in every run.
 class Instrument {
 public:
-    /// @param place  which of the instruments this is: each has a noise of its own
-    Instrument(std::string number, std::uint32_t place, const Script& common)
-        : serial(std::move(number)), index(place), script(common) {}
+    /// @param instrumentIndex  makes the noise differ between instruments
+    /// @param sharedScript     read at every call; must outlive the instrument
+    Instrument(std::string serialNumber, std::uint32_t instrumentIndex, const Script& sharedScript)
+        : serial(std::move(serialNumber)), index(instrumentIndex), script(sharedScript) {}
 
-    const std::string& serialNumber() const { return serial; }
+    const std::string& name() const { return serial; }
+
+    // These throw SdkError.
 
     void open();
     void close();
     void setOption(const std::string& key, const std::string& value);
     std::string option(const std::string& key) const;
     bool isButtonPressed();
-    /// Once the button was found pressed, it can be pressed again.
-    void releaseButton() { isPressSpent = false; }
     void calibrate();
     void trigger();
-    /// Of the last measurement; a script may make it negative.
+    /// The number of samples of the last measurement; a script can make it negative.
     std::int32_t numberOfSamples() const;
     Reflectance readSample(std::int32_t sample);
 
+    /// Allows the next button press; matters only if the script sets "once per measurement".
+    void rearmButton() { isPressUsed = false; }
+
 private:
-    void expectOpen() const;
-    void moveOn();
-    std::int32_t samplesToScan() const;
-    const Reflectance& surface(std::int32_t sample) const;
+    void requireOpen() const;
+    void advance();
+    std::int32_t samplesPerScan() const;
+    const Reflectance& reflectanceOf(std::int32_t sample) const;
 
     std::string serial;
     std::uint32_t index;
@@ -48,14 +52,16 @@ private:
     std::map<std::string, std::string> options;
     std::uint32_t polls = 0;
     std::chrono::steady_clock::time_point firstPoll;
-    bool isPressSpent = false;
+    bool isPressUsed = false;
     double lamp = 1;
     double calibratedLamp = 1;
-    /// Of the last measurement.
+    std::uint32_t measurements = 0;
+    /// The chart's patch under the first sample of the last measurement.
+    std::size_t position = 0;
+
+    // The last measurement.
     double gain = 1;
     Light light;
-    std::uint32_t measurements = 0;
-    std::size_t position = 0;
     std::int32_t samples = 0;
     bool wasRead = false;
 };

@@ -9,7 +9,7 @@ namespace simulator {
 
 namespace {
 
-void expectComplete(const Call& call) {
+void requireNoNullArgument(const Call& call) {
     const char* const name = call.nullArgument();
     if (name == nullptr) return;
     throw SdkError(std::string_view(name) == "device" ? ErrorCode::invalidDevice : ErrorCode::invalidArgument,
@@ -28,7 +28,7 @@ void Instruments::attach(const Script& script) {
 }
 
 Answer Instruments::answer(const Call& call) try {
-    expectComplete(call);
+    requireNoNullArgument(call);
     return perform(call);
 } catch (const SdkError& error) {
     return failureOf(call, error.code, error.what());
@@ -75,27 +75,27 @@ Answer Instruments::perform(const Call& call) {
     return {};
 }
 
-void Instruments::notice(const Call& call) {
+void Instruments::rearmButton(const Call& call) {
     switch (call.function) {
     case Function::openDevice:
     case Function::closeDevice:
     case Function::calibrate:
     case Function::triggerMeasurement:
-        if (Instrument* const instrument = find(call)) instrument->releaseButton();
+        if (Instrument* const instrument = find(call)) instrument->rearmButton();
         break;
     default:
         break;
     }
 }
 
-void Instruments::keepError(const Call& call, const Answer& answer) {
+void Instruments::storeError(const Call& call, const Answer& answer) {
     if (answer.error && call.function != Function::getGlobalOption) lastError = *answer.error;
 }
 
-/// Null for a device that is none.
+/// The instrument that the call is for; null if the device handle is invalid.
 Instrument* Instruments::find(const Call& call) const {
     const auto found = std::find_if(instruments.begin(), instruments.end(), [&](const auto& instrument) {
-        return call.arguments.at("device") == instrument->serialNumber();
+        return call.arguments.at("device") == instrument->name();
     });
     return found != instruments.end() ? found->get() : nullptr;
 }
@@ -104,7 +104,7 @@ Instrument& Instruments::instrumentOf(const Call& call) const {
     Instrument* const instrument = find(call);
     if (instrument == nullptr) throw SdkError(ErrorCode::invalidDevice, "There is no such device");
     if (isUnplugged) {
-        throw SdkError(ErrorCode::unplugged, "The device " + instrument->serialNumber() + " was unplugged");
+        throw SdkError(ErrorCode::unplugged, "The device " + instrument->name() + " was unplugged");
     }
     return *instrument;
 }
@@ -112,7 +112,7 @@ Instrument& Instruments::instrumentOf(const Call& call) const {
 Answer Instruments::listDevices() const {
     std::vector<std::string> names;
     for (const auto& instrument : instruments) {
-        if (!isUnplugged) names.push_back(instrument->serialNumber());
+        if (!isUnplugged) names.push_back(instrument->name());
     }
     return {.count = static_cast<std::uint32_t>(names.size()), .devices = names};
 }

@@ -7,21 +7,24 @@
 
 namespace simulator {
 
-/// The simulated instruments, and what the SDK library has beside them.
+/// The simulated instruments and the SDK library's global options.
 class Instruments {
 public:
-    /// Attaches a script's instruments in place of the ones before.
-    /// @param script  read by the instruments for as long as they live
+    /// Replaces all instruments by those of the script.
+    /// @param script  must outlive the instruments
     void attach(const Script& script);
-    /// Takes all instruments away.
+    /// Removes all instruments, as if unplugged.
     void unplug() { isUnplugged = true; }
 
-    /// Sees each call, also one that a fault answers: the person at the button presses it again for the next.
-    void notice(const Call& call);
     Answer answer(const Call& call);
 
-    /// Keeps what a call failed with. That asking for the last failure failed, too, is not kept.
-    void keepError(const Call& call, const Answer& answer);
+    /// Lets the simulated user press the button again. To be called for every call, including those that a fault
+    /// answers: the user acts whether the call succeeds or not.
+    void rearmButton(const Call& call);
+
+    /// Stores the error of a failed call as the last error. Failures of I1PRO3_GetGlobalOption, which reads the last
+    /// error, are not stored.
+    void storeError(const Call& call, const Answer& answer);
     void clearError() { lastError = {}; }
 
 private:

@@ -6,7 +6,7 @@ namespace simulator {
 
 namespace {
 
-void expectType(const Json& json, const Json& example) {
+void requireType(const Json& json, const Json& example) {
     if (json.type() == example.type()) return;
     throw ValueError(json, fmt::format("type must be {}, but is {}", example.type_name(), json.type_name()));
 }
@@ -33,7 +33,7 @@ ScriptError errorIn(const std::string& place, const Json::exception& error) {
 
 Json jsonOf(const std::string& text) try {
     Json json(text);
-    static_cast<void>(json.dump()); // only UTF-8 can be written
+    static_cast<void>(json.dump()); // throws if the text isn't UTF-8
     return json;
 } catch (const Json::type_error&) {
     return std::vector<std::uint8_t>(text.begin(), text.end());
@@ -49,12 +49,12 @@ std::string textOf(const Json& json) {
 }
 
 const Json::array_t& elementsOf(const Json& json) {
-    expectType(json, Json::array());
+    requireType(json, Json::array());
     return json.get_ref<const Json::array_t&>();
 }
 
 const Json::object_t& membersOf(const Json& json) {
-    expectType(json, Json::object());
+    requireType(json, Json::object());
     return json.get_ref<const Json::object_t&>();
 }
 

@@ -1,5 +1,5 @@
-// The recorder: a library of the SDK library's name and functions that passes each call on to the real one as it is,
-// and writes a trace of it. It changes nothing that the host or the real library sees.
+// The recorder: a drop-in for the SDK library that forwards each call unchanged to the real library and writes a trace
+// of it. Neither the host nor the real library sees a difference.
 
 #include "common/System.h"
 #include "simulator/Failure.h"
@@ -19,10 +19,11 @@ using Description = const char*();
 constexpr const char* libraryVariable = "I1PRO3_RECORDER_SDK";
 constexpr const char* traceVariable = "I1PRO3_RECORDER_TRACE";
 
-/// The library that calls are passed on to.
-class Target {
+/// The real library.
+class RecordedLibrary {
 public:
-    explicit Target(const std::filesystem::path& file) : library(file) {
+    /// @throws ScriptError or common::LoadError
+    explicit RecordedLibrary(const std::filesystem::path& file) : library(file) {
         for (const Signature& signature : signatures) {
             void* const address = library.find(signature.name);
             if (address == nullptr) {
@@ -33,10 +34,10 @@ public:
     }
 
     std::int32_t perform(const Call& call) const {
-        return call.passOn(addresses[static_cast<std::size_t>(call.function)]);
+        return call.forward(addresses[static_cast<std::size_t>(call.function)]);
     }
 
-    /// Null when it is no simulation.
+    /// Its I1PRO3_SimulatorDescription; null if it isn't a simulation.
     const char* description() const {
         auto* const describe = reinterpret_cast<Description*>(library.find("I1PRO3_SimulatorDescription"));
         return describe != nullptr ? describe() : nullptr;
@@ -47,31 +48,34 @@ private:
     std::vector<void*> addresses;
 };
 
-/// What stood in a call's out-parameters before it was made, to see what it left in them. Of a text's buffer no more is
-/// read than must be there: the size may say more than there is.
-class Before {
+/// The values of a call's out-parameters before the call, to find out which ones it wrote. Of a text buffer, only the
+/// first byte is compared: the host may pass a size larger than its buffer.
+class OutputSnapshot {
 public:
-    explicit Before(const Call& made)
-        : call(made), size(made.size != nullptr ? *made.size : 0), count(made.count != nullptr ? *made.count : 0),
-          hasBuffer(made.buffer != nullptr && size > 0), firstByte(hasBuffer ? *made.buffer : '\0') {
-        if (made.values != nullptr) values.assign(made.values, made.values + numberOfValues(made.function));
+    explicit OutputSnapshot(const Call& pending)
+        : call(pending), size(pending.size != nullptr ? *pending.size : 0),
+          count(pending.count != nullptr ? *pending.count : 0), hasBuffer(pending.buffer != nullptr && size > 0),
+          firstByte(hasBuffer ? *pending.buffer : '\0') {
+        if (pending.values != nullptr) {
+            values.assign(pending.values, pending.values + numberOfValues(pending.function));
+        }
     }
 
-    /// The outputs, all but the devices. When the function failed, only what changed is one.
+    /// The call's result and outputs, except the devices. After a failure, only outputs that changed count.
     Answer answer(std::int32_t result) const {
         const bool isSuccess = result == 0;
-        Answer left{.result = result};
-        if (call.size != nullptr && *call.size != size) left.size = *call.size;
+        Answer made{.result = result};
+        if (call.size != nullptr && *call.size != size) made.size = *call.size;
         if (hasBuffer && (isSuccess || *call.buffer != firstByte)) {
-            left.text.emplace(call.buffer, strnlen(call.buffer, size));
-            left.isTerminated = left.text->size() < size;
+            made.text.emplace(call.buffer, strnlen(call.buffer, size));
+            made.isTerminated = made.text->size() < size;
         }
         const std::size_t bytes = values.size() * sizeof(float);
         if (bytes > 0 && (isSuccess || std::memcmp(values.data(), call.values, bytes) != 0)) {
-            left.values.assign(call.values, call.values + values.size());
+            made.values.assign(call.values, call.values + values.size());
         }
-        if (call.count != nullptr && (isSuccess || *call.count != count)) left.count = *call.count;
-        return left;
+        if (call.count != nullptr && (isSuccess || *call.count != count)) made.count = *call.count;
+        return made;
     }
 
 private:
@@ -83,23 +87,22 @@ private:
     std::vector<float> values;
 };
 
-std::filesystem::path fileNamedBy(const char* variable, const char* whatItNames) {
+std::filesystem::path requiredFile(const char* variable, const char* purpose) {
     const auto file = common::fileOfEnvironment(variable);
     if (file) return *file;
-    throw ScriptError(fmt::format("the environment variable {} is not set; it names {}", variable, whatItNames));
+    throw ScriptError(fmt::format("the environment variable {} is not set; it names {}", variable, purpose));
 }
 
-std::filesystem::path ownFile() {
-    return common::fileOf(reinterpret_cast<const void*>(&ownFile));
+std::filesystem::path recorderFile() {
+    return common::fileOf(reinterpret_cast<const void*>(&recorderFile));
 }
 
-/// A name without a folder is one beside the recorder.
-std::filesystem::path recordedLibrary() {
-    std::filesystem::path file =
-        ownFile().parent_path() /
-        fileNamedBy(libraryVariable, "the vendor's library that the recorder passes calls on to");
-    std::error_code none;
-    if (std::filesystem::equivalent(file, ownFile(), none)) {
+/// Relative file names are relative to the recorder's folder.
+std::filesystem::path recordedFile() {
+    std::filesystem::path file = recorderFile().parent_path() /
+                                 requiredFile(libraryVariable, "the vendor's library that the recorder forwards to");
+    std::error_code ignored;
+    if (std::filesystem::equivalent(file, recorderFile(), ignored)) {
         throw ScriptError(fmt::format("{} names the recorder itself, {}", libraryVariable, file.string()));
     }
     return file;
@@ -110,7 +113,7 @@ public:
     static Recorder& instance();
 
     std::int32_t perform(const Call& call) { return failure ? fail(call) : record(call); }
-    const char* description() const { return target ? target->description() : nullptr; }
+    const char* description() const { return library ? library->description() : nullptr; }
 
     std::string nameOf(I1PRO3_DeviceHandle device) const {
         const std::lock_guard<std::mutex> lock(mutex);
@@ -121,11 +124,11 @@ public:
 private:
     Recorder() {
         try {
-            const std::filesystem::path file = recordedLibrary();
-            target.emplace(file);
-            const char* const simulation = target->description();
-            const std::string library = file.string() + (simulation != nullptr ? std::string(": ") + simulation : "");
-            trace.emplace(fileNamedBy(traceVariable, "the file that the recorder writes its trace to"), library,
+            const std::filesystem::path file = recordedFile();
+            library.emplace(file);
+            const char* const simulation = library->description();
+            const std::string name = file.string() + (simulation != nullptr ? std::string(": ") + simulation : "");
+            trace.emplace(requiredFile(traceVariable, "the file that the recorder writes its trace to"), name,
                           simulation != nullptr);
         } catch (const std::runtime_error& error) {
             failure.emplace(ErrorCode::invalidSetup, std::string("Recorder: ") + error.what());
@@ -133,12 +136,12 @@ private:
     }
 
     std::int32_t record(const Call& call) {
-        const Before before(call);
+        const OutputSnapshot before(call);
         const Trace::Time begin = std::chrono::steady_clock::now();
         try {
-            const std::int32_t result = target->perform(call);
+            const std::int32_t result = library->perform(call);
             Answer answer = before.answer(result);
-            if (result == 0 && call.list != nullptr && call.count != nullptr) answer.devices = numbered(call);
+            if (result == 0 && call.list != nullptr && call.count != nullptr) answer.devices = nameDevices(call);
             trace->write(call, answer, begin);
             return result;
         } catch (const std::exception& error) {
@@ -152,12 +155,12 @@ private:
 
     std::int32_t fail(const Call& call) const {
         const Answer answer = failure->answer(call);
-        handOut(answer, call);
+        writeOutputs(answer, call);
         return answer.result;
     }
 
-    /// Names of the devices that a call listed: they are numbered as they are first listed.
-    std::vector<std::string> numbered(const Call& call) {
+    /// The names of the devices that a call listed: "device 1" and so on, in the order of their first appearance.
+    std::vector<std::string> nameDevices(const Call& call) {
         const std::lock_guard<std::mutex> lock(mutex);
         std::vector<std::string> listed;
         for (std::uint32_t i = 0; i < *call.count && *call.list != nullptr; ++i) {
@@ -167,9 +170,10 @@ private:
         return listed;
     }
 
-    std::optional<Target> target;
+    std::optional<RecordedLibrary> library;
     std::optional<Trace> trace;
-    std::optional<LastingFailure> failure;
+    /// Answers all calls if the recorder can't be set up.
+    std::optional<PermanentFailure> failure;
     mutable std::mutex mutex;
     std::map<I1PRO3_DeviceHandle, std::string> names;
 };
@@ -181,7 +185,8 @@ std::once_flag isCreated;
     delete theRecorder;
 }
 
-/// Not destroyed as static objects are: a host's own may call the library when they are destroyed, later than those.
+/// A static object would be destroyed too early: static objects of the host may still call the library from their
+/// destructors.
 Recorder& Recorder::instance() {
     std::call_once(isCreated, [] { theRecorder = new Recorder; });
     return *theRecorder;

@@ -5,19 +5,19 @@
 
 namespace simulator {
 
-/// Answers from a trace, call by call. The first call that departs from it, and all after it, fail and say so.
+/// Answers calls from a trace. The first call that differs from the trace fails, and so do all later ones.
 class Replay {
 public:
-    explicit Replay(Recording played) : recording(std::move(played)) {}
+    explicit Replay(Recording recordedCalls) : recording(std::move(recordedCalls)) {}
 
     Answer answer(const Call& call);
 
 private:
-    Answer depart(const Call& call, const std::string& recorded);
+    Answer failFromHere(const Call& call, const std::string& difference);
 
     Recording recording;
     std::size_t next = 0;
-    std::optional<LastingFailure> departure;
+    std::optional<PermanentFailure> failure;
 };
 
 } // namespace simulator

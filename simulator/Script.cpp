@@ -9,14 +9,14 @@ namespace simulator {
 
 namespace {
 
-constexpr std::int32_t mostInt32 = std::numeric_limits<std::int32_t>::max();
+constexpr std::int32_t largestInt32 = std::numeric_limits<std::int32_t>::max();
 
-std::uint32_t readCount(const Json& json, std::uint32_t least) {
-    return numberIn(json, least, 1'000'000'000U);
+std::uint32_t readCount(const Json& json, std::uint32_t minimum) {
+    return numberIn(json, minimum, 1'000'000'000U);
 }
 
 std::int32_t readInt32(const Json& json) {
-    return numberIn(json, std::numeric_limits<std::int32_t>::min(), mostInt32);
+    return numberIn(json, std::numeric_limits<std::int32_t>::min(), largestInt32);
 }
 
 std::chrono::milliseconds readTime(const Json& json) {
@@ -60,7 +60,7 @@ const std::vector<Field<Light>> lightFields{
     {"noise", [](const Json& json, Light& light) { light.noise = numberIn(json, 0.0, 0.1); }},
     {"drift", [](const Json& json, Light& light) { light.drift = numberIn(json, -0.1, 0.1); }},
     {"seed",
-     [](const Json& json, Light& light) { light.seed = static_cast<std::uint32_t>(numberIn(json, 0, mostInt32)); }},
+     [](const Json& json, Light& light) { light.seed = static_cast<std::uint32_t>(numberIn(json, 0, largestInt32)); }},
 };
 
 const std::vector<Field<Button>> buttonFields{
@@ -117,17 +117,17 @@ const std::vector<Field<Fault>> faultFields{
     {"foreign", [](const Json& json, Fault& fault) { fault.answer.isForeign = json.get<bool>(); }},
 };
 
-/// Refuses what would have no effect.
-void expectEffect(const Json& json, const Fault& fault) {
-    if (json.empty()) throw ValueError(json, "a fault without a key would answer any call");
+/// Rejects a fault with keys that would have no effect.
+void requireEffect(const Json& json, const Fault& fault) {
+    if (json.empty()) throw ValueError(json, "a fault without a key would apply to every call");
     if (fault.answer.result == 0 && (fault.errorText || fault.errorNumber)) {
         throw ValueError(json, R"("text" and "number" need a "result" other than 0)");
     }
     if (fault.answer.isForeign && !fault.answer.exception) throw ValueError(json, R"("foreign" needs an "exception")");
-    if (!fault.function || takes(*fault.function, "buffer")) return;
+    if (!fault.function || hasParameter(*fault.function, "buffer")) return;
     const char* const function = signatureOf(*fault.function).name;
     if (fault.answer.text) throw ValueError(json, fmt::format("{} has no \"output\"", function));
-    if (fault.answer.size && !takes(*fault.function, "count")) {
+    if (fault.answer.size && !hasParameter(*fault.function, "count")) {
         throw ValueError(json, fmt::format("{} has no \"size\"", function));
     }
 }
@@ -137,7 +137,7 @@ void readFaults(const Json& json, Script& script) {
     for (const Json& element : elementsOf(json)) {
         Fault& fault = script.faults->emplace_back();
         readMembers(element, faultFields, fault);
-        expectEffect(element, fault);
+        requireEffect(element, fault);
     }
 }
 
@@ -166,11 +166,11 @@ const std::vector<Field<Script>> scriptFields{
     {"replay", readReplay},
 };
 
-void expectReplayAlone(const Json& script) {
+void requireReplayAlone(const Json& script) {
     if (!script.contains("replay")) return;
     for (const auto& [key, member] : membersOf(script)) {
         if (key == "replay" || key == "trace" || key == "latency") continue;
-        throw ValueError(member, R"(only "trace" and "latency" may stand beside "replay")");
+        throw ValueError(member, R"(only "trace" and "latency" can be combined with "replay")");
     }
 }
 
@@ -182,7 +182,7 @@ void applyScript(const std::string& fileName, const std::string& text, Script& s
     changed.folder = std::filesystem::path(fileName).parent_path();
     try {
         readMembers(json, scriptFields, changed);
-        expectReplayAlone(json);
+        requireReplayAlone(json);
     } catch (const Json::exception& error) {
         throw errorIn(fileName, error);
     }

@@ -1,6 +1,6 @@
 #pragma once
 
-// What a simulation is made of, and the JSON text that says it; docs/simulator.md tells of each key.
+// The configuration of a simulation, read from a JSON script; docs/simulator.md describes each key.
 
 #include "simulator/Chart.h"
 #include "simulator/Faults.h"
@@ -11,41 +11,42 @@
 
 namespace simulator {
 
-/// When the button is found pressed: after so many looks at it and so long after the first of them.
+/// When polling the button finds it pressed.
 struct Button {
+    /// The number of polls that find it released, and the time that must have passed since the first of them.
     std::uint32_t polls = 3;
     std::chrono::milliseconds time{0};
     bool never = false;
-    /// Once it was found pressed, only the next measurement lets it be pressed again.
+    /// After a press, the button stays released until the next measurement or calibration.
     bool oncePerMeasurement = false;
 };
 
 struct Light {
     /// Standard deviation of each reflectance factor.
     double noise = 0.0001;
-    /// By how much the lamp grows brighter with each measurement; calibrating makes up for what has gathered.
+    /// The relative increase of the lamp's brightness with each measurement; a calibration compensates for it.
     double drift = 0;
     std::uint64_t seed = 1;
 };
 
-/// How many samples a scan finds: so many, or as many as it asks for and some more.
+/// The number of samples that a scan finds: a fixed count, or a number added to what the host requested.
 struct Samples {
     std::optional<std::int32_t> count;
     std::int32_t more = 0;
 };
 
-/// From this call on, the instruments are gone.
+/// The call at which the instruments are unplugged.
 struct Unplug {
     std::optional<Function> function;
     std::uint32_t call = 1;
 };
 
 struct Script {
-    /// Where the files are that the script names.
+    /// The folder that file names in the script are relative to.
     std::filesystem::path folder;
     std::vector<std::string> instruments{"SIM1"};
     std::vector<Patch> chart = parseChart(colorCheckerCsv, "the ColorChecker Classic chart");
-    /// What is simulated, to say it.
+    /// The end of the description: "simulated i1Pro 3 with the ColorChecker Classic chart".
     std::string subject = "with the ColorChecker Classic chart";
     bool isOnWhiteReference = false;
     Light light;
@@ -56,22 +57,23 @@ struct Script {
     std::optional<std::vector<Fault>> faults;
     /// The trace to write; an empty path for none.
     std::optional<std::filesystem::path> trace;
-    /// The trace that answers in place of all else.
+    /// The trace that answers all calls, if any.
     std::optional<Recording> replay;
 };
 
-/// Applies a JSON text: what it names is set, all else stays as it is.
-/// @param fileName  for messages, and to find the files that the text names beside it
-/// @throws ScriptError
+/// Applies a JSON text to a script. Keys that the text doesn't have keep their values.
+/// @param fileName  used in error messages; file names in the text are relative to its folder
+/// @throws ScriptError  and leaves the script unchanged
 void applyScript(const std::string& fileName, const std::string& text, Script& script);
 
-/// @throws ScriptError
+/// @throws ScriptError        if the script is invalid
+/// @throws std::system_error  if it can't be read
 Script readScript(const std::filesystem::path& file);
 
-/// Says that this is a simulation, and of what.
+/// What is simulated, for I1PRO3_SimulatorDescription.
 std::string descriptionOf(const Script& script);
 
-/// All keys, those within others after a dot: "button.polls".
+/// All keys, nested ones with a dot: "button.polls".
 std::vector<std::string> scriptKeys();
 
 } // namespace simulator

@@ -23,7 +23,8 @@ std::once_flag isCreated;
 
 } // namespace
 
-/// Not destroyed as static objects are: a host's own may call the library when they are destroyed, later than those.
+/// A static object would be destroyed too early: static objects of the host may still call the library from their
+/// destructors.
 Simulator& Simulator::instance() {
     std::call_once(isCreated, [] { theSimulator = new Simulator; });
     return *theSimulator;
@@ -34,12 +35,12 @@ const char* Simulator::use(const char* text) {
     try {
         scriptError.clear();
         if (text == nullptr) {
-            start();
+            reset();
         } else {
             if (failure) throw ScriptError(description);
             Script next = script;
             applyScript("script", text, next);
-            change(std::move(next));
+            activate(std::move(next));
         }
     } catch (const std::exception& error) {
         scriptError = error.what();
@@ -47,8 +48,9 @@ const char* Simulator::use(const char* text) {
     return scriptError.empty() ? nullptr : scriptError.c_str();
 }
 
-/// Begins with the script and the trace that the environment names. When something is wrong there, all calls fail.
-void Simulator::start() {
+/// Returns to the initial state, with the script and the trace that the environment names. If they have an error, all
+/// calls fail with it.
+void Simulator::reset() {
     failure.reset();
     replay.reset();
     trace.reset();
@@ -61,7 +63,7 @@ void Simulator::start() {
         const auto file = common::fileOfEnvironment("I1PRO3_SIMULATOR");
         Script first = file ? readScript(*file) : Script();
         if (!first.trace) first.trace = common::fileOfEnvironment("I1PRO3_TRACE");
-        change(std::move(first));
+        activate(std::move(first));
     } catch (const std::exception& error) {
         description = std::string("simulated i1Pro 3, not set up: ") + error.what();
         failure.emplace(ErrorCode::invalidSetup, error.what());
@@ -69,8 +71,9 @@ void Simulator::start() {
     }
 }
 
-/// Puts a script in force. What happens once, like a fault, is taken out of it.
-void Simulator::change(Script next) {
+/// Makes a script the current one. Moves its faults and other one-time events out of it, so that applying another
+/// script later doesn't repeat them.
+void Simulator::activate(Script next) {
     if (next.trace) {
         trace = next.trace->empty() ? nullptr : std::make_unique<Trace>(*next.trace, descriptionOf(next), true);
         next.trace.reset();
@@ -79,9 +82,9 @@ void Simulator::change(Script next) {
     if (next.replay) replay.emplace(*std::exchange(next.replay, std::nullopt));
     if (next.faults) faults = *std::exchange(next.faults, std::nullopt);
     if (next.unplug) unplug = std::exchange(next.unplug, std::nullopt);
-    const bool isSameSet = next.instruments == script.instruments;
+    const bool hasSameInstruments = next.instruments == script.instruments;
     script = std::move(next);
-    if (!isSameSet) instruments.attach(script);
+    if (!hasSameInstruments) instruments.attach(script);
 }
 
 const char* Simulator::describe() const {
@@ -98,16 +101,16 @@ std::string Simulator::nameOf(I1PRO3_DeviceHandle device) const {
 
 Answer Simulator::perform(const Call& call) {
     const auto begin = std::chrono::steady_clock::now();
-    wait(call.function);
+    simulateLatency(call.function);
     const Lock lock(mutex);
     Answer answer = answerTo(call);
     if (trace) trace->write(call, answer, begin);
-    handOut(answer, call);
-    if (answer.devices && call.list != nullptr) *call.list = listOf(*answer.devices);
+    writeOutputs(answer, call);
+    if (answer.devices && call.list != nullptr) *call.list = handlesOf(*answer.devices);
     return answer;
 }
 
-void Simulator::wait(Function function) const {
+void Simulator::simulateLatency(Function function) const {
     std::chrono::milliseconds latency{0};
     {
         const Lock lock(mutex);
@@ -119,21 +122,21 @@ void Simulator::wait(Function function) const {
 
 Answer Simulator::answerTo(const Call& call) {
     if (failure) return failure->answer(call);
-    countToUnplug(call.function);
-    instruments.notice(call);
+    countDownToUnplug(call.function);
+    instruments.rearmButton(call);
     std::optional<Answer> answer = answerOf(faults, call);
     if (!answer) answer = replay ? replay->answer(call) : instruments.answer(call);
-    instruments.keepError(call, *answer);
+    instruments.storeError(call, *answer);
     return *answer;
 }
 
-void Simulator::countToUnplug(Function function) {
+void Simulator::countDownToUnplug(Function function) {
     if (!unplug || unplug->function != function || --unplug->call > 0) return;
     instruments.unplug();
     unplug.reset();
 }
 
-I1PRO3_DeviceHandle* Simulator::listOf(const std::vector<std::string>& names) {
+I1PRO3_DeviceHandle* Simulator::handlesOf(const std::vector<std::string>& names) {
     std::vector<I1PRO3_DeviceHandle>& list = lists[names];
     if (list.empty()) {
         std::transform(names.begin(), names.end(), std::back_inserter(list),
@@ -146,7 +149,7 @@ std::string nameOf(I1PRO3_DeviceHandle device) {
     return Simulator::instance().nameOf(device);
 }
 
-/// No lock is held where the exception begins: a foreign one passes this compiler's destructors.
+/// Throws only after all locks are released: a foreign exception skips this compiler's destructors.
 std::int32_t perform(const Call& call) {
     const Answer answer = Simulator::instance().perform(call);
     if (answer.isForeign) common::throwForeign(*answer.exception);

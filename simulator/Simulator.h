@@ -8,41 +8,45 @@
 
 namespace simulator {
 
-/// What stands behind the simulated library's functions: the instruments, and what a script makes of each call.
+/// The state of the simulated SDK library: applies scripts, and answers each call by a fault, a replay or the simulated
+/// instruments. Its functions can be called from any thread.
 class Simulator {
 public:
     static Simulator& instance();
 
+    /// Implements I1PRO3_SimulatorUse.
     const char* use(const char* text);
+    /// Implements I1PRO3_SimulatorDescription.
     const char* describe() const;
     std::string nameOf(I1PRO3_DeviceHandle device) const;
-    /// Answers a call, and hands out the outputs; the exception is the caller's to throw.
+    /// Answers a call and writes its outputs. Leaves it to the caller to throw the answer's exception.
     Answer perform(const Call& call);
 
 private:
     Simulator() { use(nullptr); }
-    void start();
-    void change(Script next);
-    void wait(Function function) const;
+    void reset();
+    void activate(Script next);
+    void simulateLatency(Function function) const;
     Answer answerTo(const Call& call);
-    void countToUnplug(Function function);
-    I1PRO3_DeviceHandle* listOf(const std::vector<std::string>& names);
+    void countDownToUnplug(Function function);
+    I1PRO3_DeviceHandle* handlesOf(const std::vector<std::string>& names);
 
     mutable std::mutex mutex;
-    /// What was wrong with the last script that was used.
+    /// The error message of the last call of use; empty if it succeeded.
     std::string scriptError;
-    /// What answers when the environment's script or trace is wrong.
-    std::optional<LastingFailure> failure;
+    /// Answers all calls while the script or trace named by the environment has an error.
+    std::optional<PermanentFailure> failure;
     std::string description;
     Script script;
-    /// Calls until the instruments are gone.
+    /// The pending unplug; its call counts down.
     std::optional<Unplug> unplug;
     std::vector<Fault> faults;
     std::optional<Replay> replay;
     Instruments instruments;
     std::unique_ptr<Trace> trace;
-    /// By name. A device has the same handle for as long as the library is loaded.
+    /// By device name. The address of the value is the device's handle, valid until the library is unloaded.
     std::map<std::string, char> handles;
+    /// The lists returned by I1PRO3_GetDevices, valid until the library is unloaded.
     std::map<std::vector<std::string>, std::vector<I1PRO3_DeviceHandle>> lists;
 };
 

@@ -19,7 +19,7 @@ using std::chrono::microseconds;
 
 constexpr int version = 1;
 
-/// Creates a file, with a number in its name when there is one already; the path becomes the file's.
+/// Creates a file, with a number in its name if the name is taken, and updates the path.
 std::FILE* createNumbered(std::filesystem::path& path) {
     const std::filesystem::path wanted = path;
     for (int number = 2; true; ++number) {
@@ -34,14 +34,14 @@ std::FILE* createNumbered(std::filesystem::path& path) {
     }
 }
 
-/// In UTC, by ISO 8601.
+/// In UTC, as ISO 8601.
 std::string timestamp(std::chrono::system_clock::time_point time) {
     const auto since = duration_cast<microseconds>(time.time_since_epoch());
     return fmt::format("{:%Y-%m-%dT%H:%M:%S}.{:06}Z", fmt::gmtime(std::chrono::system_clock::to_time_t(time)),
                        since.count() % 1'000'000);
 }
 
-/// With the fewest digits that give the same float again; "inf", "-inf" or "nan" for what is no finite number.
+/// A number with the fewest digits that restore the same float; the string "inf", "-inf" or "nan" if it isn't finite.
 Json jsonOfValue(float value) {
     const std::string digits = fmt::format("{}", value);
     if (!std::isfinite(value)) return digits;
@@ -109,12 +109,12 @@ const std::vector<Field<TracedCall>> callFields{
     {"outputs", [](const Json& json, TracedCall& line) { readMembers(json, outputFields, line.answer); }},
 };
 
-/// Expects outputs that the function hands out, and as many as it says.
-void expectRightOutputs(const Json& json, const Call& call, const Answer& answer) {
-    const bool hasList = takes(call.function, "list");
-    const bool hasBuffer = takes(call.function, "buffer");
+/// Requires outputs that the function has, with the right number of values.
+void requireMatchingOutputs(const Json& json, const Call& call, const Answer& answer) {
+    const bool hasList = hasParameter(call.function, "list");
+    const bool hasBuffer = hasParameter(call.function, "buffer");
     if (((answer.count || answer.devices) && !hasList) || ((answer.size || answer.text) && !hasBuffer)) {
-        throw ValueError(json, fmt::format("{} has other outputs", signatureOf(call.function).name));
+        throw ValueError(json, fmt::format("{} does not have these outputs", signatureOf(call.function).name));
     }
     const std::size_t expected = numberOfValues(call.function);
     if (!answer.values.empty() && answer.values.size() != expected) {
@@ -122,7 +122,7 @@ void expectRightOutputs(const Json& json, const Call& call, const Answer& answer
     }
     const bool hasDevices = answer.devices && !answer.devices->empty();
     if (hasDevices && answer.count != answer.devices->size()) {
-        throw ValueError(json, R"("count" is not that of the "devices")");
+        throw ValueError(json, R"("count" is not the number of "devices")");
     }
 }
 
@@ -132,8 +132,8 @@ TracedCall readCall(const Json& json, std::size_t number) {
     if (json.contains("result") == json.contains("exception")) {
         throw ValueError(json, R"(expected either a "result" or an "exception")");
     }
-    json.at("arguments");
-    expectRightOutputs(json.at("function"), line.call, line.answer);
+    json.at("arguments"); // throws if it is missing
+    requireMatchingOutputs(json.at("function"), line.call, line.answer);
     return line;
 }
 
@@ -165,7 +165,7 @@ void Trace::write(const Call& call, const Answer& answer, Time begin) {
     writeLine(line);
 }
 
-/// Writes a line as a whole: what is left of one that could not be written is taken back, and nothing follows it.
+/// Writes a whole line or none: if it fails, truncates the file to the lines before and closes it.
 bool Trace::writeLine(const Json& line) {
     if (!open) return false;
     const std::string text = line.dump() + '\n';
@@ -190,7 +190,7 @@ Recording readTrace(const std::filesystem::path& path) {
             if (number > 1) {
                 recording.calls.push_back(readCall(json, number));
             } else if (!json.is_object() || json.value("trace", Json()) != version) {
-                throw ValueError(json, "not a trace; the first line of one begins with {\"trace\":1");
+                throw ValueError(json, "not a trace; the first line must start with {\"trace\":1");
             }
         } catch (const Json::exception& error) {
             throw errorIn(fmt::format("{}, line {}", recording.fileName, number), error);

@@ -1,7 +1,7 @@
 #pragma once
 
-// Traces: JSON Lines files of the calls of a run, written as they are made, and read to be replayed. The first line
-// tells what was traced, each other line of one call.
+// Traces: JSON Lines files with the calls of a run, written as the calls are made, and read for replays. The first line
+// describes the traced library, each further line one call.
 
 #include "simulator/Call.h"
 
@@ -13,19 +13,19 @@
 
 namespace simulator {
 
-/// A trace being written. After a failed write, of a full disk, the trace has ended; the calls go on.
+/// Writes a trace. If a write fails, such as on a full disk, the trace ends without affecting the calls.
 class Trace {
 public:
     using Time = std::chrono::steady_clock::time_point;
 
-    /// Creates the file. When there is one of this name already, it is kept, and the new one's name gets a number.
-    /// @param library      what the calls are made to
-    /// @param isSimulated  whether a simulation answers
-    /// @throws ScriptError  when the file can't be created and written to
+    /// Creates the file. If one of this name exists, the new name gets a number: "trace.2.jsonl".
+    /// @param library      the traced library
+    /// @param isSimulated  whether that library is a simulation
+    /// @throws ScriptError  if the file can't be created or written to
     Trace(std::filesystem::path file, const std::string& library, bool isSimulated);
 
-    /// Writes the line of a call that was just answered.
-    /// @param begin  when it was made
+    /// Writes a call right after its return.
+    /// @param begin  when the call was made
     void write(const Call& call, const Answer& answer, Time begin);
 
 private:
@@ -54,7 +54,8 @@ struct Recording {
     std::vector<TracedCall> calls;
 };
 
-/// @throws ScriptError  with the file, the line and what is wrong
+/// @throws ScriptError        with the file, the line and the reason
+/// @throws std::system_error  if the file can't be read
 Recording readTrace(const std::filesystem::path& path);
 
 } // namespace simulator

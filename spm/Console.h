@@ -5,34 +5,34 @@
 #include <string>
 #include <vector>
 
-// The terminal, the arguments and the signals of a console program; one source per system implements it.
+// The terminal, the arguments and the signals of a console program. Each system has its own implementation.
 
 namespace spm {
 
-/// The program's arguments without its name, in UTF-8 where the system knows their characters.
+/// The program's arguments without its name, in UTF-8 on Windows and unchanged elsewhere.
 std::vector<std::string> arguments(int argc, const char* const* argv);
 
-/// Whether a stream is shown to a person.
 bool isTerminal(std::FILE* stream);
 
-/// How many columns the terminal on standard error has; none when that can't be found out.
+/// The number of columns of the terminal on standard error; none if it is unknown.
 std::optional<std::size_t> terminalWidth();
 
-/// Has a function called, once for each signal, when the program is asked to end: by Ctrl-C, by the system, by a
-/// terminal that is closed. What was ignored stays ignored; waitForInput ends, reads and writes go on.
-void catchEnd(void (*handler)(int));
-void releaseEnd();
+/// Installs a handler for the signals that ask the program to end: Ctrl-C, termination, hang-up. The handler is called
+/// at most once per signal; a second one has its default effect. Ignored signals stay ignored. A caught signal ends
+/// waitForInput, but doesn't interrupt reads and writes.
+void catchSignals(void (*handler)(int));
+/// Restores the handlers that catchSignals replaced.
+void restoreSignals();
 
-/// Waits until standard input has something to read, or has ended, or one of the signals that catchEnd catches comes;
-/// also one that comes just before the wait. Where a signal ends the read itself, it doesn't wait.
-/// @param hasCome  whether such a signal has come
-void waitForInput(bool (*hasCome)());
+/// Waits until standard input is readable or at its end, or a caught signal arrives. Returns at once on systems where
+/// a signal ends the read itself.
+/// @param hasSignal  whether a signal has arrived; tested without a race between the test and the wait
+void waitForInput(bool (*hasSignal)());
 
-/// Makes the consoles of the standard streams show UTF-8 and escape sequences, where they do not by themselves, and
-/// writing to a pipe that nobody reads an error.
+/// Enables UTF-8 and escape sequences on the console, and turns a write to a closed pipe into an error.
 void prepareStreams();
 
-/// Whether the system's own console, without a variable that says so, shows all colours.
-bool isColourConsole();
+/// Whether standard output is a console that supports 24-bit colour without announcing it in the environment.
+bool isTrueColourConsole();
 
 } // namespace spm

@@ -32,7 +32,7 @@ std::optional<std::size_t> terminalWidth() {
     return size.ws_col;
 }
 
-void catchEnd(void (*handler)(int)) {
+void catchSignals(void (*handler)(int)) {
     for (CaughtSignal& each : caught) {
         struct sigaction action {};
         action.sa_handler = handler;
@@ -42,23 +42,23 @@ void catchEnd(void (*handler)(int)) {
     }
 }
 
-void releaseEnd() {
+void restoreSignals() {
     for (const CaughtSignal& each : caught) {
         sigaction(each.signal, &each.earlier, nullptr);
     }
 }
 
-void waitForInput(bool (*hasCome)()) {
+void waitForInput(bool (*hasSignal)()) {
     sigset_t signals;
     sigset_t earlier;
     sigemptyset(&signals);
     for (const CaughtSignal& each : caught) {
         sigaddset(&signals, each.signal);
     }
-    // A signal that comes after the look at it stays pending until ppoll lets it in, and ends that.
+    // A signal that arrives after the test stays pending until ppoll unblocks it, and interrupts ppoll.
     pthread_sigmask(SIG_BLOCK, &signals, &earlier);
     pollfd input{STDIN_FILENO, POLLIN, 0};
-    if (!hasCome()) ppoll(&input, 1, nullptr, &earlier);
+    if (!hasSignal()) ppoll(&input, 1, nullptr, &earlier);
     pthread_sigmask(SIG_SETMASK, &earlier, nullptr);
 }
 
@@ -66,7 +66,7 @@ void prepareStreams() {
     std::signal(SIGPIPE, SIG_IGN);
 }
 
-bool isColourConsole() {
+bool isTrueColourConsole() {
     return false;
 }
 

@@ -29,17 +29,17 @@ std::optional<std::size_t> terminalWidth() {
     return static_cast<std::size_t>(info.srWindow.Right - info.srWindow.Left + 1);
 }
 
-void catchEnd(void (*handler)(int)) {
+void catchSignals(void (*handler)(int)) {
     for (const int each : {SIGINT, SIGTERM, SIGBREAK}) {
         std::signal(each, handler);
     }
 }
 
-void releaseEnd() {
-    catchEnd(SIG_DFL);
+void restoreSignals() {
+    catchSignals(SIG_DFL);
 }
 
-void waitForInput(bool (* /*hasCome*/)()) {} // Ctrl-C ends a read
+void waitForInput(bool (* /*hasSignal*/)()) {} // Ctrl-C ends the read itself
 
 void prepareStreams() {
     SetConsoleOutputCP(CP_UTF8);
@@ -50,7 +50,7 @@ void prepareStreams() {
     }
 }
 
-bool isColourConsole() {
+bool isTrueColourConsole() {
     DWORD mode = 0;
     return GetConsoleMode(GetStdHandle(STD_OUTPUT_HANDLE), &mode) != 0 &&
            (mode & ENABLE_VIRTUAL_TERMINAL_PROCESSING) != 0;

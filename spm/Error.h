@@ -5,7 +5,7 @@
 
 namespace spm {
 
-/// A failure to tell the user: what happened, with what, and what to do.
+/// An error message for the user: what happened, with what, and what to do.
 class Error : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
@@ -15,22 +15,21 @@ public:
     Error(const std::string& failure, const std::string& advice)
         : std::runtime_error(failure + "; " + advice), length(failure.size()) {}
 
-    /// What happened, without the advice where that was given apart.
+    /// The message without the advice, if that was given separately.
     std::string failure() const { return std::string(what()).substr(0, length); }
 
 private:
     std::size_t length = std::string::npos;
 };
 
-/// The first line of a text of several.
-inline std::string firstLine(const std::string& text) {
-    return text.substr(0, text.find('\n'));
-}
-
-/// A command line that can't be meant.
+/// An invalid command line.
 class UsageError : public Error {
 public:
     using Error::Error;
 };
+
+inline std::string firstLine(const std::string& text) {
+    return text.substr(0, text.find('\n'));
+}
 
 } // namespace spm

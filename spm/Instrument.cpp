@@ -12,13 +12,13 @@ void ErrorListener::HandleMessage(ICAPLoggingSource* /*source*/, const ICAPLoggi
     if (!message.GetDetail().empty()) last += "; " + message.GetDetail();
 }
 
-std::string ErrorListener::take(const std::string& otherwise) {
+std::string ErrorListener::take(const std::string& fallback) {
     const std::string text = std::exchange(last, {});
-    return text.empty() ? otherwise : text;
+    return text.empty() ? fallback : text;
 }
 
 Instrument::Instrument(const Module& loaded) : module(loaded), handle(loaded.create()) {
-    if (handle == nullptr) throw Error("the module could not be started: out of memory");
+    if (handle == nullptr) throw Error("the module object could not be created: out of memory");
     handle->AddListener(&listener);
     if (module.open(handle, "USB")) return;
     const std::string reason = listener.take("");
@@ -33,7 +33,7 @@ Instrument::~Instrument() {
 }
 
 std::string Instrument::illumination() const {
-    // The values of the list's entries count from 1.
+    // The status counts the list's entries from 1; 0 is none.
     return handle->getIllumination(static_cast<std::int32_t>(module.getStatus(handle).illumination) - 1);
 }
 

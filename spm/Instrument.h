@@ -8,30 +8,32 @@
 
 namespace spm {
 
-/// Keeps the text of the last error that the module logged.
+/// Keeps the last error that the module logged: its functions return only success or failure.
 class ErrorListener : public ICAPLoggingListener {
 public:
     void HandleMessage(ICAPLoggingSource* source, const ICAPLoggingMessage& message) override;
 
-    /// The text since the last call, or this one when the module logged nothing.
-    std::string take(const std::string& otherwise);
+    /// Returns and clears the last error.
+    /// @param fallback  returned if there is none
+    std::string take(const std::string& fallback);
 
 private:
     std::string last;
 };
 
-/// An instrument, open and closed with the object. Each wait for the user calls back between two looks at the button.
+/// An open instrument. Calibrating and measuring wait for the user to press the button: they poll it, and call a
+/// function between two polls, which sleeps and may throw to abort the wait.
 class Instrument {
 public:
-    /// Which instruments can be used at all, as a text for people.
-    static constexpr const char* reach =
-        "the module reaches one instrument only, the first that the SDK library lists: how many are connected can't be "
-        "told";
+    /// A note for users with several instruments.
+    static constexpr const char* caveat =
+        "the module uses the first instrument that the SDK library lists; it can't tell how many are connected";
 
     using Wait = std::function<void()>;
     using Spectrum = std::vector<SPM_REFLECTION>;
 
-    /// @throws Error  when the instrument can't be opened
+    /// Opens the instrument; the destructor closes it.
+    /// @throws Error  if it can't be opened
     explicit Instrument(const Module& loaded);
     Instrument(const Instrument&) = delete;
     Instrument& operator=(const Instrument&) = delete;
@@ -40,30 +42,29 @@ public:
     /// The model, as the module names it.
     std::string name() const { return handle->getName(); }
 
-    /// The illumination in force, as the module names it; empty when the instrument doesn't answer.
+    /// The current illumination, as the module names it; empty if the instrument doesn't respond.
     std::string illumination() const;
 
-    /// Whether it still answers: its options in force can be read.
-    bool isAnswering() const { return module.getStatus(handle).aperture != 0; }
+    bool isResponding() const { return module.getStatus(handle).aperture != 0; }
 
-    /// Whether it is calibrated, which the instrument can tell only by a trial measurement.
+    /// Takes a trial measurement: the SDK library offers no other way to find out.
     bool isCalibrated() const { return module.isCalibrated(handle); }
 
-    /// @throws Error  when calibrating fails
+    /// @throws Error  if the calibration fails
     void calibrate(const Wait& wait);
 
-    /// Measures a row of patches (two or more) or a spot (one).
-    /// @return as many values as patches were found: at least one, at most those asked for
-    /// @throws Error  when measuring fails
+    /// Measures CIELab values of a row (two or more patches) or a spot (one patch).
+    /// @return a value for each patch found: at least one, at most the requested number
+    /// @throws Error  if the measurement fails
     std::vector<SPM_LAB> read(std::int32_t patches, const Wait& wait);
 
-    /// Measures the spectra of a row of patches (two or more) or of a spot (one).
-    /// @return as many as patches were found, like read
-    /// @throws Error  when measuring fails
+    /// Measures spectra of a row (two or more patches) or a spot (one patch).
+    /// @return a spectrum for each patch found: at least one, at most the requested number
+    /// @throws Error  if the measurement fails
     std::vector<Spectrum> readSpectra(std::int32_t patches, const Wait& wait);
 
 private:
-    /// Calls one of the module's reads until something was measured.
+    /// Calls one of the module's read functions until the button was pressed and patches were measured.
     /// @return the number of patches measured
     std::int32_t poll(const std::function<bool(std::int32_t*)>& read, std::int32_t patches, const Wait& wait);
 

@@ -16,29 +16,29 @@ Function Module::find(const char* name) const {
 
 namespace {
 
-void requireSound(const char* what, const std::filesystem::path& path) {
+void requireLoadable(const char* what, const std::filesystem::path& path) {
     const std::optional<common::LibraryFault> fault = common::findFault(path);
     if (fault) throw Error(fmt::format("can't load the {} {}", what, fault->text), fault->advice);
 }
 
 common::SharedLibrary load(const std::filesystem::path& path) try {
-    requireSound("module", path);
-    requireSound("SDK library", common::sdkOf(path));
+    requireLoadable("module", path);
+    requireLoadable("SDK library", common::sdkOf(path));
     return common::SharedLibrary(path);
 } catch (const common::LoadError& error) {
     throw Error("can't load the module " + std::string(error.what()),
-                "name another one with --module, or see what \"spm doctor\" finds");
+                "choose another one with --module, or run \"spm doctor\" for details");
 }
 
 } // namespace
 
 std::filesystem::path defaultModule() {
-    std::filesystem::path beside = common::programFolder() / common::moduleFileName;
-    if (std::filesystem::exists(beside)) return beside;
+    std::filesystem::path adjacent = common::programFolder() / common::moduleFileName;
+    if (std::filesystem::exists(adjacent)) return adjacent;
     return (common::programFolder() / SPM_INSTALLED_MODULE_FOLDER / common::moduleFileName).lexically_normal();
 }
 
-// The type is that of the function: it must be that of the member, the pointer type in SPM.h.
+// Takes the function pointer's type from the declaration in SPM.h, so that a member of another type doesn't compile.
 #define FIND(name) name(find<decltype(&SPM_##name)>("SPM_" #name))
 
 Module::Module(const std::filesystem::path& path)

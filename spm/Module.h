@@ -8,24 +8,24 @@
 
 namespace spm {
 
-/// The module beside this program, or else the one that was installed with it.
+/// The module in this program's folder or, if there is none, the one installed with the program.
 std::filesystem::path defaultModule();
 
 /// The spectrophotometer module, loaded at run time, with its sixteen functions.
 class Module {
 public:
-    /// Looks at the file and at the vendor's library before it loads them, since a damaged one can end the program.
-    /// @throws Error  when the file can't be loaded or lacks a function
+    /// Checks the headers of the module and of its SDK library first: loading a truncated file can crash the program.
+    /// @throws Error  if the module can't be loaded or lacks a function
     explicit Module(const std::filesystem::path& path);
 
-    /// The address of a function of the vendor's library that the module runs on; null for none.
+    /// The address of a function in the SDK library that the module was loaded with; null if it has none.
     void* findInSdk(const char* name) const { return library.findInSdk(name); }
 
-    /// The full version, such as "5.9.0.3", as the module's file tells it; what the module itself tells of it, when
-    /// that can't be read.
+    /// The file version from the version resource, such as "5.9.0.3"; if it can't be read, the numbers that the
+    /// module's functions return.
     std::string version() const;
 
-    /// What the vendor's library says of itself when it is a simulation; empty when it says nothing.
+    /// The SDK library's description of the simulation; empty if it isn't a simulation.
     std::string simulation() const;
 
 private:

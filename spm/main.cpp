@@ -17,22 +17,19 @@
 
 namespace {
 
-constexpr int failed = EXIT_FAILURE;
-constexpr int wrongUse = 2;
+constexpr int usageError = 2;
 
 constexpr const char* measureHelp =
-    R"(Calibrates the instrument on its white reference, then measures a chart row by row, or spots one after another. What to
-do, and what goes wrong, is told on standard error; standard output has the values alone.
-
-With an output file, each row is saved as soon as it is read. When a row fails, it can be measured again or
-skipped. Ctrl-C closes the instrument and keeps what was read.
+    R"(Calibrates the instrument on its white reference, then measures a chart row by row, or single spots. Values go to
+standard output or to a file, in which each row is saved as soon as it is measured; instructions and errors go to
+standard error. A row that fails can be repeated or skipped. Ctrl-C closes the instrument and keeps the values so far.
 
 Exit status:
-  0  all was measured
-  1  something failed; what was read before is written all the same
+  0  everything was measured
+  1  something failed; the values measured before are still written
   2  the command line is wrong
-  3  patches were not measured: rows were skipped, or the run was ended with Ctrl-C
-  4  all was measured, but a difference from the reference is out of tolerance
+  3  some patches were not measured: rows were skipped, or Ctrl-C stopped the run
+  4  everything was measured, but differences from the reference exceed the tolerance
 
 Examples:
   spm measure --chart chart.csv --patches 6
@@ -50,34 +47,34 @@ const std::map<std::string, spm::Formula> formulas{
     {"2000", spm::Formula::ciede2000}, {"94", spm::Formula::cie94}, {"76", spm::Formula::cie76}};
 
 constexpr const char* doctorHelp =
-    R"(Looks at everything that measuring needs: the module and the SDK library, the settings and the log file, the instrument
-and its calibration. Tells what is right and what is wrong, and what to do.
+    R"(Checks everything that measuring needs: the module and the SDK library, the settings and the log file, the instrument
+and its calibration. Reports the state of each, and how to fix what is wrong.
 
 Exit status:
   0  ready to measure
-  1  something is wrong
+  1  not ready
   2  the command line is wrong
 
 Examples:
   spm doctor
   spm doctor --module /opt/colour/spm_i1pro3.so)";
 
-CLI::Option* addFile(CLI::App& command, const char* name, std::filesystem::path& path, const char* text) {
-    const auto take = [&path, name](const std::string& given) {
-        if (given.empty()) throw CLI::ValidationError(name, "names no file");
-        path = std::u8string(given.begin(), given.end());
+CLI::Option* addFile(CLI::App& command, const char* name, std::filesystem::path& path, const char* description) {
+    const auto assign = [&path, name](const std::string& file) {
+        if (file.empty()) throw CLI::ValidationError(name, "the file name is empty");
+        path = std::u8string(file.begin(), file.end());
     };
-    return command.add_option_function<std::string>(name, take, text)->option_text("FILE");
+    return command.add_option_function<std::string>(name, assign, description)->option_text("FILE");
 }
 
 CLI::Option* addModule(CLI::App& command, std::filesystem::path& path) {
     path = spm::defaultModule();
     return addFile(command, "--module", path,
-                   "module to load (default: the one beside this program, or installed with it)");
+                   "module to load (default: the one in this program's folder, or installed with it)");
 }
 
 CLI::App* addDoctor(CLI::App& app, std::filesystem::path& module) {
-    CLI::App* const doctor = app.add_subcommand("doctor", "tell what is right and what is wrong with the installation");
+    CLI::App* const doctor = app.add_subcommand("doctor", "check the installation and suggest fixes");
     doctor->footer(doctorHelp);
     addModule(*doctor, module);
     return doctor;
@@ -85,12 +82,11 @@ CLI::App* addDoctor(CLI::App& app, std::filesystem::path& module) {
 
 void addConditions(CLI::App& measure, spm::Conditions& conditions) {
     const auto calculate = [&conditions](const std::string&) { conditions.isCalculated = true; };
-    measure
-        .add_option("--illuminant", conditions.illuminant, "calculate CIELab from measured spectra for this illuminant")
+    measure.add_option("--illuminant", conditions.illuminant, "calculate CIELab from spectra for this illuminant")
         ->option_text("A|D50|D65 (with --observer alone: D65)")
         ->check(CLI::IsMember(std::vector<std::string>(spm::illuminants.begin(), spm::illuminants.end())))
         ->each(calculate);
-    measure.add_option("--observer", conditions.observer, "calculate CIELab from measured spectra for this observer")
+    measure.add_option("--observer", conditions.observer, "calculate CIELab from spectra for this standard observer")
         ->option_text("2|10 (with --illuminant alone: 10)")
         ->check(CLI::IsMember({2, 10}))
         ->each(calculate);
@@ -99,18 +95,18 @@ void addConditions(CLI::App& measure, spm::Conditions& conditions) {
 void addComparison(CLI::App& measure, spm::MeasureOptions& options) {
     auto* const reference =
         addFile(measure, "--reference", options.reference,
-                "file of expected values (name, L*, a*, b*) to compare with, in a form as for --chart");
+                "file of expected values (name, L*, a*, b*) to compare with, in a format as for --chart");
     measure
         .add_option_function<std::string>(
             "--difference", [&options](const std::string& name) { options.difference = formulas.at(name); },
-            "how to calculate differences: CIEDE2000 (the default), CIE94 or CIE76")
+            "colour difference formula: CIEDE2000 (the default), CIE94 or CIE76")
         ->option_text("2000|94|76")
         ->check(CLI::IsMember(&formulas))
         ->needs(reference);
     measure
         .add_option_function<std::string>(
             "--tolerance", [&options](const std::string& text) { options.limits = spm::parseLimits(text); },
-            "largest tolerated differences: mean, median, p90, p95, max")
+            "upper limits of the differences: mean, median, p90, p95, max")
         ->option_text("mean=2,max=5,...")
         ->needs(reference);
 }
@@ -120,10 +116,10 @@ void addMeasure(CLI::App& app, spm::MeasureOptions& options) {
     measure->footer(measureHelp);
     addModule(*measure, options.module);
     auto* const rows = measure->add_option("--rows", options.rows, "rows of the chart");
-    auto* const patches = measure->add_option("--patches", options.patches, "patches in a row");
-    rows->check(CLI::Range(1, 1000))->option_text("1..1000 (default: as many as the names fill, or 4)");
+    auto* const patches = measure->add_option("--patches", options.patchesInRow, "patches in a row");
+    rows->check(CLI::Range(1, 1000))->option_text("1..1000 (default: as the number of names requires, or 4)");
     patches->check(CLI::Range(2, 1000))->option_text("2..1000 (default: 6)");
-    measure->add_option("--spots", options.spots, "measure so many spots in place of rows")
+    measure->add_option("--spots", options.spots, "measure this many spots instead of rows")
         ->option_text("1..100000")
         ->check(CLI::Range(1, 100'000))
         ->excludes(rows)
@@ -132,24 +128,24 @@ void addMeasure(CLI::App& app, spm::MeasureOptions& options) {
                                 "file that names the patches: CSV with a header line, CGATS, or JSON from spm");
     measure
         ->add_option("--names", options.names,
-                     "the patches' names, separated by commas; put names with commas in a chart file")
+                     "patch names separated by commas; for names with commas, use a chart file")
         ->option_text("NAMES")
         ->delimiter(',')
         ->excludes(chart);
-    measure->add_flag("--lab", options.lab, "measure CIELab, the module's for D65 and 10 degree (the default)");
-    measure->add_flag("--spectra", options.spectra, "measure spectra; with --lab both, in two passes");
+    measure->add_flag("--lab", options.lab, "measure CIELab for D65 and 10 degree (the default)");
+    measure->add_flag("--spectra", options.spectra, "measure reflectance spectra; with --lab both, in two passes");
     addConditions(*measure, options.conditions);
-    measure->add_flag("--xyz", options.withXyz, "write X, Y and Z beside CIELab");
+    measure->add_flag("--xyz", options.withXyz, "write X, Y and Z in addition to CIELab");
     measure
         ->add_option_function<std::string>(
             "--format", [&options](const std::string& name) { options.format = formats.at(name); },
-            "how to write the values (default: as the output file's name ends, otherwise a table)")
+            "output format (default: by the output file's extension, otherwise a table)")
         ->option_text("table|csv|json|cgats")
         ->check(CLI::IsMember(&formats));
-    addFile(*measure, "--output", options.output, "file to write the values to, in place of standard output");
-    addFile(*measure, "--report", options.report, "HTML page to make of the run");
-    measure->add_flag("--overwrite", options.overwrite, "replace output files that exist");
-    measure->add_option("--first-row", options.firstRow, "go on with this row or spot, and complete the output file")
+    addFile(*measure, "--output", options.output, "file to write the values to instead of standard output");
+    addFile(*measure, "--report", options.report, "HTML report to write");
+    measure->add_flag("--overwrite", options.overwrite, "replace existing output files");
+    measure->add_option("--first-row", options.firstRow, "continue with this row or spot, and complete the output file")
         ->option_text("1..100000")
         ->check(CLI::Range(1, 100'000));
     addComparison(*measure, options);
@@ -157,41 +153,42 @@ void addMeasure(CLI::App& app, spm::MeasureOptions& options) {
 
 int diagnose(const std::filesystem::path& module) {
     const std::vector<spm::Finding> findings = spm::examine(module);
-    spm::writeOut(spm::formatFindings(findings, spm::colourDepth(spm::isTerminal(stdout))));
-    return spm::isSound(findings) ? EXIT_SUCCESS : failed;
+    spm::writeToStdout(spm::formatFindings(findings, spm::colourDepth(spm::isTerminal(stdout))));
+    return spm::isReady(findings) ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
-/// Shows the one instrument that the module can reach.
 int list(const std::filesystem::path& file) {
     const spm::Module module(file);
     const spm::Instrument instrument(module);
     const std::string simulation = module.simulation();
-    spm::writeOut(fmt::format("{}, {}{}\n", instrument.name(), instrument.isAnswering() ? "answering" : "not answering",
-                              simulation.empty() ? "" : ", SIMULATED: " + simulation));
-    std::fprintf(stderr, "spm: %s\n", spm::Instrument::reach);
+    spm::writeToStdout(fmt::format("{}, {}{}\n", instrument.name(),
+                                   instrument.isResponding() ? "responding" : "not responding",
+                                   simulation.empty() ? "" : ", SIMULATED: " + simulation));
+    std::fprintf(stderr, "spm: %s\n", spm::Instrument::caveat);
     return EXIT_SUCCESS;
 }
 
-void addList(CLI::App& app, bool& isWanted, std::filesystem::path& module) {
-    CLI::Option* const list = app.add_flag("--list", isWanted, "show the instrument that the module can reach");
+void addList(CLI::App& app, bool& isListWanted, std::filesystem::path& module) {
+    CLI::Option* const list = app.add_flag("--list", isListWanted, "show the instrument that the module uses");
     addModule(app, module)->needs(list);
     for (CLI::App* const command : app.get_subcommands({})) {
         command->excludes(list);
     }
 }
 
+/// The error for the first word that is neither a command nor an option, with the name that was probably meant.
 spm::UsageError unknownName(const CLI::App& app) {
-    const std::string given = app.remaining(true).front();
+    const std::string word = app.remaining(true).front();
     const bool hasCommand = !app.get_subcommands().empty();
     std::vector<std::string> known;
     for (const CLI::Option* const option : (hasCommand ? *app.get_subcommands().front() : app).get_options()) {
         known.push_back(option->get_name());
     }
     if (!hasCommand) known.insert(known.end(), {"doctor", "measure"});
-    const char* const kind = given.starts_with('-') ? "option" : hasCommand ? "argument" : "command";
-    const auto meant = common::nearestName(given.substr(0, given.find('=')), known);
-    return {fmt::format("unknown {} \"{}\"", kind, given),
-            meant ? fmt::format("did you mean \"{}\"?", *meant) : "--help lists what there is"};
+    const char* const kind = word.starts_with('-') ? "option" : hasCommand ? "argument" : "command";
+    const auto nearest = common::nearestName(word.substr(0, word.find('=')), known);
+    return {fmt::format("unknown {} \"{}\"", kind, word),
+            nearest ? fmt::format("did you mean \"{}\"?", *nearest) : "see --help"};
 }
 
 int run(std::vector<std::string> arguments) {
@@ -205,22 +202,22 @@ int run(std::vector<std::string> arguments) {
     bool isListWanted = false;
     addList(app, isListWanted, module);
     try {
-        std::reverse(arguments.begin(), arguments.end()); // as the parser wants them
+        std::reverse(arguments.begin(), arguments.end()); // as CLI11 expects them
         app.parse(arguments);
         if (!isListWanted && app.get_subcommands().empty()) throw CLI::RequiredError::Subcommand(1);
     } catch (const CLI::ExtrasError&) {
         throw unknownName(app);
     } catch (const CLI::ParseError& error) {
         const bool isHelp = app.exit(error) == 0;
-        if (!std::cout.flush()) return failed;
-        return isHelp ? EXIT_SUCCESS : wrongUse;
+        if (!std::cout.flush()) return EXIT_FAILURE;
+        return isHelp ? EXIT_SUCCESS : usageError;
     }
     if (isListWanted) return list(module);
     if (doctor->parsed()) return diagnose(module);
     return static_cast<int>(spm::measure(options));
 }
 
-int tell(const std::exception& error, int status) {
+int report(const std::exception& error, int status) {
     std::fprintf(stderr, "spm: %s\n", error.what());
     return status;
 }
@@ -232,8 +229,8 @@ int main(int argc, char** argv) {
         spm::prepareStreams();
         return run(spm::arguments(argc, argv));
     } catch (const spm::UsageError& error) {
-        return tell(error, wrongUse);
+        return report(error, usageError);
     } catch (const std::exception& error) {
-        return tell(error, failed);
+        return report(error, EXIT_FAILURE);
     }
 }

@@ -13,15 +13,16 @@ namespace {
 
 using Spectrum = std::span<const SPM_REFLECTION>;
 
-/// CIELab's function of X, Y or Z relative to white is linear below the cube of this.
+/// Below the cube of this, labFunction is linear.
 constexpr double linearLimit = 24.0 / 116.0;
 
-double lightness(double ratio) {
+/// The function f in the CIELab formulae, of X, Y or Z relative to white.
+double labFunction(double ratio) {
     if (ratio > linearLimit * linearLimit * linearLimit) return std::cbrt(ratio);
     return 841.0 / 108.0 * ratio + 16.0 / 116.0;
 }
 
-double inverseLightness(double value) {
+double inverseLabFunction(double value) {
     return value > linearLimit ? value * value * value : (value - 16.0 / 116.0) * 108.0 / 841.0;
 }
 
@@ -29,7 +30,7 @@ void requireWavelengths(Spectrum spectrum) {
     int expected = 370;
     const auto isExpected = [&](const SPM_REFLECTION& point) { return point.wavelength == (expected += 10); };
     if (!spectrum.empty() && std::ranges::all_of(spectrum, isExpected)) return;
-    throw Error("CIELab values can't be calculated: the spectrum is not from 380 nm on in steps of 10 nm",
+    throw Error("can't calculate CIELab values: the spectrum doesn't start at 380 nm with steps of 10 nm",
                 "measure without --illuminant and --observer");
 }
 
@@ -42,13 +43,13 @@ double reflectanceAt(Spectrum spectrum, std::ptrdiff_t step) {
             spectrum[static_cast<std::size_t>(std::clamp<std::ptrdiff_t>(place, 0, last))].value);
     };
     if (step % 2 == 0 || i >= last) return at(i);
-    // Sprague's polynomial midway between two points.
+    // Sprague's interpolation formula, evaluated midway between two points.
     return (150 * (at(i) + at(i + 1)) - 25 * (at(i - 1) + at(i + 2)) + 3 * (at(i - 2) + at(i + 3))) / 256;
 }
 
 /// Tristimulus values; the Y of the perfect diffuser is 100.
 template <class Reflectance>
-Xyz sum(const Conditions& conditions, const Reflectance& percentAt) {
+Xyz tristimulus(const Conditions& conditions, const Reflectance& percentAt) {
     const auto illuminant =
         static_cast<std::size_t>(std::ranges::find(illuminants, conditions.illuminant) - illuminants.begin());
     const std::size_t observer = conditions.observer == 2 ? 0 : 1;
@@ -79,22 +80,22 @@ std::string colorimetryOf(const Conditions& conditions) {
 }
 
 Xyz whitePoint(const Conditions& conditions) {
-    return sum(conditions, [](std::ptrdiff_t) { return 100.0; });
+    return tristimulus(conditions, [](std::ptrdiff_t) { return 100.0; });
 }
 
 Xyz toXyz(const SPM_LAB& lab, const Xyz& white) {
     const double fy = (static_cast<double>(lab.L) + 16) / 116;
-    return {white[0] * inverseLightness(fy + static_cast<double>(lab.a) / 500), white[1] * inverseLightness(fy),
-            white[2] * inverseLightness(fy - static_cast<double>(lab.b) / 200)};
+    return {white[0] * inverseLabFunction(fy + static_cast<double>(lab.a) / 500), white[1] * inverseLabFunction(fy),
+            white[2] * inverseLabFunction(fy - static_cast<double>(lab.b) / 200)};
 }
 
 SPM_LAB toLab(std::span<const SPM_REFLECTION> spectrum, const Conditions& conditions) {
     requireWavelengths(spectrum);
     const Xyz white = whitePoint(conditions);
-    const Xyz xyz = sum(conditions, [&](std::ptrdiff_t step) { return reflectanceAt(spectrum, step); });
-    const double x = lightness(xyz[0] / white[0]);
-    const double y = lightness(xyz[1] / white[1]);
-    const double z = lightness(xyz[2] / white[2]);
+    const Xyz xyz = tristimulus(conditions, [&](std::ptrdiff_t step) { return reflectanceAt(spectrum, step); });
+    const double x = labFunction(xyz[0] / white[0]);
+    const double y = labFunction(xyz[1] / white[1]);
+    const double z = labFunction(xyz[2] / white[2]);
     return {static_cast<float>(116 * y - 16), static_cast<float>(500 * (x - y)), static_cast<float>(200 * (y - z))};
 }
 

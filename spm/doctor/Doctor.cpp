@@ -1,5 +1,5 @@
-// The examination of an installation. Each part is looked at by itself where that is possible, so that one fault does
-// not hide another: settings and log file also when the module can't be loaded, the vendor's library then alone.
+// Checks an installation part by part, so that one fault doesn't hide another: if the module can't be loaded, the SDK
+// library is checked on its own, and so are the settings and the log file.
 
 #include "spm/doctor/Doctor.h"
 
@@ -23,22 +23,22 @@ namespace fs = std::filesystem;
 
 using Findings = std::vector<Finding>;
 
-constexpr const char* reinstallingAdvice = "install the module's file again";
+constexpr const char* reinstallAdvice = "install the module's file again";
 
-bool doesExist(const fs::path& file) {
+bool isPresent(const fs::path& file) {
     std::error_code ignored;
-    return fs::status(file, ignored).type() != fs::file_type::not_found; // also where this user may not look
+    return fs::status(file, ignored).type() != fs::file_type::not_found; // also true for a file this user may not see
 }
 
-// The vendor's library
+// The SDK library
 
 Finding wrongSdk(const fs::path& file, const std::string& text) {
     return {Verdict::wrong, "SDK library", text,
-            fmt::format("put the vendor's {} into {}, or the simulated one to try things out", common::sdkFileName,
+            fmt::format("put the vendor's {} into {}, or the simulated one for a trial", common::sdkFileName,
                         file.parent_path().string())};
 }
 
-/// Looks for the functions that the module needs. Not everywhere does a missing one keep the module from being loaded.
+/// Finds functions that the module needs but the library lacks: on some systems, the module can still be loaded.
 template <class Find>
 std::optional<Finding> findMissingFunction(const fs::path& file, const Find& find) {
     const auto missing =
@@ -47,9 +47,9 @@ std::optional<Finding> findMissingFunction(const fs::path& file, const Find& fin
     return wrongSdk(file, fmt::format("{} has no {}", file.string(), *missing));
 }
 
-/// Looks at the vendor's library alone, for why the module could not be loaded with it.
+/// Checks the SDK library of a module that could not be loaded.
 Finding examineSdkFile(const fs::path& file) {
-    if (!doesExist(file)) return wrongSdk(file, fmt::format("{} is missing", file.string()));
+    if (!isPresent(file)) return wrongSdk(file, fmt::format("{} is missing", file.string()));
     if (const auto fault = common::findFault(file)) {
         return {Verdict::wrong, "SDK library", fmt::format("can't load {}", fault->text), fault->advice};
     }
@@ -62,7 +62,9 @@ Finding examineSdkFile(const fs::path& file) {
     }
 }
 
-Finding examineSdk(const Module& module, const fs::path& beside) {
+/// Checks the SDK library of a loaded module.
+/// @param expected  the file in the module's folder
+Finding examineSdk(const Module& module, const fs::path& expected) {
     const fs::path file = common::fileOf(module.findInSdk(sdkFunctions.front()));
     if (auto missing = findMissingFunction(file, [&](const char* name) { return module.findInSdk(name); })) {
         return *missing;
@@ -71,48 +73,49 @@ Finding examineSdk(const Module& module, const fs::path& beside) {
     const std::string simulation = module.simulation();
     if (!simulation.empty()) {
         finding = {Verdict::note, "SDK library", fmt::format("{}\nSIMULATED: {}", file.string(), simulation),
-                   "to measure with an instrument, put the vendor's library in its place"};
+                   "to use a real instrument, replace it with the vendor's library"};
     }
     std::error_code ignored;
-    if (doesExist(beside) && !fs::equivalent(file, beside, ignored)) {
+    if (isPresent(expected) && !fs::equivalent(file, expected, ignored)) {
         finding.verdict = Verdict::note;
-        finding.text += fmt::format("\nLD_LIBRARY_PATH brings it in place of {}", beside.string());
-        finding.advice = "unset LD_LIBRARY_PATH to measure with the one beside the module";
+        finding.text += fmt::format("\nloaded because of LD_LIBRARY_PATH, instead of {}", expected.string());
+        finding.advice = "unset LD_LIBRARY_PATH to use the one in the module's folder";
     }
     return finding;
 }
 
 // The module
 
-constexpr const char* movingAdvice = "move the module to a folder with a short path of ASCII letters";
+constexpr const char* moveAdvice = "move the module to a folder with a short path of ASCII letters";
 
-/// Whether the module can't find its own file, for it asks the system in single-byte texts of at most 259 characters.
-bool isNameless(const Module& module, const std::string& file) {
+/// Whether the module can't find its own file: it gets the path as a single-byte string of at most 259 characters.
+bool hasUnusablePath(const Module& module, const std::string& file) {
     const auto isAscii = [](char c) { return static_cast<unsigned char>(c) < 0x80; };
     return module.getVersion(nullptr) == 0 && (file.size() >= 260 || !std::all_of(file.begin(), file.end(), isAscii));
 }
 
 Finding describeModule(const Module& module) {
     const std::string file = common::fileOf(reinterpret_cast<const void*>(module.create)).string();
-    if (isNameless(module, file)) {
+    if (hasUnusablePath(module, file)) {
         return {
             Verdict::note, "Module",
             fmt::format("{}\nno version and no log file: the path is too long, or has characters outside the system's "
                         "code page",
                         file),
-            movingAdvice};
+            moveAdvice};
     }
     if (module.getVersion(nullptr) == 0) {
-        return {Verdict::note, "Module", fmt::format("{}\nits version can't be read", file), reinstallingAdvice};
+        return {Verdict::note, "Module", fmt::format("{}\nits version can't be read", file), reinstallAdvice};
     }
     return {Verdict::good, "Module", fmt::format("{}\nversion {}", file, module.version()), ""};
 }
 
-/// Loads the module. @return null when that is not possible, or no use
+/// Loads the module.
+/// @return null if it can't be loaded, or is unusable without the right SDK library
 std::unique_ptr<Module> examineModule(const fs::path& file, Findings& findings) {
-    if (!doesExist(file)) {
+    if (!isPresent(file)) {
         findings.push_back({Verdict::wrong, "Module", fmt::format("{} is missing", file.string()),
-                            "put it there, or name another one with --module"});
+                            "put it there, or choose another one with --module"});
         return nullptr;
     }
     try {
@@ -124,7 +127,7 @@ std::unique_ptr<Module> examineModule(const fs::path& file, Findings& findings) 
     } catch (const Error& error) {
         const Finding sdk = examineSdkFile(common::sdkOf(file));
         const auto fault = common::findFault(file);
-        const std::string otherwise = sdk.verdict == Verdict::good ? reinstallingAdvice : "fix the SDK library first";
+        const std::string otherwise = sdk.verdict == Verdict::good ? reinstallAdvice : "fix the SDK library first";
         findings.push_back({Verdict::wrong, "Module", error.failure(), fault ? fault->advice : otherwise});
         findings.push_back(sdk);
         return nullptr;
@@ -133,57 +136,57 @@ std::unique_ptr<Module> examineModule(const fs::path& file, Findings& findings) 
 
 // The log file
 
-/// Whether a line could be appended to a regular file, or one be made. It is left as it was.
+/// Whether a line could be appended to the file, or the file be created. Leaves everything as it was.
 bool isWritable(const fs::path& file) {
     std::error_code ignored;
-    const bool isNew = !doesExist(file);
+    const bool isNew = !isPresent(file);
     if (!isNew && !fs::is_regular_file(file, ignored)) return false;
     const bool isOpen = std::ofstream(file, std::ios::app).is_open();
     if (isOpen && isNew) fs::remove(file, ignored);
     return isOpen;
 }
 
-Finding examineLogFile(fs::path module, bool isNameless) {
+Finding examineLogFile(fs::path module, bool isPathUnusable) {
     const std::string file = module.replace_extension(".log").string();
-    const bool isWanted = isLoggingOn();
-    if (isNameless || !isWritable(file)) {
-        return {isWanted ? Verdict::wrong : Verdict::note, "Log file", fmt::format("{} can't be written", file),
-                isNameless ? movingAdvice : "give this user the right to write to it and to its folder"};
+    const bool isEnabled = isLoggingEnabled();
+    if (isPathUnusable || !isWritable(file)) {
+        return {isEnabled ? Verdict::wrong : Verdict::note, "Log file", fmt::format("{} can't be written", file),
+                isPathUnusable ? moveAdvice : "give this user write permission for it and its folder"};
     }
-    return {Verdict::good, "Log file", fmt::format("{}, {}", file, isWanted ? "written" : "not asked for"), ""};
+    return {Verdict::good, "Log file", fmt::format("{}, logging is {}", file, isEnabled ? "on" : "off"), ""};
 }
 
 // The instrument
 
-std::string afterFailure(const Module& module) {
+std::string instrumentAdvice(const Module& module) {
     return module.simulation().empty()
-               ? "connect one by USB, end other programs that use it, and try again"
-               : "it is simulated: look at the script that the environment variable I1PRO3_SIMULATOR names";
+               ? "connect one by USB, close other programs that use it, and try again"
+               : "it is simulated: check the script that the environment variable I1PRO3_SIMULATOR names";
 }
 
 Finding examineCalibration(const Instrument& instrument, const Module& module) {
     const bool isCalibrated = instrument.isCalibrated();
-    if (!instrument.isAnswering()) {
-        return {Verdict::wrong, "Calibration", "the connection to the instrument was lost", afterFailure(module)};
+    if (!instrument.isResponding()) {
+        return {Verdict::wrong, "Calibration", "the connection to the instrument was lost", instrumentAdvice(module)};
     }
     if (isCalibrated) return {Verdict::good, "Calibration", "done", ""};
     return {Verdict::note, "Calibration", "not done",
-            "have the white reference at hand: \"spm measure\" begins with it"};
+            "have the white reference ready: \"spm measure\" starts with the calibration"};
 }
 
 void examineInstrument(const Module& module, Findings& findings) {
     try {
         const Instrument instrument(module);
-        findings.push_back({Verdict::good, "Instrument", fmt::format("found and opened\n{}", Instrument::reach), ""});
+        findings.push_back({Verdict::good, "Instrument", fmt::format("found and opened\n{}", Instrument::caveat), ""});
         findings.push_back(examineCalibration(instrument, module));
     } catch (const Error& error) {
-        findings.push_back({Verdict::wrong, "Instrument", error.failure(), afterFailure(module)});
+        findings.push_back({Verdict::wrong, "Instrument", error.failure(), instrumentAdvice(module)});
     }
 }
 
 // Presentation
 
-/// A text of several lines, the later ones indented like the first.
+/// Indents all lines of a text but the first.
 std::string indented(std::string text, std::size_t columns) {
     while (text.ends_with('\n')) {
         text.pop_back();
@@ -228,16 +231,16 @@ std::vector<Finding> examine(const fs::path& module) {
     const Findings settings = examineSettings();
     const std::unique_ptr<Module> loaded = examineModule(module, findings);
     findings.insert(findings.end(), settings.begin(), settings.end());
-    findings.push_back(examineLogFile(module, loaded != nullptr && isNameless(*loaded, fs::absolute(module).string())));
+    findings.push_back(examineLogFile(module, loaded && hasUnusablePath(*loaded, fs::absolute(module).string())));
     if (loaded != nullptr) {
         examineInstrument(*loaded, findings);
     } else {
-        findings.push_back({Verdict::note, "Instrument", "not looked for", "fix the module and the SDK library first"});
+        findings.push_back({Verdict::note, "Instrument", "not checked", "fix the module and the SDK library first"});
     }
     return findings;
 }
 
-bool isSound(std::span<const Finding> findings) {
+bool isReady(std::span<const Finding> findings) {
     return std::none_of(findings.begin(), findings.end(),
                         [](const Finding& finding) { return finding.verdict == Verdict::wrong; });
 }
@@ -247,7 +250,7 @@ std::string formatFindings(std::span<const Finding> findings, ColourDepth depth)
     for (const Finding& finding : findings) {
         text += formatFinding(finding, depth);
     }
-    return text + (isSound(findings) ? "\nReady to measure.\n" : "\nNot ready: fix what is marked WRONG.\n");
+    return text + (isReady(findings) ? "\nReady to measure.\n" : "\nNot ready: fix the parts marked WRONG.\n");
 }
 
 } // namespace spm

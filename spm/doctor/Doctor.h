@@ -10,13 +10,14 @@
 
 namespace spm {
 
-/// Looks at everything that measuring needs, from the module's file to the calibration of the instrument. Changes
-/// nothing that the module does not change when a host uses it.
+/// Checks everything that measuring needs, from the module's file to the calibration of the instrument. Has no side
+/// effects except those of the module itself: it may create its registry keys.
 std::vector<Finding> examine(const std::filesystem::path& module);
 
-bool isSound(std::span<const Finding> findings);
+/// Whether no finding is wrong.
+bool isReady(std::span<const Finding> findings);
 
-/// The findings for people, a paragraph each, and a last line that sums up.
+/// A paragraph for each finding, and a last line with the result.
 std::string formatFindings(std::span<const Finding> findings, ColourDepth depth);
 
 } // namespace spm

@@ -4,15 +4,17 @@
 
 namespace spm {
 
-/// What a finding means: all is well, or worth to know, or measuring (or a log that was asked for) fails.
+/// A note is about something that works, but perhaps not as the user expects. What is wrong keeps the module from
+/// measuring, or from writing a log that the settings enable.
 enum class Verdict { good, note, wrong };
 
-/// What was found out about a part of the installation.
+/// The state of a part of the installation.
 struct Finding {
     Verdict verdict;
+    /// The part: "SDK library".
     std::string subject;
     std::string text;
-    /// What to do; empty when there is nothing to do.
+    /// What to do; may be empty.
     std::string advice;
 };
 

@@ -4,7 +4,7 @@
 
 namespace spm {
 
-/// The names of the functions that the module needs of the vendor's library.
+/// The names of the functions that the module needs from the SDK library.
 extern const std::span<const char* const> sdkFunctions;
 
 } // namespace spm

@@ -10,15 +10,15 @@ namespace spm {
 
 namespace {
 
-/// The model whose settings are looked at: what the module's getName answers.
+/// The module's getName, which is also the name of the key with the instrument's settings.
 constexpr const char* model = "xrite i1 Pro3";
 
-/// What is wrong with a settings file that the module can't read, by how it begins.
-const char* formOf(const std::string& text) {
+/// Why the module can't read a settings file with this content.
+const char* findDefect(const std::string& text) {
     if (text.empty()) return "can't be read";
-    if (text.starts_with("\xFF\xFE")) return "is UTF-16 text, as a newer regedit writes it";
-    if (text.starts_with("Windows Registry Editor")) return "has the form of a newer regedit";
-    return "does not begin with the line REGEDIT4";
+    if (text.starts_with("\xFF\xFE")) return "is UTF-16 text, written by a newer version of regedit";
+    if (text.starts_with("Windows Registry Editor")) return "has the format of a newer version of regedit";
+    return "does not start with the line REGEDIT4";
 }
 
 Finding describeAccess() {
@@ -28,46 +28,47 @@ Finding describeAccess() {
         return {Verdict::good, "Settings", place, ""};
     case SPMRegistry::Access::denied:
         return {Verdict::note, "Settings",
-                fmt::format("the defaults hold, because {} can't be opened for reading and writing", place),
-                fmt::format("to have settings, {}", settingsRightAdvice)};
+                fmt::format("the defaults apply, because {} can't be opened for reading and writing", place),
+                fmt::format("to use settings, {}", settingsAccessAdvice)};
     default:
         return {Verdict::wrong, "Settings",
-                fmt::format("the defaults hold, because {} {}", place, formOf(settingsText())),
+                fmt::format("the defaults apply, because {} {}", place, findDefect(settingsText())),
                 "export it as \"Win9x/NT4 Registration Files (REGEDIT4)\", or save it as single-byte text whose first "
                 "line is REGEDIT4"};
     }
 }
 
-/// A value that can be set in a key.
 struct Setting {
     const char* name;
     const char* type;
-    const char* byDefault;
+    const char* defaultValue;
+    /// A value as written in the settings file.
     const char* example;
     std::string keyPath;
 };
 
+/// A value that is stored, but that the module doesn't find.
 Finding describeIgnored(const Setting& setting) {
-    const auto& [name, type, byDefault, example, keyPath] = setting;
+    const auto& [name, type, defaultValue, example, keyPath] = setting;
     std::string advice = fmt::format("write it as \"{}\"={}", name, example);
-    if (SPMRegistry::access() == SPMRegistry::Access::denied) advice = settingsRightAdvice;
+    if (SPMRegistry::access() == SPMRegistry::Access::denied) advice = settingsAccessAdvice;
     if (SPMRegistry::access() == SPMRegistry::Access::failed) advice = "fix the settings file first";
-    return {Verdict::wrong, name, fmt::format("{} by default: what is set in {} is ignored", byDefault, keyPath),
+    return {Verdict::wrong, name, fmt::format("{} by default: the value in {} is ignored", defaultValue, keyPath),
             advice};
 }
 
 template <class Value>
 Finding describe(const Setting& setting, const SPMRegistry& key, const std::optional<Value>& value,
                  const std::vector<std::string>& stored) {
-    const auto& [name, type, byDefault, example, keyPath] = setting;
+    const auto& [name, type, defaultValue, example, keyPath] = setting;
     if (value) return {Verdict::good, name, fmt::format("{}, from {}", *value, keyPath), ""};
     if (key.hasValue(name)) {
         return {Verdict::wrong, name,
-                fmt::format("{} by default, because what is set in {} is not a {}", byDefault, keyPath, type),
+                fmt::format("{} by default: the value in {} is not a {}", defaultValue, keyPath, type),
                 fmt::format("set it as a {}, or remove it", type)};
     }
     if (common::nearestName(keyPath + '\\' + name, stored, 0)) return describeIgnored(setting);
-    return {Verdict::good, name, fmt::format("{} by default, not set in {}", byDefault, keyPath), ""};
+    return {Verdict::good, name, fmt::format("{} by default, not set in {}", defaultValue, keyPath), ""};
 }
 
 Finding describeNumber(const char* name, const std::vector<std::string>& stored) {
@@ -81,8 +82,8 @@ Finding describeDevice(const std::vector<std::string>& stored) {
                     key.findString(SPMRegistry::device), stored);
 }
 
-/// Looks for values that may be meant for the module, though it does not read them: those in the module's keys, and
-/// those in keys of other paths that have names like its own.
+/// Finds stored values that the module doesn't read but that are probably meant for it: unknown names in its keys, and
+/// names similar to its settings in other keys.
 void findMisplaced(const std::vector<std::string>& stored, std::vector<Finding>& findings) {
     const std::vector<std::string> names{SPMRegistry::logging, SPMRegistry::details, SPMRegistry::device};
     const std::vector<std::string> keys{SPMRegistry::path(), SPMRegistry::path(model)};
@@ -90,12 +91,12 @@ void findMisplaced(const std::vector<std::string>& stored, std::vector<Finding>&
                                          keys[1] + '\\' + names[2]};
     for (const std::string& path : stored) {
         const std::size_t end = path.rfind('\\');
-        const bool isMeant =
+        const bool isSimilar =
             common::nearestName(path.substr(0, end), keys, 0) || common::nearestName(path.substr(end + 1), names);
-        if (!isMeant || common::nearestName(path, known, 0)) continue;
-        findings.push_back({Verdict::note, "Unknown", fmt::format("{} is set, but not read", path),
-                            fmt::format("the nearest value that is read is {}",
-                                        *common::nearestName(path, known, std::string::npos))});
+        if (!isSimilar || common::nearestName(path, known, 0)) continue;
+        findings.push_back(
+            {Verdict::note, "Unknown", fmt::format("{} is set, but the module does not read it", path),
+             fmt::format("the most similar setting is {}", *common::nearestName(path, known, std::string::npos))});
     }
 }
 
@@ -109,7 +110,7 @@ std::vector<Finding> examineSettings() {
     return findings;
 }
 
-bool isLoggingOn() {
+bool isLoggingEnabled() {
     return SPMRegistry().readNumber(SPMRegistry::logging, 0) != 0;
 }
 

@@ -6,10 +6,11 @@
 
 namespace spm {
 
-/// Looks at the module's settings as the module reads them: at the place where they are stored, then at each.
+/// Checks whether the module can read its settings, and the value of each; also finds stored values that the module
+/// ignores.
 std::vector<Finding> examineSettings();
 
-/// Whether the settings ask for a log file.
-bool isLoggingOn();
+/// Whether the settings enable the log file.
+bool isLoggingEnabled();
 
 } // namespace spm

@@ -3,18 +3,18 @@
 #include <string>
 #include <vector>
 
-// The settings as they are stored, whether the module reads them or not; one source per system implements it.
+// The settings as stored, including values that the module doesn't read. Each system has its own implementation.
 
 namespace spm {
 
-/// The full paths of all values in the settings file, keys and names; on Windows, of those in the keys that settings
-/// may have been put into.
+/// The full paths (key and name) of all values in the settings file; on Windows, of the values in all registry keys
+/// that settings might have been stored in.
 std::vector<std::string> storedValues();
 
-/// The settings file's text; empty when there is none, or it can't be read.
+/// The content of the settings file; empty if it can't be read, and always on Windows.
 std::string settingsText();
 
-/// How a user gets the right to write to the place of the settings, without which none is read.
-extern const char* const settingsRightAdvice;
+/// How to get write permission for the settings: without it the module reads none.
+extern const char* const settingsAccessAdvice;
 
 } // namespace spm

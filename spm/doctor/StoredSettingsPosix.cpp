@@ -7,13 +7,13 @@
 
 namespace spm {
 
-const char* const settingsRightAdvice =
-    "give this user the right to read and write the file and, where it is missing, its folder; or set SPM_REGISTRY to "
-    "another file";
+const char* const settingsAccessAdvice =
+    "give this user permission to read and write the file or, if it does not exist, to create it; or set SPM_REGISTRY "
+    "to another file";
 
 std::string settingsText() try {
     const std::string file = SPMRegistry::place();
-    return std::filesystem::is_regular_file(file) ? common::readFile(file) : ""; // a pipe would never end
+    return std::filesystem::is_regular_file(file) ? common::readFile(file) : ""; // reading a pipe might never end
 } catch (const std::system_error&) {
     return "";
 }

@@ -6,14 +6,14 @@
 
 namespace spm {
 
-const char* const settingsRightAdvice = "run the program that measures as administrator";
+const char* const settingsAccessAdvice = "run the measuring program as administrator";
 
 namespace {
 
 void addValues(HKEY root, const std::string& rootName, const std::string& path, std::vector<std::string>& values) {
     HKEY key = nullptr;
     if (RegOpenKeyExA(root, path.c_str(), 0, KEY_READ, &key) != ERROR_SUCCESS) return;
-    std::array<char, 16'384> name{}; // the system's limit
+    std::array<char, 16'384> name{}; // Windows' limit
     auto length = static_cast<DWORD>(name.size());
     for (DWORD i = 0; RegEnumValueA(key, i, name.data(), &length, nullptr, nullptr, nullptr, nullptr) == ERROR_SUCCESS;
          ++i) {
@@ -29,7 +29,7 @@ std::string settingsText() {
     return "";
 }
 
-/// Of the keys, also those of 32-bit programs and of the user, and the maker's alone.
+/// Looks in the module's keys and their parent, both for the machine and the user, and in the keys of 32-bit programs.
 std::vector<std::string> storedValues() {
     std::vector<std::string> values;
     for (const std::string software : {"SOFTWARE\\", "SOFTWARE\\WOW6432Node\\"}) {

@@ -11,12 +11,12 @@ namespace spm {
 
 namespace {
 
-/// The columns of values that a reading has, and so its table.
+/// The columns of a table. CGATS has no missing values, so readings with different columns are in different tables.
 struct Columns {
     bool lab = false;
     bool xyz = false;
     std::vector<std::int32_t> wavelengths{};
-    /// The title of the differences; empty when there are none.
+    /// The title of the column of differences; empty if there is none.
     std::string difference{};
 
     bool operator==(const Columns&) const = default;
@@ -25,7 +25,7 @@ struct Columns {
     }
 };
 
-/// The standard's name for a column of differences.
+/// The title of a column of differences in CGATS.17.
 const char* titleOf(Formula formula) {
     return formula == Formula::ciede2000 ? "LAB_DE_2000" : formula == Formula::cie94 ? "LAB_DE_94" : "LAB_DE";
 }
@@ -41,7 +41,7 @@ Columns columnsOf(const Run& run, const Reading& reading) {
     return columns;
 }
 
-/// The columns of each table: the widest first, since there are programs that read the first alone.
+/// The tables' columns, with the widest table first: some programs read only the first table.
 std::vector<Columns> tablesOf(const Run& run) {
     std::vector<Columns> tables;
     for (const Reading& reading : run.readings) {
@@ -54,8 +54,8 @@ std::vector<Columns> tablesOf(const Run& run) {
     return tables;
 }
 
-/// A text as it may be in quotes or in a comment.
-std::string plain(std::string text) {
+/// Replaces characters that quoted strings and comments can't contain: CGATS has no escapes.
+std::string sanitize(std::string text) {
     for (char& character : text) {
         const auto code = static_cast<unsigned char>(character);
         if (character == '"') character = '\'';
@@ -65,15 +65,15 @@ std::string plain(std::string text) {
 }
 
 std::string quoted(const std::string& text) {
-    return '"' + (text.empty() ? "-" : plain(text)) + '"'; // some readers take an empty text for the one before it
+    return '"' + (text.empty() ? "-" : sanitize(text)) + '"'; // some readers repeat the previous value for ""
 }
 
 std::string line(std::string_view keyword, const std::string& text) {
     return fmt::format("{}\t{}\n", keyword, quoted(text));
 }
 
-/// A keyword that is not the standard's must be declared.
-std::string ownLine(const std::string& keyword, std::string_view text) {
+/// Declares a keyword that is not in the standard, and sets it.
+std::string customLine(const std::string& keyword, std::string_view text) {
     return line("KEYWORD", keyword) + line(keyword, std::string(text));
 }
 
@@ -84,11 +84,11 @@ std::string descriptor(const Run& run, std::size_t patches) {
     return text;
 }
 
-/// A reader skips comments, so that no patch is taken for one with values.
-std::string comments(const Run& run) {
+/// The missing patches as comments, which readers skip.
+std::string gapComments(const Run& run) {
     std::string text;
     for (const Gap& gap : gaps(run)) {
-        text += fmt::format("# {}\n", plain(describe(gap)));
+        text += fmt::format("# {}\n", sanitize(describe(gap)));
     }
     return text;
 }
@@ -102,21 +102,21 @@ std::string labLines(const Conditions& conditions) {
     return line("WEIGHTING_FUNCTION", fmt::format("ILLUMINANT, {}", conditions.illuminant)) +
            line("WEIGHTING_FUNCTION", fmt::format("OBSERVER, {}", observerOf(conditions))) +
            line("COMPUTATIONAL_PARAMETER", fmt::format("COLORIMETRY, {}", colorimetryOf(conditions))) +
-           ownLine("ILLUMINATION_NAME", conditions.illuminant) +
-           ownLine("OBSERVER_ANGLE", std::to_string(conditions.observer));
+           customLine("ILLUMINATION_NAME", conditions.illuminant) +
+           customLine("OBSERVER_ANGLE", std::to_string(conditions.observer));
 }
 
-/// The range of the wavelengths is given when their steps are equal, since that is what readers conclude from it.
+/// Gives the wavelength range only if the steps are equal, as readers assume.
 std::string spectralLines(const std::vector<std::int32_t>& wavelengths) {
     std::set<std::int32_t> steps;
     for (std::size_t i = 1; i < wavelengths.size(); ++i) {
         steps.insert(wavelengths[i] - wavelengths[i - 1]);
     }
-    std::string text = ownLine("SPECTRAL_NORM", "1.0");
+    std::string text = customLine("SPECTRAL_NORM", "1.0");
     if (steps.size() != 1) return text;
-    return text + ownLine("SPECTRAL_BANDS", std::to_string(wavelengths.size())) +
-           ownLine("SPECTRAL_START_NM", std::to_string(wavelengths.front())) +
-           ownLine("SPECTRAL_END_NM", std::to_string(wavelengths.back()));
+    return text + customLine("SPECTRAL_BANDS", std::to_string(wavelengths.size())) +
+           customLine("SPECTRAL_START_NM", std::to_string(wavelengths.front())) +
+           customLine("SPECTRAL_END_NM", std::to_string(wavelengths.back()));
 }
 
 std::string header(const Run& run, const Columns& columns, std::size_t patches) {
@@ -130,8 +130,8 @@ std::string header(const Run& run, const Columns& columns, std::size_t patches) 
     if (columns.lab) text += labLines(run.conditions);
     if (!columns.wavelengths.empty()) text += spectralLines(columns.wavelengths);
     if (!columns.difference.empty())
-        text += fmt::format("# {}: difference from {}\n", columns.difference, plain(run.reference->file.string()));
-    return text + comments(run);
+        text += fmt::format("# {}: difference from {}\n", columns.difference, sanitize(run.reference->file.string()));
+    return text + gapComments(run);
 }
 
 std::string format(const Columns& columns) {

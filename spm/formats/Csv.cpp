@@ -65,7 +65,7 @@ std::string formatCsv(const Run& run) {
         }
         if (run.reference) text += differenceFields(differenceOf(run, reading));
         text += conditions;
-        text += field(reading.isMeasured() ? reading.gap : reasonOf(reading) + measured) + '\n';
+        text += field(reading.isMeasured() ? reading.missingReason : missingReasonOf(reading) + measured) + '\n';
     }
     return text;
 }

@@ -4,8 +4,8 @@
 #include <cmath>
 #include <numbers>
 
-// CIEDE2000 is calculated step by step as in Sharma, Wu and Dalal, Color Research and Application 30 (2005), 21-30.
-// Angles are in degrees.
+// CIEDE2000 follows the steps in Sharma, Wu and Dalal, Color Research and Application 30 (2005), 21-30. Angles are in
+// degrees.
 
 namespace spm {
 
@@ -21,8 +21,8 @@ double sine(double degrees) {
     return std::sin(degrees * radians);
 }
 
-/// A colour with a* stretched: L', C' and h', the hue from 0 to 360. Whatever hue a grey has, it has no effect: its
-/// chroma, 0, is a factor of the hue difference.
+/// L', C' and h' of CIEDE2000, with a hue from 0 to 360. The hue of greys is undefined but has no effect: the hue
+/// difference is multiplied by the chroma.
 struct Colour {
     double lightness;
     double chroma;
@@ -45,26 +45,27 @@ double hueOf(double a, double b) {
     return hue < 0 ? hue + 360 : hue;
 }
 
-Colour stretched(const SPM_LAB& lab, double factor) {
+/// @param factor  stretches a*
+Colour toPrimed(const SPM_LAB& lab, double factor) {
     const double a = factor * static_cast<double>(lab.a);
     const auto b = static_cast<double>(lab.b);
     return {static_cast<double>(lab.L), std::hypot(a, b), hueOf(a, b)};
 }
 
-/// Whether the shorter way between the hues goes through 0. What rounding makes of opposite hues must not decide.
-bool isThroughZero(const Colour& sample, const Colour& reference) {
+/// Whether the shorter arc between the hues crosses 0. The margin keeps rounding from deciding for opposite hues.
+bool crossesZero(const Colour& sample, const Colour& reference) {
     return std::abs(sample.hue - reference.hue) > 180 + 1e-9;
 }
 
 double hueDifference(const Colour& sample, const Colour& reference) {
     const double difference = sample.hue - reference.hue;
-    if (!isThroughZero(sample, reference)) return difference;
+    if (!crossesZero(sample, reference)) return difference;
     return difference > 0 ? difference - 360 : difference + 360;
 }
 
 double meanHue(const Colour& sample, const Colour& reference) {
     const double sum = sample.hue + reference.hue;
-    if (!isThroughZero(sample, reference)) return sum / 2;
+    if (!crossesZero(sample, reference)) return sum / 2;
     return sum < 360 ? (sum + 360) / 2 : (sum - 360) / 2;
 }
 
@@ -79,7 +80,7 @@ double hueWeight(double chroma, double hue) {
     return 1 + 0.015 * chroma * t;
 }
 
-/// How far chroma and hue differences depend on each other: in blue.
+/// The interaction between chroma and hue differences, which matters in the blue region.
 double rotation(double chroma, double hue) {
     const double distance = (hue - 275) / 25;
     const double angle = 30 * std::exp(-distance * distance);
@@ -101,7 +102,7 @@ double ciede2000(const Colour& sample, const Colour& reference) {
 
 double ciede2000(const SPM_LAB& sample, const SPM_LAB& reference) {
     const double factor = 1 + 0.5 * (1 - saturation((chromaOf(sample) + chromaOf(reference)) / 2));
-    return ciede2000(stretched(sample, factor), stretched(reference, factor));
+    return ciede2000(toPrimed(sample, factor), toPrimed(reference, factor));
 }
 
 double cie76(const SPM_LAB& sample, const SPM_LAB& reference) {

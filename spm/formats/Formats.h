@@ -1,6 +1,6 @@
 #pragma once
 
-// The forms that a run can be written in.
+// The file formats of a run.
 
 #include "spm/formats/Run.h"
 
@@ -8,23 +8,23 @@
 
 namespace spm {
 
-// Lines end in '\n', numbers have a decimal point whatever the locale is, and each form tells the run's conditions and
-// whether the values were simulated. With a reference, each has the differences.
-// All throw Error when no patch was measured, or a value is not finite.
+// Lines end with '\n', and numbers have a decimal point in every locale. Each format contains the run's conditions and,
+// for simulated values, a note; with a reference, also the differences.
+// All functions throw Error if no patch was measured or a value is not finite.
 
-/// Comma-separated values with a header line, quoted by RFC 4180, a line for each patch of the chart; the conditions
-/// are columns, too. A value that was not measured is an empty field, and the last column says why. Names are kept byte
-/// by byte.
+/// Comma-separated values with a header line, quoted as in RFC 4180, with a line for each patch of the chart. The
+/// conditions are columns, too. Missing values are empty fields, and the last column has the reason. Bytes of names are
+/// kept.
 std::string formatCsv(const Run& run);
 
-/// All patches of the chart; one without values has a member "notMeasured" with the reason. Bytes that are not UTF-8
-/// become U+FFFD.
+/// An object with all patches of the chart; a patch without values has a member "notMeasured" with the reason. Bytes
+/// that are not UTF-8 become U+FFFD.
 std::string formatJson(const Run& run);
 
-/// The text form of ANSI CGATS.17, which has no missing values: readings with other columns are in further tables, and
-/// patches that were not measured in comments. SAMPLE_ID is the patch's place in the chart, from 1.
-/// In texts, quotes become apostrophes and control characters blanks, since a text can't escape them; an empty one
-/// becomes "-". Bytes that are not ASCII are kept.
+/// ANSI CGATS.17 text. The format has no missing values: readings with other columns are in further tables, and patches
+/// without values are in comments. SAMPLE_ID is the patch's place in the chart, from 1. As the format has no escapes,
+/// quotes in strings become apostrophes, and control characters become blanks; an empty string becomes "-". Other bytes
+/// are kept.
 std::string formatCgats(const Run& run);
 
 } // namespace spm

@@ -7,7 +7,8 @@ namespace spm {
 
 namespace {
 
-/// In the order of insertion, and with the module's float: a double would show digits that were never measured.
+/// Keeps the order of insertion, and stores numbers as the module's float: a double would be written with digits that
+/// were never measured.
 using Json =
     nlohmann::basic_json<nlohmann::ordered_map, std::vector, std::string, bool, std::int64_t, std::uint64_t, float>;
 
@@ -43,8 +44,8 @@ Json readingJson(const Run& run, std::size_t place) {
     for (const SPM_REFLECTION& point : reading.spectrum) {
         json["reflectancePercent"][std::to_string(point.wavelength)] = point.value;
     }
-    if (!reading.isMeasured()) json["notMeasured"] = reasonOf(reading);
-    if (reading.isMeasured() && !reading.gap.empty()) json["incomplete"] = reading.gap;
+    if (!reading.isMeasured()) json["notMeasured"] = missingReasonOf(reading);
+    if (reading.isMeasured() && !reading.missingReason.empty()) json["incomplete"] = reading.missingReason;
     return json;
 }
 

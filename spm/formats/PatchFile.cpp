@@ -1,4 +1,4 @@
-// CSV and CGATS become tables of text first, so that the same rules hold for their names and numbers.
+// CSV and CGATS are first read into tables of strings, so that both share the rules for columns, names and numbers.
 
 #include "spm/formats/PatchFile.h"
 
@@ -27,8 +27,8 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-/// The fields of a line, and where it is: "line 3".
 struct Row {
+    /// For error messages: "line 3".
     std::string place;
     std::vector<std::string> fields;
 };
@@ -36,13 +36,12 @@ struct Row {
 struct Table {
     Row header;
     std::vector<Row> rows;
-    /// The reflectance of a perfect diffuser in the columns of fractions.
+    /// The value of the perfect diffuser in columns of Kind::fraction.
     std::string spectralNorm = "1";
 };
 
 enum class Kind { name, id, L, a, b, percent, fraction, other };
 
-/// What is in a column.
 struct Column {
     Kind kind;
     std::int32_t wavelength = 0;
@@ -51,12 +50,12 @@ struct Column {
     }
 };
 
-/// Where the columns of a table are.
+/// The indices of a table's columns.
 using Columns = std::map<Column, std::size_t>;
 
 struct Patch {
     Reading reading;
-    /// The same in all tables of a file.
+    /// Identifies the patch in all tables of a file.
     std::string id;
     std::string place;
 };
@@ -95,8 +94,8 @@ Reading readingOf(const Json& json) {
     return reading;
 }
 
-/// The words of a line of CGATS; those in quotes may have blanks, and # begins a comment.
-std::vector<std::string> wordsOf(const std::string& line) {
+/// Splits a line of CGATS into words. Quoted words can contain blanks; # starts a comment.
+std::vector<std::string> splitCgatsLine(const std::string& line) {
     std::istringstream stream(line);
     std::vector<std::string> words;
     std::string word;
@@ -106,39 +105,39 @@ std::vector<std::string> wordsOf(const std::string& line) {
     return words;
 }
 
-/// Puts the samples of several tables in the order of their numbers, each with all its values.
-void unite(std::vector<Patch>& patches) {
+/// Merges the values of patches with the same ID from several tables, and sorts the patches by ID.
+void mergeTables(std::vector<Patch>& patches) {
     std::ranges::stable_sort(patches, {}, [](const Patch& patch) { return std::pair(patch.id.size(), patch.id); });
-    std::vector<Patch> united;
+    std::vector<Patch> merged;
     for (Patch& patch : patches) {
-        if (united.empty() || united.back().id != patch.id) {
-            united.push_back(std::move(patch));
+        if (merged.empty() || merged.back().id != patch.id) {
+            merged.push_back(std::move(patch));
         } else {
-            Reading& reading = united.back().reading;
+            Reading& reading = merged.back().reading;
             if (patch.reading.lab) reading.lab = patch.reading.lab;
             if (!patch.reading.spectrum.empty()) reading.spectrum = std::move(patch.reading.spectrum);
         }
     }
-    patches = std::move(united);
+    patches = std::move(merged);
 }
 
 class PatchReader {
 public:
-    PatchReader(std::string name, PatchFileKind kind)
-        : description(std::move(name)), isReference(kind == PatchFileKind::reference) {}
+    PatchReader(std::string fileDescription, PatchFileKind kind)
+        : description(std::move(fileDescription)), isReference(kind == PatchFileKind::reference) {}
 
     std::vector<Patch> read(const std::string& text) const {
-        std::vector<Patch> patches = readAny(text);
+        std::vector<Patch> patches = readAnyFormat(text);
         if (patches.empty()) {
-            throw Error(fmt::format("{} has no patches; give each a line below the header", description));
+            throw Error(fmt::format("{} has no patches; add a line for each below the header", description));
         }
         if (isReference) requireExpectedValues(patches);
         return patches;
     }
 
 private:
-    [[noreturn]] void fail(const std::string& place, std::string_view what) const {
-        throw Error(fmt::format("{}, {}: {}", description, place, what));
+    [[noreturn]] void fail(const std::string& place, std::string_view reason) const {
+        throw Error(fmt::format("{}, {}: {}", description, place, reason));
     }
 
     [[noreturn]] void failWithoutHeader(const std::string& place) const {
@@ -146,7 +145,7 @@ private:
                                 isReference ? "name,L*,a*,b*" : "with a column of names, \"name\" or SAMPLE_NAME,"));
     }
 
-    std::vector<Patch> readAny(const std::string& text) const {
+    std::vector<Patch> readAnyFormat(const std::string& text) const {
         const std::size_t first = text.find_first_not_of("\xEF\xBB\xBF \t\r\n");
         if (first != std::string::npos && text[first] == '{') return readJson(text);
         const bool isCgats = text.starts_with("CGATS") || text.find("\nBEGIN_DATA_FORMAT") != std::string::npos;
@@ -161,14 +160,14 @@ private:
         }
         return patches;
     } catch (const std::exception& error) {
-        throw Error(fmt::format("{} is not JSON as spm writes it: {}", description, error.what()));
+        throw Error(fmt::format("{} is not JSON written by spm: {}", description, error.what()));
     }
 
     std::vector<Patch> readCsv(const std::string& text) const {
         const std::size_t separator = text.find_first_of(",;\t\n");
         if (separator != std::string::npos && (text[separator] == ';' || text[separator] == '\t')) {
-            fail("line 1", fmt::format("the fields are separated by {}; separate them by commas, and write numbers "
-                                       "with a decimal point",
+            fail("line 1", fmt::format("the fields are separated by {}; use commas, and write numbers with a decimal "
+                                       "point",
                                        text[separator] == ';' ? "semicolons" : "tabs"));
         }
         common::CsvReader csv(text, description);
@@ -190,7 +189,7 @@ private:
         std::string end; // of the section that is read
         std::string line;
         for (int number = 1; std::getline(lines, line); ++number) {
-            Row row{fmt::format("line {}", number), wordsOf(line)};
+            Row row{fmt::format("line {}", number), splitCgatsLine(line)};
             if (row.fields.empty()) continue;
             const std::string keyword = row.fields.front();
             if (keyword == end) {
@@ -209,7 +208,7 @@ private:
             }
         }
         if (!end.empty()) throw Error(fmt::format("{} is incomplete: {} is missing", description, end));
-        if (text.rfind("\nBEGIN_DATA_FORMAT") != text.find("\nBEGIN_DATA_FORMAT")) unite(patches);
+        if (text.rfind("\nBEGIN_DATA_FORMAT") != text.find("\nBEGIN_DATA_FORMAT")) mergeTables(patches);
         return patches;
     }
 
@@ -218,7 +217,7 @@ private:
         for (std::size_t i = 0; i < header.fields.size(); ++i) {
             const Column column = columnOf(header.fields[i]);
             if (columns.emplace(column, i).second || column.kind == Kind::name || column.kind == Kind::other) continue;
-            fail(header.place, fmt::format("\"{}\" is the second column of its kind; remove one", header.fields[i]));
+            fail(header.place, fmt::format("\"{}\" duplicates an earlier column; remove one", header.fields[i]));
         }
         if (columns.empty() || columns.begin()->first.kind > Kind::id) failWithoutHeader(header.place);
         const std::size_t name = columns.begin()->second;
@@ -233,7 +232,7 @@ private:
         std::vector<Patch> patches;
         for (const Row& row : table.rows) {
             if (row.fields.size() != table.header.fields.size()) {
-                fail(row.place, fmt::format("the number of fields is {}, but the header has {}; put a name that has "
+                fail(row.place, fmt::format("the number of fields is {}, but the header has {}; put names that contain "
                                             "separators in double quotes",
                                             row.fields.size(), table.header.fields.size()));
             }
@@ -245,7 +244,7 @@ private:
         return patches;
     }
 
-    /// @param scale  turns fractions into percent
+    /// @param scale  converts fractions to percent
     Patch patchOf(const Row& row, const Columns& columns, double scale) const {
         const auto text = [&](Kind kind) { return row.fields[columns.at({kind})]; };
         Patch patch{{text(Kind::name), {}, {}}, text(Kind::id), row.place};
@@ -268,7 +267,7 @@ private:
         value *= scale;
         const bool isFinite = std::abs(value) <= std::numeric_limits<float>::max();
         if (error == std::errc{} && stop == end && isFinite) return static_cast<float>(value);
-        fail(place, fmt::format("\"{}\" is not a number; write it as in -12.34", text));
+        fail(place, fmt::format("\"{}\" is not a number; use the form -12.34", text));
     }
 
     void requireExpectedValues(const std::vector<Patch>& patches) const {
@@ -278,13 +277,12 @@ private:
                 fail(place, fmt::format("\"{}\" has no L*, a* and b*; add them or remove the patch", reading.name));
             }
             for (const float value : {reading.lab->L, reading.lab->a, reading.lab->b}) {
-                // Far beyond all surfaces, and keeps the arithmetic from overflowing.
+                // Far beyond any surface colour; keeps the arithmetic from overflowing.
                 if (std::abs(value) <= 500) continue;
-                fail(place, fmt::format("\"{}\" is not a number from -500 to 500; write it as in -12.34", value));
+                fail(place, fmt::format("\"{}\" is not a number from -500 to 500; use the form -12.34", value));
             }
             if (names.insert(reading.name).second) continue;
-            fail(place,
-                 fmt::format("\"{}\" is the name of an earlier patch, too; give each a name of its own", reading.name));
+            fail(place, fmt::format("duplicate patch name \"{}\"; make the names in a reference unique", reading.name));
         }
     }
 
@@ -296,7 +294,7 @@ std::string readText(const std::filesystem::path& file, std::string_view what) t
     return common::readFile(file);
 } catch (const std::system_error& error) {
     throw Error(fmt::format("can't read {} {}: {}", what, file.string(), error.code().message()),
-                "name a CSV, CGATS or JSON file");
+                "choose a CSV, CGATS or JSON file");
 }
 
 } // namespace
@@ -317,12 +315,13 @@ bool isSimulated(const std::filesystem::path& runFile) {
     return !std::regex_search(readText(runFile, "the output file"), measured);
 }
 
-bool isFor(const std::filesystem::path& runFile, const Conditions& conditions) {
-    // What is between two of them: a comma in CSV, the next member or keyword otherwise.
+bool hasConditions(const std::filesystem::path& runFile, const Conditions& conditions) {
+    // The three values follow each other: with a comma between them in CSV, otherwise with a line break and the next
+    // member or keyword.
     constexpr const char* separator = R"("?[,\r\n][^,:]*[,:]? ?"?)";
-    const std::regex together(conditions.illuminant + separator + observerOf(conditions) + separator +
-                              colorimetryOf(conditions));
-    return std::regex_search(readText(runFile, "the output file"), together);
+    const std::regex pattern(conditions.illuminant + separator + observerOf(conditions) + separator +
+                             colorimetryOf(conditions));
+    return std::regex_search(readText(runFile, "the output file"), pattern);
 }
 
 } // namespace spm

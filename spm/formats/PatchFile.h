@@ -1,6 +1,6 @@
 #pragma once
 
-// Reads files that name patches: charts, references and what an earlier run wrote.
+// Reads files of patches: charts, references and the output of an earlier run.
 
 #include "spm/formats/Run.h"
 
@@ -10,29 +10,28 @@
 
 namespace spm {
 
-/// What patches are read for, and so what their file must have.
+/// The purpose of a file, which determines what it must contain.
 enum class PatchFileKind {
-    run,      ///< names, with the bytes that they had when they were measured
+    run,      ///< names in any encoding
     chart,    ///< names in UTF-8
-    reference ///< the same, each once and with an L*, a* and b* from -500 to 500
+    reference ///< unique names in UTF-8, each with L*, a* and b* from -500 to 500
 };
 
-/// Reads CSV with a header line, the text form of CGATS, or the JSON that formatJson writes, told apart by the content.
-/// Columns are found by the header: the names in "name", "sample_name", "patch", "sample" or "sample_id"; "L*", "L" or
-/// "LAB_L" and so on; reflectance in "nm380_percent", or as fractions in "SPECTRAL_NM380" and the like; case does not
-/// count. Other columns are skipped, and values that are missing are left out. Numbers have a decimal point, whatever
-/// the user's locale.
+/// Reads CSV with a header line, CGATS text, or the JSON that formatJson writes; the content decides, not the file
+/// name. The header identifies the columns, in any case: names in "name", "sample_name", "patch", "sample" or
+/// "sample_id"; "L*", "L" or "LAB_L" and so on; reflectance in percent in "nm380_percent", or as a fraction in
+/// "SPECTRAL_NM380" and similar. Other columns are ignored. Numbers have a decimal point in every locale.
+/// @param what  the file's description in error messages: "the chart file"
 /// @return the patches in the file's order, without duplicates from several CGATS tables; never empty
-/// @param what  what the file is, as errors name it: "the chart file"
-/// @throws Error or common::CsvError  with the file, where possible the line, and what is wrong
+/// @throws Error, common::CsvError or common::TextError  with the file, if possible the line, and the reason
 std::vector<Reading> readPatches(const std::filesystem::path& file, std::string_view what, PatchFileKind kind);
 
-/// Whether a file that spm wrote has simulated values.
-/// @throws Error  when it can't be read
+/// Whether a file written by spm has simulated values.
+/// @throws Error  if it can't be read
 bool isSimulated(const std::filesystem::path& runFile);
 
-/// Whether the CIELab values in a file that spm wrote are for these conditions, and obtained in the same way.
-/// @throws Error  when it can't be read
-bool isFor(const std::filesystem::path& runFile, const Conditions& conditions);
+/// Whether the CIELab values in a file written by spm have the same illuminant, observer and origin.
+/// @throws Error  if it can't be read
+bool hasConditions(const std::filesystem::path& runFile, const Conditions& conditions);
 
 } // namespace spm

@@ -20,10 +20,8 @@ namespace spm {
 
 namespace {
 
-/// From the best to the worst; never empty.
-using Differences = std::vector<double>;
-
-std::vector<Statistic> statisticsOf(const Differences& differences, const Limits& limits) {
+/// @param differences  in ascending order; not empty
+std::vector<Statistic> statisticsOf(const std::vector<double>& differences, const Limits& limits) {
     const std::size_t count = differences.size();
     const double sum = std::accumulate(differences.begin(), differences.end(), 0.0);
     const auto percentile = [&](std::size_t percent) { return differences[(percent * count + 99) / 100 - 1]; };
@@ -39,9 +37,9 @@ std::vector<Statistic> statisticsOf(const Differences& differences, const Limits
     return statistics;
 }
 
-std::string listOf(std::string_view what, const std::vector<std::string>& names) {
+std::string formatNames(std::string_view title, const std::vector<std::string>& names) {
     if (names.empty()) return "";
-    return fmt::format("{}: \"{}\"\n", what, common::printable(fmt::format("{}", fmt::join(names, "\", \""))));
+    return fmt::format("{}: \"{}\"\n", title, common::printable(fmt::format("{}", fmt::join(names, "\", \""))));
 }
 
 } // namespace
@@ -54,8 +52,8 @@ Limits parseLimits(const std::string& text) {
     for (std::string item; std::getline(items, item, ',');) {
         if (!std::regex_match(item, parts, form) || limits.contains(parts[1])) {
             throw UsageError(fmt::format("--tolerance: \"{}\" is not a limit", item),
-                             "write each of mean, median, p90, p95 and max at most once, with a number from 0 to "
-                             "999999999, as in mean=2,max=5.5");
+                             "use each of mean, median, p90, p95 and max at most once, with a number from 0 to "
+                             "999999999, such as mean=2,max=5.5");
         }
         std::from_chars(&*parts[2].first, &*parts[2].first + parts[2].length(), limits[parts[1]]);
     }
@@ -95,7 +93,7 @@ std::string Statistic::verdict() const {
 std::optional<Comparison> compare(const Run& run) {
     if (run.reference == nullptr) return std::nullopt;
     Comparison comparison{};
-    Differences differences;
+    std::vector<double> differences;
     std::set<std::string_view> measured;
     for (const Reading& reading : run.readings) {
         if (!reading.lab) continue;
@@ -117,9 +115,9 @@ std::optional<Comparison> compare(const Run& run) {
     return comparison;
 }
 
-std::string notCompared(const Comparison& comparison) {
-    return listOf("Not compared, because not in the reference", comparison.notInReference) +
-           listOf("Not compared, because not measured", comparison.notMeasured);
+std::string describeUncompared(const Comparison& comparison) {
+    return formatNames("Not compared, because not in the reference", comparison.notInReference) +
+           formatNames("Not compared, because not measured", comparison.notMeasured);
 }
 
 std::string formatComparison(const Run& run) {
@@ -128,7 +126,7 @@ std::string formatComparison(const Run& run) {
         return run.reference ? fmt::format("\nNothing to compare with {}.\n", run.reference->file.string()) : "";
     }
     std::string text = fmt::format("\nCompared with {}\n{:<24} {:>9} {:>8} {:>8} {:>8}\n", run.reference->file.string(),
-                                   conditionsHead(run), nameOf(run.reference->formula), "dL*", "da*", "db*");
+                                   conditionsLabel(run), nameOf(run.reference->formula), "dL*", "da*", "db*");
     for (const Reading& reading : worstFirst(run)) {
         const auto difference = differenceOf(run, reading);
         if (!difference) break;
@@ -142,7 +140,7 @@ std::string formatComparison(const Run& run) {
     }
     if (!run.reference->limits.empty())
         text += fmt::format("{:<24} {:>9}\n", "Tolerance", comparison->isWithinLimits ? "passed" : "FAILED");
-    return text + notCompared(*comparison);
+    return text + describeUncompared(*comparison);
 }
 
 } // namespace spm

@@ -1,6 +1,6 @@
 #pragma once
 
-// Measured CIELab values compared with those that were expected, which must be for the same conditions.
+// Compares measured CIELab values with expected ones, which must be for the same illuminant and observer.
 
 #include "spm/formats/DeltaE.h"
 #include "spm/formats/Run.h"
@@ -13,11 +13,11 @@
 
 namespace spm {
 
-/// The largest values that are tolerated, by the key of the statistic: "mean", "median", "p90", "p95", "max".
+/// The upper limits of statistics by key: "mean", "median", "p90", "p95", "max".
 using Limits = std::map<std::string, double>;
 
 /// @param text  such as "mean=2,max=5"
-/// @throws UsageError  with what is allowed
+/// @throws UsageError  with the allowed form
 Limits parseLimits(const std::string& text);
 
 /// The expected values of patches, and how to compare with them.
@@ -29,7 +29,7 @@ struct Reference {
     Limits limits{};
 };
 
-/// @throws Error or common::CsvError  with the file, the line, what is wrong and what would be right
+/// @throws Error, common::CsvError or common::TextError  with the file, the line, the reason and what to do
 Reference readReference(const std::filesystem::path& file);
 
 struct Difference {
@@ -37,46 +37,45 @@ struct Difference {
     double deltaE;
 };
 
-/// The difference of a patch that was measured and expected; one that was measured repeatedly has one each time.
-/// @return none without a reference or CIELab values, or when the reference doesn't have the patch
+/// The difference of a reading from its expected value.
+/// @return none without a reference, for a reading without CIELab values, or if the reference doesn't have the patch
 std::optional<Difference> differenceOf(const Run& run, const Reading& reading);
 
-/// The patches in the order of the chart, or with a reference first those that were compared, the worst first.
+/// The readings by decreasing difference; those without one follow in the order of the chart.
 std::vector<Reading> worstFirst(const Run& run);
 
-/// One number for all differences. Percentiles are by nearest rank: the least of the differences that so many percent
-/// of them don't exceed.
+/// A statistic of all differences. Percentiles are nearest-rank.
 struct Statistic {
-    /// As in limits and in files: "p90".
+    /// As in Limits and in JSON: "p90".
     std::string key;
-    /// For people: "90th percentile".
+    /// As in tables: "90th percentile".
     std::string name;
     double value;
     std::optional<double> limit;
 
     bool isWithinLimit() const { return !limit || value <= *limit; }
-    /// " (at most 2: passed)" or " (at most 2: FAILED by 0.003)", to follow the value; empty without a limit.
+    /// " (at most 2: passed)" or " (at most 2: FAILED by 0.003)", to append to the value; empty without a limit.
     std::string verdict() const;
 };
 
 struct Comparison {
     std::vector<Statistic> statistics;
-    /// How many patches were compared, more than 0.
+    /// The number of patches compared; at least 1.
     std::size_t patches;
-    /// Patches with measured CIELab values that the reference doesn't have, in the order of the measurement.
+    /// Measured patches that the reference doesn't have, in the order of measurement.
     std::vector<std::string> notInReference;
     /// Patches of the reference without measured CIELab values, in alphabetical order.
     std::vector<std::string> notMeasured;
     bool isWithinLimits;
 };
 
-/// @return none when there is nothing to compare, or no reference
+/// @return none if there is no reference, or no patch to compare
 std::optional<Comparison> compare(const Run& run);
 
-/// Lines that name the patches that were not compared, and why; empty when all were.
-std::string notCompared(const Comparison& comparison);
+/// Lines with the patches that were not compared and the reason; empty if there are none.
+std::string describeUncompared(const Comparison& comparison);
 
-/// A blank line and a table for people; empty without a reference.
+/// A blank line and a table of differences and statistics; empty without a reference.
 std::string formatComparison(const Run& run);
 
 } // namespace spm

@@ -1,6 +1,6 @@
-// The page is the template in report.html. Its elements are closed as in XML, so that tools for either can read it;
-// its lines and tints are half transparent: they show on a light ground and on a dark one. Sections that may be left
-// out don't begin on a line of their own, since a blank one would stay.
+// Fills the template in report.html. The template is also well-formed XML, so that tools for either can read the page.
+// Its lines and tints are translucent, to be visible on light and dark backgrounds. Optional sections don't start on
+// their own line: if one is left out, its line would remain as a blank one.
 
 #include "spm/formats/Report.h"
 
@@ -26,14 +26,14 @@ std::string colour(const SPM_LAB& lab) {
     return fmt::format("#{:02x}{:02x}{:02x}", rgb[0], rgb[1], rgb[2]);
 }
 
-/// The patch's colour; beside it the expected one, if there is one.
-std::string fill(const Run& run, const Reading& reading) {
+/// The CSS background of a patch: the measured colour, next to the expected one if there is one.
+std::string background(const Run& run, const Reading& reading) {
     const auto difference = differenceOf(run, reading);
     if (!difference) return colour(*reading.lab);
     return fmt::format("linear-gradient(90deg, {} 50%, {} 50%)", colour(*reading.lab), colour(difference->expected));
 }
 
-std::string textOf(const SPM_LAB& lab) {
+std::string formatLab(const SPM_LAB& lab) {
     return fmt::format("{:.2f} {:.2f} {:.2f}", lab.L, lab.a, lab.b);
 }
 
@@ -52,9 +52,9 @@ list patchesOf(const Run& run, const std::vector<Reading>& readings) {
         object patch{{"name", common::printable(reading.name)},
                      {"lab", labOf(reading)},
                      {"deltaE", difference ? fmt::format("{:.2f}", difference->deltaE) : "\u2013"}};
-        if (reading.lab) patch["fill"] = fill(run, reading);
-        if (reading.lab) patch["measured"] = textOf(*reading.lab);
-        if (difference) patch["expected"] = textOf(difference->expected);
+        if (reading.lab) patch["fill"] = background(run, reading);
+        if (reading.lab) patch["measured"] = formatLab(*reading.lab);
+        if (difference) patch["expected"] = formatLab(difference->expected);
         patches.push_back(patch);
     }
     return patches;
@@ -73,12 +73,12 @@ object comparisonOf(const Run& run, const Comparison& comparison) {
                    {"statistics", statistics},
                    {"passed", comparison.isWithinLimits},
                    {"hasLimits", !reference.limits.empty()}};
-    if (const std::string text = notCompared(comparison); !text.empty()) section["notCompared"] = text;
+    if (const std::string text = describeUncompared(comparison); !text.empty()) section["notCompared"] = text;
     return section;
 }
 
-/// The drawing's coordinates, in its own units; the template has them, too. It shows at least 380 nm to 730 nm and 0 to
-/// 100 percent.
+/// Maps wavelengths and reflectance to SVG coordinates; the template repeats the dimensions. The axes cover at least
+/// 380 nm to 730 nm and 0 to 100 percent.
 class Axes {
 public:
     explicit Axes(const std::vector<Reading>& readings) {
@@ -119,8 +119,8 @@ private:
     static constexpr double height = 320;
 
     void extendTo(const SPM_REFLECTION& reflection) {
-        // A fluorescent patch gives more than the perfect diffuser; far more is an error that is not to flatten the
-        // other curves.
+        // Fluorescent patches exceed 100 percent. Far larger values are errors, which must not flatten the other
+        // curves.
         constexpr double highest = 200;
         first = std::min(first, static_cast<double>(reflection.wavelength));
         last = std::max(last, static_cast<double>(reflection.wavelength));
@@ -141,8 +141,8 @@ std::string pointsOf(const Reading& reading, const Axes& axes) {
     return points;
 }
 
-/// Each in the patch's colour, or in the text's when it has none; the template's edge shows light curves on white and
-/// dark ones on black.
+/// Each curve has the patch's colour or, without CIELab values, the text colour. An outline in the template keeps light
+/// curves visible on white, and dark ones on black.
 list curvesOf(const std::vector<Reading>& readings, const Axes& axes) {
     list curves;
     for (const Reading& reading : readings) {

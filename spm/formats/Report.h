@@ -6,12 +6,12 @@
 
 namespace spm {
 
-/// A page that shows the run: its conditions, the patches' colours and values, the comparison if there is a reference,
-/// and the spectra as curves. It needs no other file and no network. In UTF-8, which the run's texts are to be in too.
-/// @throws Error  when no patch was measured, or a value is not finite
+/// A self-contained HTML page with the run's conditions, the colours and values of the patches, the comparison with the
+/// reference if there is one, and the spectra as curves. The run's strings must be UTF-8.
+/// @throws Error  if no patch was measured or a value is not finite
 std::string htmlReport(const Run& run);
 
-/// The page's template, in Mustache: report.html.
+/// The page's Mustache template, generated from report.html.
 extern const char* const reportTemplate;
 
 } // namespace spm

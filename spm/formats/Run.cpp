@@ -10,10 +10,10 @@ namespace spm {
 
 namespace {
 
-void requireFinite(const Reading& reading, const std::string& what, float value) {
+void requireFinite(const Reading& reading, const std::string& quantity, float value) {
     if (std::isfinite(value)) return;
-    throw Error(
-        fmt::format("the patch \"{}\" has no finite number for {}: {}; measure it again", reading.name, what, value));
+    throw Error(fmt::format("the patch \"{}\" has an invalid value for {}: {}; measure it again", reading.name,
+                            quantity, value));
 }
 
 } // namespace
@@ -36,8 +36,8 @@ void requireValues(const Run& run) {
     }
 }
 
-std::string reasonOf(const Reading& reading) {
-    return reading.gap.empty() ? "not reached" : reading.gap;
+std::string missingReasonOf(const Reading& reading) {
+    return reading.missingReason.empty() ? "not reached" : reading.missingReason;
 }
 
 std::size_t measuredCount(const Run& run) {
@@ -53,7 +53,7 @@ std::vector<Gap> gaps(const Run& run) {
     for (std::size_t i = 0; i < run.readings.size(); ++i) {
         const Reading& reading = run.readings[i];
         if (reading.isMeasured()) continue;
-        const std::string reason = reasonOf(reading);
+        const std::string reason = missingReasonOf(reading);
         if (!all.empty() && all.back().last == i && all.back().reason == reason) {
             all.back().last = i + 1;
         } else {

@@ -35,12 +35,12 @@ int paletteIndex(const std::array<std::uint8_t, 3>& rgb) {
 ColourDepth colourDepth(bool isTerminal) {
     if (!isTerminal || !environment("NO_COLOR").empty()) return ColourDepth::none;
     const std::string_view colours = environment("COLORTERM");
-    if (colours == "truecolor" || colours == "24bit" || isColourConsole()) return ColourDepth::trueColour;
+    if (colours == "truecolor" || colours == "24bit" || isTrueColourConsole()) return ColourDepth::trueColour;
     return environment("TERM").find("256color") != std::string_view::npos ? ColourDepth::palette256 : ColourDepth::none;
 }
 
 std::array<std::uint8_t, 3> toSrgb(const SPM_LAB& lab) {
-    // Relative to the white of the measurement, shown as the white of the screen: D65 for the 2 degree observer.
+    // XYZ relative to sRGB's white: D65 for the 2 degree observer.
     const auto [x, y, z] = toXyz(lab, {0.95047, 1, 1.08883});
     return {encode(3.2406 * x - 1.5372 * y - 0.4986 * z), encode(-0.9689 * x + 1.8758 * y + 0.0415 * z),
             encode(0.0557 * x - 0.2040 * y + 1.0570 * z)};

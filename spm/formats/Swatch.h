@@ -8,16 +8,17 @@
 
 namespace spm {
 
-/// How many colours the terminal can show.
+/// The colours that a terminal supports.
 enum class ColourDepth { none, palette256, trueColour };
 
-/// Reads it from the environment (NO_COLOR, COLORTERM, TERM) for a stream that is a terminal.
+/// Determines the colour depth from the environment variables NO_COLOR, COLORTERM and TERM.
 ColourDepth colourDepth(bool isTerminal);
 
-/// The sRGB colour (IEC 61966-2-1) of CIELab values, red, green, blue from 0 to 255; clipped to the gamut.
+/// Converts CIELab to sRGB (IEC 61966-2-1): red, green, blue from 0 to 255, clipped to the gamut. The white of the
+/// measurement becomes the white of the screen.
 std::array<std::uint8_t, 3> toSrgb(const SPM_LAB& lab);
 
-/// A block of the colour for the terminal, ending in a blank; empty when it can't show colours.
+/// Six cells in the colour and a blank, as escape sequences; empty for ColourDepth::none.
 std::string swatch(const SPM_LAB& lab, ColourDepth depth);
 
 } // namespace spm

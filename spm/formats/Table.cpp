@@ -15,7 +15,7 @@ constexpr std::size_t valuesPerLine = 5;
 
 } // namespace
 
-std::string conditionsHead(const Run& run) {
+std::string conditionsLabel(const Run& run) {
     return fmt::format("{}/{}{}", run.conditions.illuminant, observerOf(run.conditions),
                        run.simulation.empty() ? "" : ", simulated");
 }
@@ -24,7 +24,7 @@ std::string labTable(const Run& run, std::span<const Reading> readings, ColourDe
     std::string table = run.conditions.isCalculated ? "CIELab calculated from spectra\n" : "";
     auto out = std::back_inserter(table);
     fmt::format_to(out, "{:{}}{:<24} {:>8} {:>8} {:>8}{}\n", "", depth == ColourDepth::none ? 0 : 7,
-                   conditionsHead(run), "L*", "a*", "b*", run.withXyz ? "      X      Y      Z" : "");
+                   conditionsLabel(run), "L*", "a*", "b*", run.withXyz ? "      X      Y      Z" : "");
     for (const Reading& reading : readings) {
         if (!reading.lab) continue;
         const SPM_LAB& lab = *reading.lab;
@@ -43,7 +43,7 @@ std::string spectraTable(const Run& run, std::span<const Reading> readings, Colo
         if (reading.spectrum.empty()) continue;
         fmt::format_to(out, "Reflectance of \"{:.24}\" in percent{}:", common::printable(reading.name),
                        run.simulation.empty() ? "" : ", simulated");
-        if (depth != ColourDepth::none) fmt::format_to(out, "\n  {}", spectralCurve(reading.spectrum));
+        if (depth != ColourDepth::none) fmt::format_to(out, "\n  {}", sparkline(reading.spectrum));
         for (std::size_t i = 0; i < reading.spectrum.size(); ++i) {
             fmt::format_to(out, "{}{} nm {:6.2f}", i % valuesPerLine == 0 ? "\n  " : "   ",
                            reading.spectrum[i].wavelength, reading.spectrum[i].value);

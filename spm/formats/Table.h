@@ -8,15 +8,15 @@
 
 namespace spm {
 
-// Tables for people, at most 80 columns wide: long names are cut. What was not measured is left out.
+// Tables for reading, at most 80 columns wide; long names are truncated. Missing values are left out.
 
-/// What the values are for, as the head of a table's first column: "D65/10 degree, simulated".
-std::string conditionsHead(const Run& run);
+/// The title of a table's first column: "D65/10 degree, simulated".
+std::string conditionsLabel(const Run& run);
 
-/// CIELab values of some of the run's readings for people, a line per patch below a header.
+/// The CIELab values of some of the run's readings: a header, then a line per patch.
 std::string labTable(const Run& run, std::span<const Reading> readings, ColourDepth depth);
 
-/// Spectra for people: the curve, where a terminal shows it, and the values.
+/// The spectra of some of the run's readings, on a terminal with a sparkline.
 std::string spectraTable(const Run& run, std::span<const Reading> readings, ColourDepth depth);
 
 } // namespace spm

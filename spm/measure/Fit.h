@@ -7,12 +7,13 @@
 
 namespace spm {
 
-/// Looks whether what was read of a strip are the patches of another strip, or its own in the other direction, by the
-/// mean CIEDE2000 to the expected values.
-/// @param read   the patches of the strip, with CIELab values
-/// @param chart  the run with all patches and a reference
-/// @return what fits better, and how well both do; none when the strip fits, or nothing fits clearly better
-std::optional<std::string> findBetterFit(std::span<const Reading> read, const Strip& strip,
-                                         const std::vector<Strip>& strips, const Run& chart);
+/// Detects that the user measured the wrong strip, or the right one in reverse: compares the readings with the expected
+/// values of all strips, by the mean CIEDE2000.
+/// @param readings  the patches as measured for the strip, with CIELab values
+/// @param run       has the patches of all strips, and a reference
+/// @return a message with the strip that fits better and both means; none if the strip fits well, or no other fits
+///         clearly better
+std::optional<std::string> findBetterFit(std::span<const Reading> readings, const Strip& strip,
+                                         const std::vector<Strip>& strips, const Run& run);
 
 } // namespace spm

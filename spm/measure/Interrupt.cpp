@@ -10,7 +10,7 @@ namespace {
 
 volatile std::sig_atomic_t isInterrupted = 0;
 
-extern "C" void noteInterrupt(int /*signal*/) {
+extern "C" void setInterrupted(int /*signal*/) {
     isInterrupted = 1;
 }
 
@@ -18,11 +18,11 @@ extern "C" void noteInterrupt(int /*signal*/) {
 
 InterruptGuard::InterruptGuard() {
     isInterrupted = 0;
-    catchEnd(noteInterrupt);
+    catchSignals(setInterrupted);
 }
 
 InterruptGuard::~InterruptGuard() {
-    releaseEnd();
+    restoreSignals();
 }
 
 void InterruptGuard::check() {

@@ -2,11 +2,11 @@
 
 namespace spm {
 
-/// The person has ended the measuring.
+/// Thrown when the user stops the run.
 class Interrupted {};
 
-/// While an object of this lives, Ctrl-C and what else asks the program to end does not do so but is noted, so that the
-/// instrument is closed and what was read is kept. The second time it ends all the same.
+/// During its lifetime, Ctrl-C and other requests to end the program only set a flag, so that the instrument can be
+/// closed and the readings saved. A second request ends the program.
 class InterruptGuard {
 public:
     InterruptGuard();
@@ -14,11 +14,11 @@ public:
     InterruptGuard& operator=(const InterruptGuard&) = delete;
     ~InterruptGuard();
 
-    /// @throws Interrupted  when Ctrl-C was noted
+    /// @throws Interrupted  if the flag is set
     static void check();
 
-    /// Waits until standard input has something to read, or has ended.
-    /// @throws Interrupted  when Ctrl-C was noted, before or while it waits
+    /// Waits until standard input is readable or at its end.
+    /// @throws Interrupted  if the flag is set, before or during the wait
     static void waitForInput();
 };
 

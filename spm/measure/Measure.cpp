@@ -1,4 +1,5 @@
-// A measuring run: the files before and after it.
+// Prepares a run, carries it out and writes its results. Checks everything that can be checked before the instrument is
+// opened, so that a user doesn't measure a chart only to find that it can't be saved.
 
 #include "spm/measure/Measure.h"
 
@@ -20,31 +21,32 @@ namespace spm {
 
 namespace {
 
-/// Nothing that is read may be written over, nothing written twice, and an earlier file only when that is wanted.
-void requireDifferentFiles(const MeasureOptions& options) {
-    std::vector<std::filesystem::path> taken{options.module, options.chart, options.reference};
+/// Requires that the output files are writable, don't overwrite input files or each other, and don't exist unless they
+/// may be replaced.
+void checkOutputFiles(const MeasureOptions& options) {
+    std::vector<std::filesystem::path> used{options.module, options.chart, options.reference};
     for (const std::filesystem::path& file : {options.output, options.report}) {
         if (file.empty()) continue;
-        if (std::ranges::any_of(taken, [&](const auto& other) { return !other.empty() && isSameFile(file, other); })) {
-            throw UsageError(fmt::format("{} would be written over; give each file a name of its own", file.string()));
+        if (std::ranges::any_of(used, [&](const auto& other) { return !other.empty() && isSameFile(file, other); })) {
+            throw UsageError(fmt::format("{} would be overwritten; use a different name for each file", file.string()));
         }
         requireWritable(file);
-        const bool isCompleted = options.firstRow > 1 && file == options.output;
-        if (std::filesystem::exists(file) && !options.overwrite && !isCompleted) {
+        const bool isContinued = options.firstRow > 1 && file == options.output;
+        if (std::filesystem::exists(file) && !options.overwrite && !isContinued) {
             throw UsageError(
-                fmt::format("{} exists; name another file, or replace it with --overwrite", file.string()));
+                fmt::format("{} exists; choose another file, or replace it with --overwrite", file.string()));
         }
-        taken.push_back(file);
+        used.push_back(file);
     }
 }
 
 void requireLab(const MeasureOptions& options) {
-    if (givesLab(options) || (options.reference.empty() && !options.withXyz)) return;
+    if (producesLab(options) || (options.reference.empty() && !options.withXyz)) return;
     throw UsageError(fmt::format("{} needs CIELab values, which are not measured; add --lab or --illuminant",
                                  options.withXyz ? "--xyz" : "--reference"));
 }
 
-/// The expected values, of which some must be of these patches.
+/// Reads the reference, which must have a value for at least one of these patches.
 std::shared_ptr<const Reference> referenceOf(const MeasureOptions& options, const std::vector<std::string>& names) {
     if (options.reference.empty()) return nullptr;
     Reference reference = readReference(options.reference);
@@ -52,8 +54,8 @@ std::shared_ptr<const Reference> referenceOf(const MeasureOptions& options, cons
     reference.limits = options.limits;
     const auto isExpected = [&](const std::string& name) { return reference.patches.contains(name); };
     if (std::none_of(names.begin(), names.end(), isExpected)) {
-        throw UsageError(fmt::format("no patch has the name of one in the reference file {}: \"{}\" is to be measured, "
-                                     "the reference has \"{}\"; name the patches as the reference does",
+        throw UsageError(fmt::format("the reference file {} has none of the patches: the first one is \"{}\", the "
+                                     "reference has \"{}\"; use the same names",
                                      options.reference.string(), names.front(), reference.patches.begin()->first));
     }
     return std::make_shared<const Reference>(std::move(reference));
@@ -64,10 +66,9 @@ std::string timeNow() {
                        fmt::gmtime(std::chrono::system_clock::to_time_t(std::chrono::system_clock::now())));
 }
 
-/// How the measuring ended.
 struct Ending {
     Outcome outcome;
-    /// Why patches were not reached.
+    /// Why the remaining patches were not measured.
     std::string reason;
     std::exception_ptr failure{};
 };
@@ -77,25 +78,26 @@ Ending measureAll(const Module& module, const MeasureOptions& options, const Pro
     try {
         return {Session(module, prompter, writer, options).measure(), ""};
     } catch (const Interrupted&) {
-        prompter.say("\nEnded; the instrument is closed, and what was read is kept.");
+        prompter.say("\nStopped; the instrument is closed, and all measured values are kept.");
         return {Outcome::incomplete, "the run was interrupted"};
     } catch (const std::exception& error) {
         return {Outcome::incomplete, "the run ended: " + firstLine(error.what()), std::current_exception()};
     }
 }
 
-/// Takes over the values of a run that was broken off, which has the same patches in the same order, or some of them.
-void resume(Run& run, const std::filesystem::path& file) {
+/// Copies the values of an earlier, incomplete run into this one. That run must have the same patches in the same
+/// order, or some of them.
+void loadEarlierRun(Run& run, const std::filesystem::path& file) {
     if (isSimulated(file) == run.simulation.empty()) {
-        throw UsageError(fmt::format("{} has {} values; name another output file", file.string(),
+        throw UsageError(fmt::format("{} has {} values; choose another output file", file.string(),
                                      run.simulation.empty() ? "simulated" : "measured"));
     }
-    const bool isForRun = isFor(file, run.conditions);
+    const bool hasSameConditions = hasConditions(file, run.conditions);
     auto place = run.readings.begin();
     for (Reading& earlier : readPatches(file, "the output file", PatchFileKind::run)) {
-        if (earlier.lab && !isForRun) {
-            throw UsageError(fmt::format("{} has CIELab values for other conditions; give the options of that run, or "
-                                         "name another output file",
+        if (earlier.lab && !hasSameConditions) {
+            throw UsageError(fmt::format("{} has CIELab values for other conditions; use the options of that run, or "
+                                         "choose another output file",
                                          file.string()));
         }
         if (run.conditions.isCalculated && !earlier.spectrum.empty()) {
@@ -104,15 +106,15 @@ void resume(Run& run, const std::filesystem::path& file) {
         place =
             std::find_if(place, run.readings.end(), [&](const Reading& patch) { return patch.name == earlier.name; });
         if (place == run.readings.end()) {
-            throw UsageError(fmt::format("{} has the patch \"{}\", which is not to be measured, or elsewhere; give the "
-                                         "chart and the options of that run",
+            throw UsageError(fmt::format("{} has the patch \"{}\", which this chart does not have in that "
+                                         "place; use the chart and the options of that run",
                                          file.string(), common::printable(earlier.name)));
         }
         *place++ = std::move(earlier);
     }
 }
 
-Run begin(const Module& module, const MeasureOptions& options, const std::vector<std::string>& names) {
+Run prepareRun(const Module& module, const MeasureOptions& options, const std::vector<std::string>& names) {
     Run run;
     run.started = timeNow();
     run.module = options.module.string();
@@ -120,26 +122,25 @@ Run begin(const Module& module, const MeasureOptions& options, const std::vector
     run.simulation = module.simulation();
     run.conditions = options.conditions;
     run.withXyz = options.withXyz;
-    run.patchesInRow = options.spots > 0 ? 0 : options.patches;
+    run.patchesInRow = options.spots > 0 ? 0 : options.patchesInRow;
     std::ranges::transform(names, std::back_inserter(run.readings), [](const std::string& name) {
         return Reading{name, {}, {}};
     });
-    if (options.firstRow > 1 && std::filesystem::exists(options.output)) resume(run, options.output);
+    if (options.firstRow > 1 && std::filesystem::exists(options.output)) loadEarlierRun(run, options.output);
     return run;
 }
 
-void introduce(const Prompter& prompter, const Run& run, const MeasureOptions& options) {
+void announce(const Prompter& prompter, const Run& run, const MeasureOptions& options) {
     prompter.say(fmt::format("Module {}, version {}", run.module, run.version));
     if (!run.simulation.empty()) {
         prompter.say(fmt::format("SIMULATED: no instrument is used. The values come from a {}.", run.simulation));
     }
     if (passesOf(options).size() > 1) {
-        prompter.say("All is measured twice: first for the CIELab values, then for the spectra.");
+        prompter.say("Everything is measured twice: first the CIELab values, then the spectra.");
     }
 }
 
-/// What was left out, and why.
-void sumUp(const Prompter& prompter, const Run& run) {
+void reportGaps(const Prompter& prompter, const Run& run) {
     if (measuredCount(run) == 0 || gaps(run).empty()) return;
     std::string text = coverage(run) + " measured";
     for (const Gap& gap : gaps(run)) {
@@ -150,37 +151,37 @@ void sumUp(const Prompter& prompter, const Run& run) {
 
 } // namespace
 
-Outcome measure(const MeasureOptions& wanted) {
-    static_cast<void>(formatOf(wanted));
-    requireLab(wanted);
-    requireDifferentFiles(wanted);
-    const std::vector<std::string> names = patchNames(wanted);
-    MeasureOptions options = wanted;
-    options.rows = static_cast<std::int32_t>(names.size()) / options.patches;
+Outcome measure(const MeasureOptions& requested) {
+    static_cast<void>(formatOf(requested)); // throws if it can't be determined
+    requireLab(requested);
+    checkOutputFiles(requested);
+    const std::vector<std::string> names = patchNames(requested);
+    MeasureOptions options = requested;
+    options.rows = static_cast<std::int32_t>(names.size()) / options.patchesInRow;
     if (static_cast<std::size_t>(options.firstRow) > stripsOf(options).size()) {
-        throw UsageError(fmt::format("--first-row is {}, but there are {} rows or spots", options.firstRow,
+        throw UsageError(fmt::format("--first-row is {}, but there are only {} rows or spots", options.firstRow,
                                      stripsOf(options).size()));
     }
     std::shared_ptr<const Reference> reference = referenceOf(options, names);
     const Prompter prompter;
     const Module module(options.module);
-    Run begun = begin(module, options, names);
-    begun.reference = std::move(reference);
-    RunWriter writer(options, prompter, std::move(begun));
-    introduce(prompter, writer.measured(), options);
+    Run run = prepareRun(module, options, names);
+    run.reference = std::move(reference);
+    RunWriter writer(options, prompter, std::move(run));
+    announce(prompter, writer.currentRun(), options);
     const Ending ending = measureAll(module, options, prompter, writer);
     try {
-        const InterruptGuard interrupts; // what was read is written all the same
+        const InterruptGuard interrupts; // Ctrl-C must not keep the values from being written
         writer.finish(ending.reason);
-        sumUp(prompter, writer.measured());
+        reportGaps(prompter, writer.currentRun());
         if (!ending.failure) writer.showComparison();
     } catch (const std::exception& error) {
         if (!ending.failure) throw;
         prompter.say(error.what());
     }
     if (ending.failure) std::rethrow_exception(ending.failure);
-    if (!gaps(writer.measured()).empty() || ending.outcome != Outcome::complete) return Outcome::incomplete;
-    const std::optional<Comparison> comparison = compare(writer.measured());
+    if (!gaps(writer.currentRun()).empty() || ending.outcome != Outcome::complete) return Outcome::incomplete;
+    const std::optional<Comparison> comparison = compare(writer.currentRun());
     return !comparison || comparison->isWithinLimits ? Outcome::complete : Outcome::outOfTolerance;
 }
 

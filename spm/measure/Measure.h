@@ -9,48 +9,46 @@
 
 namespace spm {
 
-enum class Format { byName, table, csv, json, cgats };
+enum class Format { byExtension, table, csv, json, cgats };
 
-/// What to measure, and what to make of it.
+/// The options of "spm measure".
 struct MeasureOptions {
     std::filesystem::path module;
-    /// The patches' names, or a file that names them.
+    /// The patch names, or a file that contains them.
     std::vector<std::string> names;
     std::filesystem::path chart;
-    /// 0 for as many as there are names for; 4 without names.
+    /// The number of rows; 0 for as many as the names fill, or 4 without names.
     std::int32_t rows = 0;
-    std::int32_t patches = 6;
-    /// How many spots to measure in place of rows; 0 for rows.
+    std::int32_t patchesInRow = 6;
+    /// The number of spots to measure instead of rows; 0 for rows.
     std::int32_t spots = 0;
-    /// The row or spot to begin with, from 1; values of earlier ones are taken from the output file, if there is one.
+    /// The row or spot to start with, from 1. Values of earlier ones are read from the output file if it exists.
     std::int32_t firstRow = 1;
-    /// When neither is asked for: CIELab.
+    /// What to measure; CIELab if neither is set.
     bool lab = false;
     bool spectra = false;
-    /// What CIELab values are for. Calculated ones are made of spectra, which are measured in place of the module's
-    /// values.
+    /// If these ask for calculated CIELab values, only spectra are measured.
     Conditions conditions{};
     bool withXyz = false;
-    /// Of the output file, or without one of standard output. Not given: as the file's name ends, or a table.
-    Format format = Format::byName;
+    /// The format of the output file or, without one, of standard output.
+    Format format = Format::byExtension;
     /// Files to write; empty for none.
     std::filesystem::path output;
     std::filesystem::path report;
-    /// Whether these may be there already.
+    /// Whether these files may exist already.
     bool overwrite = false;
-    /// The expected values of the patches; empty for none.
+    /// The file of expected values; empty for none.
     std::filesystem::path reference;
-    /// How to compare with them, and what is tolerated.
     Formula difference = Formula::ciede2000;
     Limits limits;
 };
 
-/// Whether all was measured, or something was left out by the person's wish; of what is complete, whether the
-/// differences from the reference are within the limits. The numbers are exit statuses.
+/// The result of a run without errors; the values are exit statuses. A run is incomplete if the user skipped patches or
+/// stopped it.
 enum class Outcome { complete = 0, incomplete = 3, outOfTolerance = 4 };
 
-/// Calibrates and measures. What was read is written even when something fails later.
-/// @throws Error  when something fails
-Outcome measure(const MeasureOptions& wanted);
+/// Calibrates the instrument and measures. If something fails, the values measured before are still written.
+/// @throws Error
+Outcome measure(const MeasureOptions& requested);
 
 } // namespace spm

@@ -24,24 +24,25 @@ std::string lastReason() {
     return std::generic_category().message(errno);
 }
 
-/// A new file beside another, removed with the object unless it took the other's place.
-class PartFile {
+/// A temporary file in the target's folder. The destructor removes it unless it replaced the target.
+class TemporaryFile {
 public:
-    explicit PartFile(const fs::path& file) : whole(fs::weakly_canonical(file)) {
-        if (fs::exists(whole) && !fs::is_regular_file(whole)) throw failure(file.string(), "it is not a regular file");
+    explicit TemporaryFile(const fs::path& file) : target(fs::weakly_canonical(file)) {
+        const bool isUsable = fs::is_regular_file(target) || !fs::exists(target);
+        if (!isUsable) throw failure(file.string(), "it is not a regular file");
         do {
-            part = whole;
-            part += fmt::format(".{:08x}.part", std::random_device{}());
-            stream = common::createFile(part, "w");
+            path = target;
+            path += fmt::format(".{:08x}.part", std::random_device{}());
+            stream = common::createFile(path, "w");
         } while (stream == nullptr && errno == EEXIST);
         if (stream == nullptr) throw failure(file.string(), lastReason());
     }
-    PartFile(const PartFile&) = delete;
-    PartFile& operator=(const PartFile&) = delete;
-    ~PartFile() {
+    TemporaryFile(const TemporaryFile&) = delete;
+    TemporaryFile& operator=(const TemporaryFile&) = delete;
+    ~TemporaryFile() {
         if (stream != nullptr) std::fclose(stream);
         std::error_code ignored;
-        if (!part.empty()) fs::remove(part, ignored);
+        if (!path.empty()) fs::remove(path, ignored);
     }
 
     void write(const std::string& content) {
@@ -49,24 +50,24 @@ public:
         const int error = errno;
         if (std::fclose(std::exchange(stream, nullptr)) == 0 && isWritten) return;
         if (!isWritten) errno = error;
-        throw failure(whole.string(), lastReason());
+        throw failure(target.string(), lastReason());
     }
 
-    void takePlace() {
-        if (fs::exists(whole)) fs::permissions(part, fs::status(whole).permissions());
-        fs::rename(part, whole);
-        part.clear();
+    void replaceTarget() {
+        if (fs::exists(target)) fs::permissions(path, fs::status(target).permissions());
+        fs::rename(path, target);
+        path.clear();
     }
 
 private:
-    fs::path whole;
-    fs::path part;
+    fs::path target;
+    fs::path path;
     std::FILE* stream = nullptr;
 };
 
-/// Runs what writes a file, and gives the system's errors the form of ours.
+/// Runs an operation on a file, and turns std::filesystem's errors into ours.
 template <class Operation>
-void writing(const fs::path& file, Operation operation) try {
+void convertErrors(const fs::path& file, Operation operation) try {
     operation();
 } catch (const fs::filesystem_error& error) {
     throw failure(file.string(), error.code().message());
@@ -75,20 +76,15 @@ void writing(const fs::path& file, Operation operation) try {
 } // namespace
 
 void replaceFile(const fs::path& file, const std::string& content) {
-    writing(file, [&] {
-        PartFile part(file);
-        part.write(content);
-        part.takePlace();
+    convertErrors(file, [&] {
+        TemporaryFile temporary(file);
+        temporary.write(content);
+        temporary.replaceTarget();
     });
 }
 
-void writeOut(const std::string& text) {
-    if (std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0) return;
-    throw Error(fmt::format("can't write to standard output: {}", lastReason()));
-}
-
 void requireWritable(const fs::path& file) {
-    writing(file, [&] { const PartFile part(file); });
+    convertErrors(file, [&] { const TemporaryFile temporary(file); });
 }
 
 bool isSameFile(const fs::path& one, const fs::path& other) {
@@ -99,6 +95,11 @@ bool isSameFile(const fs::path& one, const fs::path& other) {
     return common::isSameFileName(first.filename(), second.filename()) &&
            (first.parent_path() == second.parent_path() ||
             fs::equivalent(first.parent_path(), second.parent_path(), ignored));
+}
+
+void writeToStdout(const std::string& text) {
+    if (std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0) return;
+    throw Error(fmt::format("can't write to standard output: {}", lastReason()));
 }
 
 } // namespace spm

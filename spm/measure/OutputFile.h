@@ -5,20 +5,20 @@
 
 namespace spm {
 
-/// Replaces a regular file, at the end of a link the one that it leads to, or makes it: the content is written to a new
-/// file beside it first, so that at any time the whole of the earlier or of this content is there.
+/// Creates or replaces a regular file atomically, by renaming a temporary file: a reader or a crash never finds a
+/// partial file. Follows symbolic links and keeps the file's permissions.
 /// @throws Error  with the file and the reason
 void replaceFile(const std::filesystem::path& file, const std::string& content);
 
-/// Writes to standard output, at once.
-/// @throws Error  with the reason
-void writeOut(const std::string& text);
-
-/// Looks whether a file can be replaced, without doing it.
+/// Checks that replaceFile could write a file, without changing it.
 /// @throws Error  like replaceFile
 void requireWritable(const std::filesystem::path& file);
 
-/// Whether two names mean the same file, or would once it is made.
+/// Whether two paths refer to the same file, or would after it is created.
 bool isSameFile(const std::filesystem::path& one, const std::filesystem::path& other);
+
+/// Writes to standard output and flushes it.
+/// @throws Error  with the reason
+void writeToStdout(const std::string& text);
 
 } // namespace spm

@@ -4,9 +4,8 @@
 
 namespace spm {
 
-/// The names of all patches to be measured, in their order. Without a number of rows in the options, there are as many
-/// rows as the names fill, or 4 without names.
-/// @throws Error or common::CsvError  when the names don't fit the number of patches, or the chart can't be read
+/// The names of all patches to measure, in order; without a chart or names, "patch 1", "patch 2" and so on.
+/// @throws Error or common::CsvError  if the chart can't be read, or the number of names is wrong for the options
 std::vector<std::string> patchNames(const MeasureOptions& options);
 
 } // namespace spm

@@ -18,54 +18,55 @@ namespace {
 constexpr auto pause = std::chrono::milliseconds(50);
 constexpr const char* clearLine = "\r\x1b[K";
 
-/// What can't be shown, because the terminal is gone, is lost: it must not keep the values from being written.
-void tell(const std::string& text) {
+/// Ignores errors: a closed terminal must not keep the values from being written.
+void write(const std::string& text) {
     static_cast<void>(std::fputs(text.c_str(), stderr));
 }
 
-std::string bar(const Progress& progress) {
+std::string progressBar(const Progress& progress) {
     constexpr std::size_t width = 24;
     const std::size_t filled = progress.done * width / progress.all;
     return fmt::format("[{:#<{}}{:.<{}}] {} of {} patches", "", filled, "", width - filled, progress.done,
                        progress.all);
 }
 
-std::string questionOf(const std::vector<Choice>& choices) {
+std::string formatQuestion(const std::vector<Choice>& choices) {
     std::string question;
     for (const Choice& choice : choices) {
         question += fmt::format("{}{} ({})", question.empty() ? "" : ", ", choice.text, choice.letter);
     }
-    return question + " or end (e)? ";
+    return question + " or end the run (e)? ";
 }
 
 } // namespace
 
-Prompter::Prompter() : isShown(isTerminal(stderr)), isAnswered(isTerminal(stdin)) {}
+Prompter::Prompter() : hasOutput(isTerminal(stderr)), hasInput(isTerminal(stdin)) {}
 
 void Prompter::say(const std::string& text) const {
-    tell((isShown ? clearLine : "") + text + '\n');
+    write((hasOutput ? clearLine : "") + text + '\n');
 }
 
-void Prompter::await(const Progress& progress, const std::function<void(const std::function<void()>&)>& measurement,
-                     const std::function<void()>& meanwhile) const {
-    LiveLine line(bar(progress), isShown);
+void Prompter::runMeasurement(const Progress& progress,
+                              const std::function<void(const std::function<void()>&)>& measurement,
+                              const std::function<void()>& onPoll) const {
+    StatusLine line(progressBar(progress), hasOutput);
     measurement([&] {
-        line.noteLook();
+        line.notePoll();
         InterruptGuard::check();
-        meanwhile();
+        onPoll();
         std::this_thread::sleep_for(pause);
     });
 }
 
 char Prompter::ask(const std::vector<Choice>& choices) const {
-    const std::string question = questionOf(choices);
+    const std::string question = formatQuestion(choices);
     for (;;) {
-        tell(question);
+        write(question);
         InterruptGuard::waitForInput();
         std::string answer;
-        const bool isGiven = !!std::getline(std::cin, answer);
+        const bool isRead = !!std::getline(std::cin, answer);
         InterruptGuard::check();
-        if (!isGiven || answer == "e") throw Error("ended after a failure");
+        if (!isRead || answer == "e") throw Error("the run was ended after a failure");
         const auto choice =
             std::ranges::find_if(choices, [&](const Choice& each) { return answer == std::string(1, each.letter); });
         if (choice != choices.end()) return choice->letter;

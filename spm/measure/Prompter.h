@@ -1,6 +1,6 @@
 #pragma once
 
-#include "spm/measure/LiveLine.h"
+#include "spm/measure/StatusLine.h"
 
 #include <cstddef>
 #include <functional>
@@ -9,44 +9,44 @@
 
 namespace spm {
 
-/// How much of the measuring is done, in patches.
+/// Progress of a run, in patches.
 struct Progress {
     std::size_t done;
     std::size_t all;
 };
 
-/// An answer that a person can give.
+/// A possible answer to a question.
 struct Choice {
     char letter;
     std::string text;
 };
 
-/// What is said to the person who measures. All of it goes to standard error: standard output has data alone.
+/// The dialogue with the user. Writes to standard error: standard output is for values.
 class Prompter {
 public:
     Prompter();
 
     void say(const std::string& text) const;
 
-    /// Runs a measurement, and meanwhile shows on a terminal what is done and waited for.
-    /// @param measurement  is given what it has to call between two looks at the button: that throws Interrupted when
-    ///                     the person ends the measuring
-    /// @param meanwhile    what else is done between two looks
-    void await(const Progress& progress, const std::function<void(const std::function<void()>&)>& measurement,
-               const std::function<void()>& meanwhile) const;
+    /// Runs a measurement while showing the status line.
+    /// @param measurement  receives a function to call between two polls of the button, which throws Interrupted if the
+    ///                     user stops the run
+    /// @param onPoll       called between two polls
+    void runMeasurement(const Progress& progress, const std::function<void(const std::function<void()>&)>& measurement,
+                        const std::function<void()>& onPoll) const;
 
-    /// Whether a person sees questions and can answer them.
-    bool canAsk() const { return isShown && isAnswered; }
+    /// Whether standard input and standard error are terminals.
+    bool canAsk() const { return hasOutput && hasInput; }
 
-    /// Asks what to do: one of the choices, or "e" for the end.
-    /// @return the letter
-    /// @throws Error        when it is the end
-    /// @throws Interrupted  when the person ends the measuring by Ctrl-C
+    /// Asks the user to choose, or to end the run with "e".
+    /// @return the letter of the choice
+    /// @throws Error        if the user ends the run, or standard input is at its end
+    /// @throws Interrupted  if the user presses Ctrl-C
     char ask(const std::vector<Choice>& choices) const;
 
 private:
-    bool isShown;
-    bool isAnswered;
+    bool hasOutput;
+    bool hasInput;
 };
 
 } // namespace spm

@@ -14,7 +14,7 @@ namespace spm {
 
 namespace {
 
-constexpr const char* keptText = "\nWhat was read is kept, and is written later.";
+constexpr const char* retryNote = "\nThe measured values are kept and will be saved later.";
 
 } // namespace
 
@@ -24,24 +24,24 @@ std::vector<Quantity> passesOf(const MeasureOptions& options) {
     return {options.spectra ? Quantity::spectrum : Quantity::lab};
 }
 
-bool givesLab(const MeasureOptions& options) {
+bool producesLab(const MeasureOptions& options) {
     return options.conditions.isCalculated || passesOf(options).front() == Quantity::lab;
 }
 
 Format formatOf(const MeasureOptions& options) {
-    if (options.format != Format::byName) return options.format;
+    if (options.format != Format::byExtension) return options.format;
     if (options.output.empty()) return Format::table;
     const std::string extension = options.output.extension().string();
     if (extension == ".csv") return Format::csv;
     if (extension == ".json") return Format::json;
     if (extension == ".txt" || extension == ".cgats") return Format::cgats;
-    throw UsageError(
-        fmt::format("the name {} does not tell the format; end it in .csv, .json or .cgats, or use --format",
-                    options.output.string()));
+    throw UsageError(fmt::format("can't determine the format of {} from its extension; use .csv, .json or .cgats, or "
+                                 "--format",
+                                 options.output.string()));
 }
 
-RunWriter::RunWriter(const MeasureOptions& chosen, const Prompter& shown, Run begun)
-    : options(chosen), prompter(shown), format(formatOf(chosen)), run(std::move(begun)) {}
+RunWriter::RunWriter(const MeasureOptions& measureOptions, const Prompter& userPrompter, Run initialRun)
+    : options(measureOptions), prompter(userPrompter), format(formatOf(measureOptions)), run(std::move(initialRun)) {}
 
 std::span<Reading> RunWriter::patches(const Strip& strip) {
     return std::span(run.readings).subspan(strip.first, static_cast<std::size_t>(strip.count));
@@ -53,41 +53,42 @@ void RunWriter::setInstrument(const std::string& name, const std::string& illumi
 }
 
 void RunWriter::save(Quantity quantity, const Strip& strip) {
-    hasFailed = false;
+    hasSaveFailed = false;
     if (!options.output.empty()) {
         isSaved = false;
-        saveDue();
+        saveIfDue();
     } else if (format == Format::table && isSaved) {
         std::string failures;
-        isSaved = attempt([&] { writeOut(table(quantity, patches(strip))); }, failures);
-        if (!isSaved) prompter.say(failures + keptText);
+        isSaved = attempt([&] { writeToStdout(table(quantity, patches(strip))); }, failures);
+        if (!isSaved) prompter.say(failures + retryNote);
     }
 }
 
-void RunWriter::saveDue() {
+void RunWriter::saveIfDue() {
     const Clock::time_point begin = Clock::now();
-    if (options.output.empty() || isSaved || hasFailed || begin < nextSave) return;
+    if (options.output.empty() || isSaved || hasSaveFailed || begin < nextSave) return;
     std::string failures;
     isSaved = attempt([&] { replaceFile(options.output, text()); }, failures);
-    hasFailed = !isSaved;
+    hasSaveFailed = !isSaved;
     nextSave = begin + std::max<Clock::duration>(std::chrono::seconds(1), 20 * (Clock::now() - begin));
-    if (hasFailed) prompter.say(failures + keptText);
+    if (hasSaveFailed) prompter.say(failures + retryNote);
 }
 
 void RunWriter::finish(const std::string& reason) {
     for (Reading& reading : run.readings) {
-        if (!reading.isMeasured() && reading.gap.empty()) reading.gap = reason;
+        if (!reading.isMeasured() && reading.missingReason.empty()) reading.missingReason = reason;
     }
     if (measuredCount(run) == 0) return;
     std::string failures;
     const bool isInFile = !options.output.empty() && attempt([&] { replaceFile(options.output, text()); }, failures);
     if (!options.report.empty()) attempt([&] { replaceFile(options.report, htmlReport(run)); }, failures);
     const bool isShown = options.output.empty() && format == Format::table && isSaved;
-    if (!isInFile && !isShown) attempt([&] { writeOut(text()); }, failures);
+    if (!isInFile && !isShown) attempt([&] { writeToStdout(text()); }, failures);
     if (!failures.empty()) throw Error(failures);
 }
 
-/// Whether a write succeeded; if not, the reason is added to the failures.
+/// Appends the error to the failures if the write throws.
+/// @return whether it succeeded
 bool RunWriter::attempt(const std::function<void()>& write, std::string& failures) const try {
     write();
     return true;
@@ -100,7 +101,7 @@ void RunWriter::showComparison() const {
     const std::string text = formatComparison(run);
     if (text.empty()) return;
     if (format == Format::table && options.output.empty()) {
-        writeOut(text);
+        writeToStdout(text);
     } else {
         prompter.say(text);
     }

@@ -9,56 +9,57 @@
 
 namespace spm {
 
-/// What is measured in one pass.
+/// The quantity measured in a pass over the chart.
 enum class Quantity { lab, spectrum };
 
-/// Patches that are measured at once: a row or a spot.
+/// Patches measured in one stroke: a row or a spot.
 struct Strip {
+    /// The index of the first patch in the run.
     std::size_t first;
     std::int32_t count;
+    /// "Row 2 of 4".
     std::string name;
 };
 
-/// The passes over the chart that the options ask for, in their order.
+/// The passes over the chart, in order.
 std::vector<Quantity> passesOf(const MeasureOptions& options);
 
 /// Whether the run has CIELab values, measured or calculated.
-bool givesLab(const MeasureOptions& options);
+bool producesLab(const MeasureOptions& options);
 
-/// The form in which the values are written.
-/// @throws UsageError  when the options don't tell it
+/// The output format.
+/// @throws UsageError  if the options don't determine it
 Format formatOf(const MeasureOptions& options);
 
-/// Keeps the run, and writes it whenever there is more of it.
+/// Holds the run's data and saves it as it grows.
 class RunWriter {
 public:
-    /// @param begun  the run with all its patches
-    RunWriter(const MeasureOptions& chosen, const Prompter& shown, Run begun);
+    /// The options and the prompter must outlive the writer.
+    /// @param initialRun  has all patches of the chart
+    RunWriter(const MeasureOptions& measureOptions, const Prompter& userPrompter, Run initialRun);
 
     std::span<Reading> patches(const Strip& strip);
 
-    /// The run with what was measured so far.
-    const Run& measured() const { return run; }
+    const Run& currentRun() const { return run; }
 
-    /// Notes what the patches are measured with.
     void setInstrument(const std::string& name, const std::string& illumination);
 
-    /// Writes a strip that was just measured: to standard output, or with all others to the output file. What can't be
-    /// written is reported, and tried again with the next strip.
+    /// Saves a strip that was just measured: appends its table to standard output, or writes all strips to the output
+    /// file. An error is reported to the user, and saving is retried with the next strip.
     void save(Quantity quantity, const Strip& strip);
 
-    /// Writes to the output file what save left for later. A file that holds many strips is not written for each, but
-    /// for at most a twentieth of the time, and once a second.
-    void saveDue();
+    /// Writes the output file if it is out of date. Limits the frequency to once a second, and the time spent to a
+    /// twentieth: each time, the whole file is written.
+    void saveIfDue();
 
-    /// Writes what is made of the whole run. Each file is tried whatever becomes of the others; values that can't be
-    /// written anywhere else go to standard output, last.
-    /// @param reason  why patches were not reached, if so
-    /// @throws Error  with all that can't be written
+    /// Writes the final output file and the report, each even if the other fails. Values that are in no file go to
+    /// standard output.
+    /// @param reason  why the remaining patches were not measured, if there are any
+    /// @throws Error  with all errors
     void finish(const std::string& reason);
 
-    /// Shows people the comparison with the reference, if there is one: on standard output below the tables, otherwise
-    /// on standard error.
+    /// Prints the comparison with the reference, if there is one: to standard output after the tables, otherwise to
+    /// standard error.
     void showComparison() const;
 
 private:
@@ -72,8 +73,10 @@ private:
     const Prompter& prompter;
     Format format;
     Run run;
+    /// Whether all measured strips are saved.
     bool isSaved = true;
-    bool hasFailed = false;
+    /// Whether the last attempt failed; saving then waits for the next strip.
+    bool hasSaveFailed = false;
     Clock::time_point nextSave{};
 };
 

@@ -1,5 +1,5 @@
-// The dialogue with the person who measures. Whatever goes wrong with a strip is a doubt, about which the person
-// decides; before a strip is repeated, a lost connection or calibration is restored.
+// The dialogue of a run. A strip that failed, or whose values look wrong, has a problem, and the user decides what to
+// do about it; before a strip is repeated, a lost connection or calibration is restored.
 
 #include "spm/measure/Session.h"
 
@@ -39,7 +39,7 @@ std::string instruction(std::span<const Reading> patches) {
 std::vector<Strip> stripsOf(const MeasureOptions& options) {
     const bool isSpots = options.spots > 0;
     const std::int32_t strips = isSpots ? options.spots : options.rows;
-    const std::int32_t count = isSpots ? 1 : options.patches;
+    const std::int32_t count = isSpots ? 1 : options.patchesInRow;
     std::vector<Strip> all;
     all.reserve(static_cast<std::size_t>(strips));
     for (std::int32_t i = 0; i < strips; ++i) {
@@ -49,9 +49,10 @@ std::vector<Strip> stripsOf(const MeasureOptions& options) {
     return all;
 }
 
-Session::Session(const Module& loaded, const Prompter& shown, RunWriter& kept, const MeasureOptions& chosen)
-    : module(loaded), prompter(shown), writer(kept), passes(passesOf(chosen)), strips(stripsOf(chosen)),
-      firstStrip(static_cast<std::size_t>(chosen.firstRow - 1)) {
+Session::Session(const Module& loadedModule, const Prompter& userPrompter, RunWriter& output,
+                 const MeasureOptions& options)
+    : module(loadedModule), prompter(userPrompter), writer(output), passes(passesOf(options)),
+      strips(stripsOf(options)), firstStrip(static_cast<std::size_t>(options.firstRow - 1)) {
     progress.all = passes.size() * (strips.size() - firstStrip) * static_cast<std::size_t>(strips.front().count);
 }
 
@@ -76,15 +77,15 @@ void Session::calibrate() {
     InterruptGuard::check();
 }
 
-/// Connects first if that is lost.
+/// Reconnects first if the connection is lost.
 bool Session::tryToCalibrate() try {
-    if (!instrument || !instrument->isAnswering()) {
+    if (!instrument || !instrument->isResponding()) {
         instrument.reset();
         instrument.emplace(module);
     }
     prompter.say("\nCalibration: place the instrument on its white reference and press the button.");
-    prompter.await(
-        progress, [&](const auto& wait) { instrument->calibrate(wait); }, [&] { writer.saveDue(); });
+    prompter.runMeasurement(
+        progress, [&](const auto& wait) { instrument->calibrate(wait); }, [&] { writer.saveIfDue(); });
     prompter.say("Calibrated.");
     return true;
 } catch (const Error& error) {
@@ -94,34 +95,29 @@ bool Session::tryToCalibrate() try {
     return false;
 }
 
-/// Measures a strip until it was read or is not wanted any more.
-/// @return whether all of it was read
+/// Measures a strip, repeatedly if the user wishes, until it is kept or skipped.
+/// @return whether all its patches were measured
 bool Session::measure(Quantity quantity, const Strip& strip) {
     for (;;) {
-        Attempt result = attempt(quantity, strip);
-        const char answer = result.doubt.empty() ? 'k' : decide(result, strip);
-        if (answer == 'r') {
-            if (result.read.empty()) restore();
+        const Attempt result = attempt(quantity, strip);
+        const Decision decision = result.problem.empty() ? Decision::keep : decide(result, strip);
+        if (decision == Decision::repeat) {
+            if (result.readings.empty()) recover();
             continue;
         }
         progress.done += static_cast<std::size_t>(strip.count);
-        if (answer == 'k') {
+        if (decision == Decision::keep) {
             keep(result, quantity, strip);
-            return result.read.size() == static_cast<std::size_t>(strip.count);
+            return result.readings.size() == static_cast<std::size_t>(strip.count);
         }
-        noteGap(writer.patches(strip), quantity, "skipped: " + firstLine(result.doubt));
+        markMissing(writer.patches(strip), quantity, "skipped: " + firstLine(result.problem));
         return false;
     }
 }
 
-/// After a failure, which a lost connection or calibration may have caused.
-void Session::restore() {
-    if (!instrument->isAnswering() || !instrument->isCalibrated()) calibrate();
-}
-
 Session::Attempt Session::attempt(Quantity quantity, const Strip& strip) try {
     Attempt result{read(quantity, strip), ""};
-    result.doubt = findDoubt(result.read, quantity, strip);
+    result.problem = findProblem(result.readings, quantity, strip);
     return result;
 } catch (const Error& error) {
     return {{}, error.what()};
@@ -129,63 +125,67 @@ Session::Attempt Session::attempt(Quantity quantity, const Strip& strip) try {
 
 std::vector<Reading> Session::read(Quantity quantity, const Strip& strip) {
     const std::span<const Reading> patches = writer.patches(strip);
-    std::vector<Reading> read(patches.begin(), patches.end());
+    std::vector<Reading> readings(patches.begin(), patches.end());
     prompter.say(fmt::format("\n{}: {}", titleOf(quantity, strip), instruction(patches)));
-    prompter.await(
+    prompter.runMeasurement(
         progress,
         [&](const auto& wait) {
             if (quantity == Quantity::lab) {
-                assign(instrument->read(strip.count, wait), &Reading::lab, read);
+                assign(instrument->read(strip.count, wait), &Reading::lab, readings);
             } else {
-                assign(instrument->readSpectra(strip.count, wait), &Reading::spectrum, read);
+                assign(instrument->readSpectra(strip.count, wait), &Reading::spectrum, readings);
             }
         },
-        [&] { writer.saveDue(); });
-    const Conditions& conditions = writer.measured().conditions;
-    for (Reading& reading : read) {
+        [&] { writer.saveIfDue(); });
+    const Conditions& conditions = writer.currentRun().conditions;
+    for (Reading& reading : readings) {
         if (conditions.isCalculated) reading.lab = toLab(reading.spectrum, conditions);
         requireFinite(reading);
     }
-    return read;
+    return readings;
 }
 
-/// What speaks against the values of a strip; empty when nothing does.
-std::string Session::findDoubt(std::span<const Reading> read, Quantity quantity, const Strip& strip) const {
+std::string Session::findProblem(std::span<const Reading> readings, Quantity quantity, const Strip& strip) const {
     const auto count = static_cast<std::size_t>(strip.count);
-    if (read.size() < count) {
-        return fmt::format("{}: {} of {} patches were found; slide more slowly, from white to white", strip.name,
-                           read.size(), count);
+    if (readings.size() < count) {
+        return fmt::format("{}: {} of {} patches were found; slide more slowly, and start and end on unprinted paper",
+                           strip.name, readings.size(), count);
     }
-    const bool isLabNew = quantity == Quantity::lab || writer.measured().conditions.isCalculated;
-    if (writer.measured().reference == nullptr || !isLabNew) return "";
-    return findBetterFit(read, strip, strips, writer.measured()).value_or("");
+    const bool hasNewLab = quantity == Quantity::lab || writer.currentRun().conditions.isCalculated;
+    if (writer.currentRun().reference == nullptr || !hasNewLab) return "";
+    return findBetterFit(readings, strip, strips, writer.currentRun()).value_or("");
 }
 
-/// What to do about a doubt. Without a terminal to ask on, a strip that is only dubious is kept.
-/// @return 'r' to measure again, 'k' to keep what was read, 's' to skip the strip
-/// @throws Error  when there is nobody to ask about a strip that was not read
-char Session::decide(const Attempt& attempt, const Strip& strip) const {
-    if (!prompter.canAsk() && attempt.read.size() < static_cast<std::size_t>(strip.count)) throw Error(attempt.doubt);
-    prompter.say(attempt.doubt);
-    if (!prompter.canAsk()) return 'k';
+/// Reports a problem and asks the user. If there is nobody to ask, a complete strip is kept.
+/// @throws Error  if there is nobody to ask and the strip is incomplete
+Session::Decision Session::decide(const Attempt& attempt, const Strip& strip) const {
+    const auto count = static_cast<std::size_t>(strip.count);
+    if (!prompter.canAsk() && attempt.readings.size() < count) throw Error(attempt.problem);
+    prompter.say(attempt.problem);
+    if (!prompter.canAsk()) return Decision::keep;
     std::vector<Choice> choices{{'r', "Measure it again"}};
-    if (!attempt.read.empty()) choices.push_back({'k', "keep what was read"});
+    if (!attempt.readings.empty()) choices.push_back({'k', "keep these values"});
     choices.push_back({'s', "skip it"});
-    return prompter.ask(choices);
+    return static_cast<Decision>(prompter.ask(choices));
 }
 
-void Session::keep(Attempt& attempt, Quantity quantity, const Strip& strip) {
+/// Restores a lost connection or calibration, which may have caused a failure.
+void Session::recover() {
+    if (!instrument->isResponding() || !instrument->isCalibrated()) calibrate();
+}
+
+void Session::keep(const Attempt& attempt, Quantity quantity, const Strip& strip) {
     const std::span<Reading> patches = writer.patches(strip);
-    const std::size_t found = attempt.read.size();
-    std::ranges::copy(attempt.read, patches.begin());
-    noteGap(patches.subspan(found), quantity, fmt::format("{} of {} patches were found", found, patches.size()));
-    prompter.say(fmt::format("{} read.", titleOf(quantity, strip)));
+    const std::size_t found = attempt.readings.size();
+    std::ranges::copy(attempt.readings, patches.begin());
+    markMissing(patches.subspan(found), quantity, fmt::format("{} of {} patches were found", found, patches.size()));
+    prompter.say(fmt::format("{} measured.", titleOf(quantity, strip)));
     writer.save(quantity, strip);
 }
 
-void Session::noteGap(std::span<Reading> patches, Quantity quantity, const std::string& reason) const {
+void Session::markMissing(std::span<Reading> patches, Quantity quantity, const std::string& reason) const {
     for (Reading& patch : patches) {
-        patch.gap = passes.size() > 1 ? fmt::format("{}: {}", nameOf(quantity), reason) : reason;
+        patch.missingReason = passes.size() > 1 ? fmt::format("{}: {}", nameOf(quantity), reason) : reason;
     }
 }
 

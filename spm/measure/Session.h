@@ -7,36 +7,40 @@
 
 namespace spm {
 
-/// The strips that the options ask for, in their order.
+/// The strips to measure, in order.
 std::vector<Strip> stripsOf(const MeasureOptions& options);
 
-/// Measuring with a person: from connecting and calibrating the instrument to the last strip. What fails can be
-/// repeated, when there is a terminal to ask on.
+/// Guides the user through the measurement of all strips. On a terminal, the user can repeat what failed.
 class Session {
 public:
-    Session(const Module& loaded, const Prompter& shown, RunWriter& kept, const MeasureOptions& chosen);
+    /// All but the options must outlive the session.
+    Session(const Module& loadedModule, const Prompter& userPrompter, RunWriter& output, const MeasureOptions& options);
 
-    /// @throws Error        when something fails that is not to be repeated
-    /// @throws Interrupted  when the person ends the measuring
+    /// Opens and calibrates the instrument, then measures all strips.
+    /// @return complete or incomplete
+    /// @throws Error        if something fails and isn't repeated
+    /// @throws Interrupted  if the user stops the run
     Outcome measure();
 
 private:
-    /// What a strip gave: its first patches, all or some or none, and what speaks against them.
     struct Attempt {
-        std::vector<Reading> read;
-        std::string doubt;
+        /// The patches that were found, in the strip's order; fewer than the strip has if some were missed.
+        std::vector<Reading> readings;
+        /// Why the user may not want to keep them; empty if there is no reason.
+        std::string problem;
     };
+    enum class Decision : char { repeat = 'r', keep = 'k', skip = 's' };
 
     void calibrate();
     bool tryToCalibrate();
-    void restore();
     bool measure(Quantity quantity, const Strip& strip);
     Attempt attempt(Quantity quantity, const Strip& strip);
     std::vector<Reading> read(Quantity quantity, const Strip& strip);
-    std::string findDoubt(std::span<const Reading> read, Quantity quantity, const Strip& strip) const;
-    char decide(const Attempt& attempt, const Strip& strip) const;
-    void keep(Attempt& attempt, Quantity quantity, const Strip& strip);
-    void noteGap(std::span<Reading> patches, Quantity quantity, const std::string& reason) const;
+    std::string findProblem(std::span<const Reading> readings, Quantity quantity, const Strip& strip) const;
+    Decision decide(const Attempt& attempt, const Strip& strip) const;
+    void recover();
+    void keep(const Attempt& attempt, Quantity quantity, const Strip& strip);
+    void markMissing(std::span<Reading> patches, Quantity quantity, const std::string& reason) const;
     std::string titleOf(Quantity quantity, const Strip& strip) const;
 
     const Module& module;

@@ -1,4 +1,4 @@
-// What only settings files, file rights and LD_LIBRARY_PATH can do to an installation.
+// Faults that exist only on POSIX: settings files, file permissions and LD_LIBRARY_PATH.
 
 #include "common/System.h"
 #include "module/SPMRegistry.h"
@@ -11,12 +11,12 @@
 
 namespace fs = std::filesystem;
 
-TEST(DoctorOnPosix, SaysWhyASettingsFileHasNoEffect) {
+TEST(DoctorOnPosix, ExplainsWhySettingsHaveNoEffect) {
     const std::string begin = "REGEDIT4\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM]\n\"Logging\"=";
     const std::vector<std::vector<std::string>> cases{
-        {"Windows Registry Editor Version 5.00\n", "Settings", " has the form of a newer regedit",
+        {"Windows Registry Editor Version 5.00\n", "Settings", " has the format of a newer version of regedit",
          "(REGEDIT4)\", or save"},
-        {"\xFF\xFEW", "Settings", " is UTF-16 text, as a newer regedit writes it", "Win9x/NT4 Registration Files"},
+        {"\xFF\xFEW", "Settings", " is UTF-16 text, written by a newer version", "Win9x/NT4 Registration Files"},
         {"text\n" + begin + "dword:1", "Logging", " is ignored", "fix the settings file first"},
         {begin + "1", "Logging", " is ignored", "write it as \"Logging\"=dword:00000001"},
         {begin + "1\n\"Logging\"=-", "Logging", "0 by default, not set", ""},
@@ -33,28 +33,27 @@ TEST(DoctorOnPosix, SaysWhyASettingsFileHasNoEffect) {
     }
 }
 
-TEST(DoctorOnPosix, LooksAtTheSdkThatTheLoaderTakes) {
+TEST(DoctorOnPosix, ChecksTheSdkLibraryThatTheLoaderFinds) {
     const TempFolder folder;
     const EnvironmentVariable path("LD_LIBRARY_PATH", "/missing:" + (folder / "").string());
     const fs::path sdk = folder / common::sdkFileName;
-    const fs::path beside = common::programFolder() / common::sdkFileName;
+    const fs::path built = common::programFolder() / common::sdkFileName;
     const auto spm = [&](const std::string& command) {
         run(common::programFolder() / "spm", {command}, {folder / "out", folder / "err"});
         return readText(folder / "out") + readText(folder / "err");
     };
-    fs::copy_file(beside, sdk);
-    EXPECT_NE(spm("doctor").find("\n                    LD_LIBRARY_PATH brings it in place of " + beside.string()),
-              std::string::npos);
+    fs::copy_file(built, sdk);
+    EXPECT_NE(spm("doctor").find("loaded because of LD_LIBRARY_PATH, instead of " + built.string()), std::string::npos);
     fs::resize_file(sdk, fs::file_size(sdk) / 2);
     EXPECT_NE(spm("doctor").find("WRONG  SDK library  can't load " + sdk.string() + ": it is cut short"),
               std::string::npos);
     EXPECT_NE(spm("measure").find("can't load the SDK library " + sdk.string() + ": it is cut short"),
               std::string::npos);
-    writeFile(sdk, readFile(beside).replace(4, 1, "\1"));
-    EXPECT_NE(spm("doctor").find("note   SDK library  " + beside.string()), std::string::npos) << "one of 32 bits";
+    writeFile(sdk, readFile(built).replace(4, 1, "\1"));
+    EXPECT_NE(spm("doctor").find("note   SDK library  " + built.string()), std::string::npos) << "32 bits are skipped";
 }
 
-TEST(DoctorOnPosix, KnowsALibraryThatThisUserMayNotRead) {
+TEST(DoctorOnPosix, ReportsAnUnreadableLibrary) {
     const TempFolder folder;
     Settings settings;
     writeFile(folder / "library", "");

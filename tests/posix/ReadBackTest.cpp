@@ -1,4 +1,4 @@
-// What the forms of a run are to other programs: Little CMS, and Python's readers of JSON and XML.
+// Reads the output formats with other programs: Little CMS, and Python's JSON and XML parsers.
 
 #include "spm/formats/Report.h"
 #include "tests/spm/SampleRuns.h"

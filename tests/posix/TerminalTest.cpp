@@ -1,4 +1,4 @@
-// spm on a terminal: what a person sees and answers there.
+// spm on a terminal: what it shows, and how it reacts to the user.
 
 #include "common/System.h"
 #include "tests/support/Support.h"
@@ -19,9 +19,9 @@
 namespace {
 
 const std::string hangUp = "(hang up)";
-const std::string killAtOnce = "(kill)";
+const std::string kill9 = "(kill)";
 
-/// spm, measuring two rows of two patches on a terminal of its own.
+/// "spm measure" with two rows of two patches, in a pseudoterminal.
 class Spm {
 public:
     explicit Spm(const std::vector<std::string>& more) {
@@ -31,13 +31,13 @@ public:
         std::vector<char*> arguments;
         std::ranges::transform(words, std::back_inserter(arguments), [](std::string& word) { return word.data(); });
         arguments.push_back(nullptr);
-        openpty(&terminal, &programsSide, nullptr, nullptr, nullptr);
+        openpty(&terminal, &spmSide, nullptr, nullptr, nullptr);
         process = fork();
         if (process == 0) {
             close(terminal);
-            login_tty(programsSide);
-            alarm(30);               // ends a spm that hangs, and so the test's wait for it
-            signal(SIGINT, SIG_DFL); // a shell's background jobs ignore it
+            login_tty(spmSide);
+            alarm(30);               // ends an spm that hangs
+            signal(SIGINT, SIG_DFL); // ignored if the tests are a shell's background job
             signal(SIGHUP, SIG_DFL);
             execv(program.c_str(), arguments.data());
             _exit(127);
@@ -47,10 +47,10 @@ public:
     Spm& operator=(const Spm&) = delete;
     ~Spm() {
         close(terminal);
-        close(programsSide);
+        close(spmSide);
     }
 
-    /// Waits until a text is shown, behind what was waited for before.
+    /// Waits until spm shows a text, after the one of the previous call.
     bool shows(const std::string& text) {
         while (shown.find(text, seen) == std::string::npos) {
             if (!readMore(30'000)) return false;
@@ -59,18 +59,19 @@ public:
         return true;
     }
 
-    /// Types a text, takes the terminal away or kills spm.
+    /// Types a text, closes the terminal or kills spm.
     void act(const std::string& action) {
         if (action == hangUp) {
             close(std::exchange(terminal, -1));
-        } else if (action == killAtOnce) {
+        } else if (action == kill9) {
             kill(process, SIGKILL);
         } else {
             EXPECT_EQ(write(terminal, action.data(), action.size()), static_cast<ssize_t>(action.size()));
         }
     }
 
-    /// The exit status; -1 when it was killed.
+    /// Waits for the end of spm.
+    /// @return the exit status; -1 if it was killed
     int end() {
         int status = 0;
         while (waitpid(process, &status, WNOHANG) == 0) {
@@ -84,7 +85,7 @@ public:
     std::string shown;
 
 private:
-    /// @return false when nothing comes in so many milliseconds
+    /// @return false if no output arrives in time
     bool readMore(int milliseconds) {
         std::array<char, 4096> part{};
         pollfd output{terminal, POLLIN, 0};
@@ -95,13 +96,13 @@ private:
     }
 
     int terminal = -1;
-    /// Kept open: what a terminal has not passed on yet is lost when nobody holds this side any more.
-    int programsSide = -1;
+    /// Kept open: closing the last descriptor of this side would discard output that wasn't read yet.
+    int spmSide = -1;
     pid_t process = -1;
     std::size_t seen = 0;
 };
 
-/// The numbers of the patches that a CSV file has values of.
+/// The numbers of the patches that have values in a CSV file.
 std::string patchesIn(const std::filesystem::path& csv) {
     std::string numbers;
     for (const std::string& line : linesOf(readText(csv))) {
@@ -112,7 +113,7 @@ std::string patchesIn(const std::filesystem::path& csv) {
 
 } // namespace
 
-TEST(Terminal, ShowsWhatIsDoneAndTheColours) {
+TEST(Terminal, ShowsProgressAndColours) {
     const Settings settings;
     const EnvironmentVariable colours("COLORTERM", "truecolor");
     Spm spm({"--lab", "--spectra"});
@@ -124,8 +125,8 @@ TEST(Terminal, ShowsWhatIsDoneAndTheColours) {
     EXPECT_EQ(spm.end(), 0) << spm.shown;
 }
 
-// Without a terminal, standard output is a device that takes nothing.
-TEST(FullDisk, KeepsNoReportFromBeingWritten) {
+// Standard output is a device that is always full.
+TEST(FullDisk, StillWritesTheReport) {
     const Settings settings;
     const TempFolder folder;
     const std::string report = folder / "page.html";
@@ -133,13 +134,13 @@ TEST(FullDisk, KeepsNoReportFromBeingWritten) {
                   {"/dev/full", folder / "err"}),
               1);
     const std::string errors = readText(folder / "err");
-    EXPECT_EQ(errors.find("can't write : "), std::string::npos) << "there is no output file to save to";
+    EXPECT_EQ(errors.find("can't write : "), std::string::npos) << "an output file was written without --output";
     EXPECT_TRUE(errors.ends_with("\nspm: can't write to standard output: No space left on device\n")) << errors;
     EXPECT_NE(readFile(report).find("4 of 4 patches"), std::string::npos) << errors;
 }
 
-TEST(Terminal, DoesWhatThePersonAnswers) {
-    using Step = std::pair<std::string, std::string>; // what is waited for, and what is done then
+TEST(Terminal, FollowsTheUsersAnswers) {
+    using Step = std::pair<std::string, std::string>; // the text to wait for, and the reaction
     struct Case {
         std::string script;
         std::vector<Step> steps;
@@ -162,12 +163,12 @@ TEST(Terminal, DoesWhatThePersonAnswers) {
     const std::string atOnce = R"("button": {"polls": 0}, "latency": {"I1PRO3_TriggerMeasurement": 500, )"
                                R"("I1PRO3_Calibrate": 500})";
     const std::string lamp = "lamp\r\nErrorNumber: 7\r\n";
-    const std::string question = "Measure it again (r), skip it (s) or end (e)? ";
-    const std::string keep = "Measure it again (r), keep what was read (k), skip it (s) or end (e)? ";
+    const std::string question = "Measure it again (r), skip it (s) or end the run (e)? ";
+    const std::string keep = "Measure it again (r), keep these values (k), skip it (s) or end the run (e)? ";
     const std::string swapped = "name,L*,a*,b*\npatch 1,42.1,-12.3,21.8\npatch 2,51.6,-3.8,-20.2\n"
                                 "patch 3,65.8,13.4,17.7\npatch 4,36.8,13.9,14.7\n";
-    const std::string failed = "spm: ended after a failure\r\n";
-    const std::string kept = "Ended; the instrument is closed, and what was read is kept.\r\n";
+    const std::string failed = "spm: the run was ended after a failure\r\n";
+    const std::string kept = "Stopped; the instrument is closed, and all measured values are kept.\r\n";
     const std::string ctrlC = "\x03";
     const std::vector<Case> cases{
         {firstFailsTwice, {{lamp + question, "x\n"}, {question, "r\n"}, {question, "s\n"}}, 3, "34", ""},
@@ -177,13 +178,13 @@ TEST(Terminal, DoesWhatThePersonAnswers) {
         {secondFails, {{question, ctrlC}}, 3, "12", kept},
         {slow, {{"] 2 of 4 patches; waiting ", ctrlC}}, 3, "12", kept},
         {slow, {{"] 2 of 4 patches; waiting ", hangUp}}, 3, "12", ""},
-        {slow, {{"Row 2 of 2, CIELab: ", killAtOnce}}, -1, "12", ""},
+        {slow, {{"Row 2 of 2, CIELab: ", kill9}}, -1, "12", ""},
         {someFound, {{"1 of 2 patches were found; ", ""}, {keep, "k\n"}, {keep, "k\n"}}, 3, "13", ""},
         {notCalibrated, {{question, "r\n"}, {"Calibrated.", ""}, {"Row 1 of 2", ""}}, 0, "1234", ""},
         {connectionLost, {{question, "r\n"}, {"Calibrated.", ""}, {"Row 1 of 2", ""}}, 0, "1234", ""},
-        {calibrationFails, {{lamp, ""}, {"Calibrate again (r) or end (e)? ", "r\n"}}, 0, "1234", ""},
+        {calibrationFails, {{lamp, ""}, {"Calibrate again (r) or end the run (e)? ", "r\n"}}, 0, "1234", ""},
         {"",
-         {{"; Row 2 of 2 in the other direction fits it (0.0)", ""}, {keep, "k\n"}, {keep, "s\n"}},
+         {{"; Row 2 of 2 in reverse matches better (0.0)", ""}, {keep, "k\n"}, {keep, "s\n"}},
          3,
          "12",
          "",

@@ -7,8 +7,8 @@
 
 #include <gtest/gtest.h>
 
-// CIE 015:2018, tables of the tristimulus values of the illuminants.
-TEST(Colorimetry, HasThePublishedWhitePoints) {
+// CIE 015:2018, tristimulus values of the illuminants.
+TEST(Colorimetry, MatchesPublishedWhitePoints) {
     const std::vector<std::pair<spm::Conditions, spm::Xyz>> whites{
         {{"A", 2}, {109.85, 100, 35.58}},  {{"D50", 2}, {96.42, 100, 82.51}},  {{"D65", 2}, {95.04, 100, 108.88}},
         {{"A", 10}, {111.14, 100, 35.20}}, {{"D50", 10}, {96.72, 100, 81.43}}, {{"D65", 10}, {94.81, 100, 107.32}}};
@@ -20,7 +20,7 @@ TEST(Colorimetry, HasThePublishedWhitePoints) {
     }
 }
 
-// The expected values are those of published weights for steps of 10 nm, which the simulated instrument has, too.
+// The expected values are calculated with published weights at 10 nm, as in the simulated instrument.
 TEST(Colorimetry, AgreesWithPublishedWeights) {
     const std::string chart = readFile(SOURCE_FOLDER "/simulator/data/colorchecker24.csv");
     common::CsvReader csv(chart, "the chart");
@@ -39,7 +39,7 @@ TEST(Colorimetry, AgreesWithPublishedWeights) {
     }
 }
 
-TEST(Colorimetry, RefusesOtherWavelengths) {
+TEST(Colorimetry, RejectsOtherWavelengths) {
     for (const std::vector<SPM_REFLECTION>& spectrum :
          {std::vector<SPM_REFLECTION>{}, {{390, 1}, {400, 1}}, {{380, 1}, {400, 1}}}) {
         EXPECT_THROW(spm::toLab(spectrum, {}), spm::Error);

@@ -8,7 +8,7 @@
 
 namespace {
 
-/// Patches with CIELab values that are grey.
+/// Neutral patches by name and L*.
 spm::Run greys(const std::vector<std::pair<std::string, float>>& lightnesses) {
     spm::Run run;
     for (const auto& [name, lightness] : lightnesses) {
@@ -30,7 +30,7 @@ std::string statisticsOf(spm::Run run) {
 } // namespace
 
 // Table 1 of Sharma, Wu and Dalal, Color Research and Application 30 (2005), 21-30.
-TEST(DeltaE, IsThatOfThePublishedPairs) {
+TEST(DeltaE, MatchesPublishedPairs) {
     const std::string text = readFile(SOURCE_FOLDER "/tests/spm/data/ciede2000.csv");
     common::CsvReader csv(text, "ciede2000.csv");
     csv.next();
@@ -47,9 +47,9 @@ TEST(DeltaE, IsThatOfThePublishedPairs) {
     EXPECT_EQ(pairs, 34);
 }
 
-// The examples in the documentation of the Python libraries Colour and (the last) python-colormath, with the weights
+// Examples from the documentation of the Python libraries Colour and, the last one, python-colormath; with the weights
 // for graphic arts.
-TEST(DeltaE, IsThatOfThePublishedExamples) {
+TEST(DeltaE, MatchesPublishedExamples) {
     const SPM_LAB reference{100, 21.57210357F, 272.22819350F};
     const std::vector<std::tuple<SPM_LAB, double, double>> cases{
         {{100, 426.67945353F, 72.39590835F}, 83.779225, 451.713302},
@@ -62,9 +62,9 @@ TEST(DeltaE, IsThatOfThePublishedExamples) {
     EXPECT_NEAR(spm::deltaE(spm::Formula::cie94, {0.7F, 14.2F, -1.8F}, {0.9F, 16.3F, -2.22F}), 1.249293, 1e-4);
 }
 
-TEST(Comparison, MatchesByNameAndSumsUp) {
+TEST(Comparison, MatchesPatchesByName) {
     const TempFolder folder;
-    const std::filesystem::path file = folder / "reference.csv"; // as spreadsheets write it
+    const std::filesystem::path file = folder / "reference.csv"; // as written by spreadsheets
     writeFile(file, "\xEF\xBB\xBF\"Name\",note,b,a*,LAB_L\r\n"
                     "white (.05\"),more,.25,-0.5,50\r\n"
                     "\r\n"
@@ -93,7 +93,7 @@ TEST(Comparison, MatchesByNameAndSumsUp) {
                                               "Not compared, because not measured: \"\", \"A2\"\n");
 }
 
-TEST(Comparison, SumsUpByMedianAndNearestRank) {
+TEST(Comparison, CalculatesMedianAndPercentiles) {
     std::vector<std::pair<std::string, float>> patches;
     for (const int difference : {19, 1, 18, 2, 17, 3, 16, 4, 15, 5, 14, 6, 13, 7, 12, 8, 11, 9, 10}) {
         patches.emplace_back("A1", static_cast<float>(50 - difference));
@@ -103,7 +103,7 @@ TEST(Comparison, SumsUpByMedianAndNearestRank) {
     EXPECT_EQ(statisticsOf(greys(patches)), "mean 10.5 median 10.5 p90 18 p95 19 max 20 ");
 }
 
-TEST(Comparison, TakesLimitsOrSaysWhatIsAllowed) {
+TEST(Comparison, ParsesLimits) {
     EXPECT_EQ(spm::parseLimits("p90=3.5,max=0"), (spm::Limits{{"max", 0}, {"p90", 3.5}}));
     for (const char* const text : {"", "mean", "mean=", "mean=2,", "p99=2", "max=-1", "max=nan", "max=1e999", "max=2x",
                                    "mean=2,mean=3", "mean=2;max=5"}) {

@@ -1,4 +1,4 @@
-// Every installation that is broken in one place has a verdict of its own.
+// Breaks an installation in one place after another, and checks what the doctor finds.
 
 #include "spm/doctor/Doctor.h"
 
@@ -15,7 +15,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// An installation of the test's own, whole at first, with the simulated SDK library and without settings.
+/// A temporary installation with the simulated SDK library and without settings.
 class Installation {
 public:
     Installation() {
@@ -26,14 +26,14 @@ public:
     fs::path module() const { return place / common::moduleFileName; }
     fs::path sdk() const { return place / common::sdkFileName; }
     fs::path log() const { return module().replace_extension(".log"); }
-    /// Puts an SDK library from another folder of the built ones in the place of the installed one.
-    void replaceSdk(const std::string& built) const {
+    /// Replaces the SDK library by the one in this subfolder of the build.
+    void replaceSdk(const std::string& subfolder) const {
         fs::remove(sdk());
-        fs::copy_file(common::programFolder() / built / common::sdkFileName, sdk());
+        fs::copy_file(common::programFolder() / subfolder / common::sdkFileName, sdk());
     }
     /// Cuts off the second half of a file.
-    static void cut(const fs::path& file) { fs::resize_file(file, fs::file_size(file) / 2); }
-    /// Makes a library one for an unknown processor, which its headers name in two bytes.
+    static void truncate(const fs::path& file) { fs::resize_file(file, fs::file_size(file) / 2); }
+    /// Changes the processor in the library's header, two bytes, to an unknown one.
     static void makeForeign(const fs::path& library) {
         std::string bytes = readFile(library);
         const bool isElf = bytes.starts_with("\x7F");
@@ -59,9 +59,9 @@ private:
     const EnvironmentVariable script{"I1PRO3_SIMULATOR", ""};
 };
 
-/// A change of a whole installation, and some of the findings then; of their texts and advice, a part that decides.
 struct Case {
     void (*change)(Installation&);
+    /// Some of the expected findings, with parts of their texts and advice.
     std::vector<spm::Finding> findings;
 };
 
@@ -69,33 +69,33 @@ const std::string key = R"(HKEY_LOCAL_MACHINE\SOFTWARE\Kestrova\SPM)";
 
 } // namespace
 
-TEST(Doctor, HasAVerdictOnEachPart) {
+TEST(Doctor, DiagnosesEachFault) {
     using enum spm::Verdict;
     const std::string module = common::moduleFileName;
     const std::string sdk = common::sdkFileName;
     const std::string log = std::string(1, fs::path::preferred_separator) + "spm_i1pro3.log";
-    // Windows gives the module its file's name in the code page alone.
+    // Windows gives the module its path only in the system's code page.
     const bool isWindows = fs::path::preferred_separator == '\\';
-    const std::string moving = isWindows ? "move the module to a folder with " : "";
+    const std::string moveAdvice = isWindows ? "move the module to a folder with " : "";
     const std::string simulated = "simulated i1Pro 3 with the ColorChecker Classic chart";
     const std::vector<Case> cases{
         {[](Installation&) {},
          {{good, "Module", module + "\nversion 5.9.0.3", ""},
-          {note, "SDK library", sdk + "\nSIMULATED: " + simulated, "to measure with an instrument, put the vendor's "},
+          {note, "SDK library", sdk + "\nSIMULATED: " + simulated, "to use a real instrument, replace it with "},
           {good, "Settings", SPMRegistry::place().substr(0, 1), ""},
           {good, "Device", "the first by default, not set in " + key + "\\xrite i1 Pro3", ""},
-          {good, "Log file", log + ", not asked for", ""},
+          {good, "Log file", log + ", logging is off", ""},
           {good, "Instrument", "found and opened", ""},
-          {note, "Calibration", "not done", "have the white reference at hand: \"spm measure\" begins with it"}}},
+          {note, "Calibration", "not done", "have the white reference ready: \"spm measure\" starts with "}}},
         {[](Installation& its) { fs::remove(its.module()); },
-         {{wrong, "Module", " is missing", "put it there, or name another one with --module"},
-          {note, "Instrument", "not looked for", "fix the module and the SDK library first"}}},
+         {{wrong, "Module", " is missing", "put it there, or choose another one with --module"},
+          {note, "Instrument", "not checked", "fix the module and the SDK library first"}}},
         {[](Installation& its) { writeFile(its.module(), "text"); },
          {{wrong, "Module", module + ": it is not a library of this system", "replace it with the right file"},
           {good, "SDK library", sdk, ""}}},
-        {[](Installation& its) { Installation::cut(its.module()); },
+        {[](Installation& its) { Installation::truncate(its.module()); },
          {{wrong, "Module", module + ": it is cut short, and has only ", "copy or install it again"}}},
-        {[](Installation& its) { Installation::cut(its.sdk()); },
+        {[](Installation& its) { Installation::truncate(its.sdk()); },
          {{wrong, "Module", "can't load the SDK library ", "fix the SDK library first"},
           {wrong, "SDK library", sdk + ": it is cut short, and has only ", "copy or install it again"}}},
         {[](Installation& its) { Installation::makeForeign(its.sdk()); },
@@ -116,34 +116,33 @@ TEST(Doctor, HasAVerdictOnEachPart) {
              its.settings.setNumber("Logging", 1);
              its.settings.denyWriting();
          },
-         {{note, "Settings", " can't be opened for reading and writing", "to have settings, "},
-          {wrong, "Logging", "0 by default: what is set in " + key + " is ignored", spm::settingsRightAdvice}}},
+         {{note, "Settings", " can't be opened for reading and writing", "to use settings, "},
+          {wrong, "Logging", "0 by default: the value in " + key + " is ignored", spm::settingsAccessAdvice}}},
         {[](Installation& its) { its.settings.setNumber("LOGFILE", 1); },
          {{good, "Logging", "0 by default, not set in " + key, ""},
-          {note, "Unknown", key + "\\LOGFILE is set, but not read", key + "\\Logging"}}},
+          {note, "Unknown", key + "\\LOGFILE is set, but the module does not ", key + "\\Logging"}}},
         {[](Installation& its) { its.settings.set(R"(WOW6432Node\Kestrova\SPM)", "Logging", REG_DWORD, "\1\1\1\1"); },
          {{note, "Unknown", R"(\WOW6432Node\Kestrova\SPM\Logging is set, but)", key + "\\Logging"}}},
         {[](Installation& its) {
              its.settings.set(commonKey, "Logging", REG_SZ, {"1\0", 2});
          },
-         {{wrong, "Logging", "0 by default, because what is set in " + key + " is not a REG_DWORD",
-           "set it as a REG_D"}}},
+         {{wrong, "Logging", "0 by default: the value in " + key + " is not a REG_DWORD", "set it as a REG_D"}}},
         {[](Installation& its) { its.settings.set(deviceKey, "Device", REG_DWORD, "\1\1\1\1"); },
          {{wrong, "Device", key + "\\xrite i1 Pro3 is not a REG_SZ", "or remove it"}}},
         {[](Installation& its) { its.settings.setNumber("Logging", 1); },
-         {{good, "Logging", "1, from " + key, ""}, {good, "Log file", ".log, written", ""}}},
+         {{good, "Logging", "1, from " + key, ""}, {good, "Log file", ".log, logging is on", ""}}},
         {[](Installation& its) { fs::create_directory(its.log()); },
-         {{note, "Log file", ".log can't be written", "give this user the right to write to it and to its folder"}}},
+         {{note, "Log file", ".log can't be written", "give this user write permission for it and its folder"}}},
         {[](Installation& its) {
              its.settings.setNumber("Logging", 1);
              fs::create_directory(its.log());
          },
-         {{wrong, "Log file", ".log can't be written", "give this user the right "}}},
+         {{wrong, "Log file", ".log can't be written", "give this user write permission "}}},
         {[](Installation& its) { its.moveTo(u8"\u8272"); },
-         {{isWindows ? note : good, "Module", module, moving}, {isWindows ? note : good, "Log file", log, moving}}},
+         {{isWindows ? note : good, "Module", module, moveAdvice},
+          {isWindows ? note : good, "Log file", log, moveAdvice}}},
         {[](Installation& its) { its.useScript(R"({"instruments": []})"); },
-         {{wrong, "Instrument", "no instrument was found",
-           "it is simulated: look at the script that the environment "}}},
+         {{wrong, "Instrument", "no instrument was found", "it is simulated: check the script that the environment "}}},
         {[](Installation& its) {
              its.useScript(R"({"faults": [{"function": "I1PRO3_SetOption", "call": 3, "result": 7}]})");
          },
@@ -168,17 +167,17 @@ TEST(Doctor, HasAVerdictOnEachPart) {
     }
 }
 
-TEST(Doctor, LeavesTheLogFileAsItWas) {
+TEST(Doctor, LeavesTheLogFileUnchanged) {
     Installation installation;
-    EXPECT_TRUE(spm::isSound(spm::examine(installation.module())));
-    EXPECT_FALSE(fs::exists(installation.log())) << "it was looked whether it can be written";
+    EXPECT_TRUE(spm::isReady(spm::examine(installation.module())));
+    EXPECT_FALSE(fs::exists(installation.log())) << "a test for write access created it";
     installation.settings.setNumber("Logging", 1);
     writeFile(installation.log(), "earlier");
-    EXPECT_TRUE(spm::isSound(spm::examine(installation.module())));
+    EXPECT_TRUE(spm::isReady(spm::examine(installation.module())));
     EXPECT_TRUE(readFile(installation.log()).starts_with("earlier"));
 }
 
-TEST(Doctor, ShowsAParagraphPerFinding) {
+TEST(Doctor, FormatsFindings) {
     std::vector<spm::Finding> findings{{spm::Verdict::good, "Module", "file\nversion 3", ""},
                                        {spm::Verdict::note, "Settings", "defaults", "fix"},
                                        {spm::Verdict::wrong, "Instrument", "lamp\nErrorNumber: 7\n", "look"}};
@@ -189,14 +188,14 @@ TEST(Doctor, ShowsAParagraphPerFinding) {
                                                                      "WRONG  Instrument   lamp\n"
                                                                      "                    ErrorNumber: 7\n"
                                                                      "                    > look\n"
-                                                                     "\nNot ready: fix what is marked WRONG.\n");
+                                                                     "\nNot ready: fix the parts marked WRONG.\n");
     findings.pop_back();
     const std::string coloured = spm::formatFindings(findings, spm::ColourDepth::palette256);
     EXPECT_TRUE(coloured.starts_with("\x1b[32mok    \x1b[0m Mod")) << coloured;
     EXPECT_TRUE(coloured.ends_with("> fix\n\nReady to measure.\n")) << coloured;
 }
 
-TEST(CommandLine, ListsTheInstrumentAndNamesWhatWasMeant) {
+TEST(CommandLine, ListsTheInstrumentAndSuggestsNames) {
     struct Case {
         std::vector<std::string> arguments;
         int status;
@@ -204,12 +203,12 @@ TEST(CommandLine, ListsTheInstrumentAndNamesWhatWasMeant) {
     };
     const std::vector<Case> cases{
         {{"--version"}, 0, "spm 5.9.0.3"},
-        {{"--list"}, 0, "xrite i1 Pro3, answering, SIMULATED: "},
+        {{"--list"}, 0, "xrite i1 Pro3, responding, SIMULATED: "},
         {{"--list", "doctor"}, 2, "doctor excludes --list"},
         {{"--list", "--module", "missing"}, 1, "spm: can't load the module missing"},
         {{"mesure", "--rows", "2"}, 2, "spm: unknown command \"mesure\"; did you mean \"measure\"?"},
         {{"measure", "--ROW=2"}, 2, "spm: unknown option \"--ROW=2\"; did you mean \"--rows\"?"},
-        {{"--colour"}, 2, "spm: unknown option \"--colour\"; --help lists what there is"},
+        {{"--colour"}, 2, "spm: unknown option \"--colour\"; see --help"},
         {{}, 2, "A subcommand is required"},
     };
     const TempFolder folder;

@@ -1,4 +1,4 @@
-// Each form of a run is compared with a file of tests/spm/data/.
+// Compares each output format with a golden file in tests/spm/data/.
 
 #include "spm/formats/Formats.h"
 
@@ -24,7 +24,7 @@ std::string tables(const spm::Run& run) {
            spectraTable(run, run.readings, colours);
 }
 
-/// The page without its style, which is the same on each.
+/// The page from its title on, without the style sheet.
 std::string body(const spm::Run& run) {
     const std::string page = spm::htmlReport(run);
     return page.substr(page.find("<title>"));
@@ -45,12 +45,12 @@ TEST(Formats, MatchTheirGoldenFiles) {
     const std::string folder = SOURCE_FOLDER "/tests/spm/data/";
     for (const auto& [extension, format] : formats) {
         EXPECT_EQ(format(simulatedRows()), readFile(folder + "rows" + extension));
-        if (format != spm::formatCsv && format != tables) continue; // the spots' differ too little
+        if (format != spm::formatCsv && format != tables) continue; // the other formats have nothing new for spots
         EXPECT_EQ(format(measuredSpots()), readFile(folder + "spots" + extension));
     }
 }
 
-TEST(Formats, HaveXyzBesideCielab) {
+TEST(Formats, IncludeXyz) {
     spm::Run run = simulatedRows();
     run.readings = {
         {"a", SPM_LAB{50, 10, -20}, {{380, 1}}}, {"b", SPM_LAB{5, 0, 0}, {}}, {"c", std::nullopt, {{380, 1}}}};
@@ -66,7 +66,7 @@ TEST(Formats, HaveXyzBesideCielab) {
     EXPECT_TRUE(contains(tables(run), "  -20.00  19.70  18.42  24.70\n")) << tables(run);
 }
 
-TEST(Formats, HaveTheComparison) {
+TEST(Formats, IncludeTheComparison) {
     const spm::Run run = comparedSpots();
     const std::string json = std::regex_replace(spm::formatJson(run), std::regex("\\s+"), "");
     const std::string page = body(run);
@@ -94,11 +94,11 @@ TEST(Formats, HaveTheComparison) {
     }
 }
 
-TEST(Formats, ReplaceBytesThatAreNotUtf8InJson) {
+TEST(Formats, ReplaceInvalidUtf8InJson) {
     EXPECT_TRUE(contains(spm::formatJson(measuredSpots()), "\"name\": \"gr\uFFFDn\""));
 }
 
-TEST(Formats, RefuseWhatIsNoValue) {
+TEST(Formats, RejectMissingAndInvalidValues) {
     struct Case {
         std::vector<spm::Reading> readings;
         std::string message;
@@ -106,7 +106,7 @@ TEST(Formats, RefuseWhatIsNoValue) {
     const std::vector<Case> cases{
         {{}, "there are no readings to write; measure at least one patch"},
         {{{"x", std::nullopt, {}}}, "there are no readings to write; measure at least one patch"},
-        {{{"x", SPM_LAB{notANumber, 0, 0}, {}}}, "the patch \"x\" has no finite number for L*: nan; measure it again"},
+        {{{"x", SPM_LAB{notANumber, 0, 0}, {}}}, "the patch \"x\" has an invalid value for L*: nan; measure it again"},
         {{{"x", SPM_LAB{0, -infinite, 0}, {}}}, "for a*: -inf"},
         {{{"x", SPM_LAB{0, 0, notANumber}, {}}}, "for b*: nan"},
         {{{"x", std::nullopt, {{380, 1}, {730, infinite}}}}, "for 730 nm: inf"},
@@ -124,7 +124,7 @@ TEST(Formats, RefuseWhatIsNoValue) {
     }
 }
 
-TEST(Report, LeavesOutWhatWasNotMeasured) {
+TEST(Report, OmitsWhatWasNotMeasured) {
     const std::string page = body(measuredSpots());
     EXPECT_TRUE(page.starts_with("<title>Measurement 2026-")) << page;
     EXPECT_TRUE(contains(page, "<h1>Measurement</h1>\n<dl>")) << page;
@@ -135,7 +135,7 @@ TEST(Report, LeavesOutWhatWasNotMeasured) {
         << "the axes go from 330 nm to 890 nm, and from 0 to 200 percent: " << page;
 }
 
-TEST(ColourDepth, IsWhatTheTerminalCanShow) {
+TEST(ColourDepth, FollowsTheEnvironment) {
     const EnvironmentVariable colours("COLORTERM", "");
     const EnvironmentVariable terminal("TERM", "xterm-256color");
     EXPECT_EQ(spm::colourDepth(true), spm::ColourDepth::palette256);

@@ -13,7 +13,8 @@ namespace {
 using enum spm::PatchFileKind;
 using namespace std::string_literals; // texts with NUL bytes
 
-/// A line per patch with its name, L*, a*, b* and reflectance, then an empty one; or the error behind the file's name.
+/// The patches that were read, a line each with name, L*, a*, b* and reflectance, and a blank line; or the error
+/// message after the file's name.
 std::string outcome(const std::filesystem::path& file, spm::PatchFileKind kind) try {
     std::string text;
     for (const spm::Reading& reading : spm::readPatches(file, "the file", kind)) {
@@ -31,14 +32,14 @@ std::string outcome(const std::filesystem::path& file, spm::PatchFileKind kind) 
 
 } // namespace
 
-TEST(PatchFile, ReadsWhatIsWritten) {
+TEST(PatchFile, ReadsBackAllFormats) {
     const std::vector<std::pair<std::string, std::string (*)(const spm::Run&)>> formats{
         {".csv", spm::formatCsv}, {".json", spm::formatJson}, {".cgats", spm::formatCgats}};
     const TempFolder folder;
     for (const auto& [extension, format] : formats) {
         for (spm::Run sample : {simulatedRows(), measuredSpots(), comparedSpots()}) {
             std::erase_if(sample.readings, [](const spm::Reading& reading) { return !reading.isMeasured(); });
-            std::ranges::for_each(sample.readings, [](spm::Reading& reading) { reading.gap.clear(); });
+            std::ranges::for_each(sample.readings, [](spm::Reading& reading) { reading.missingReason.clear(); });
             const std::string text = format(sample);
             writeFile(folder / "run", text);
             sample.readings = spm::readPatches(folder / "run", "the run", run);
@@ -47,7 +48,7 @@ TEST(PatchFile, ReadsWhatIsWritten) {
     }
 }
 
-TEST(PatchFile, GivesItsPatchesOrSaysWhatIsWrong) {
+TEST(PatchFile, ReadsPatchesOrReportsTheError) {
     struct Case {
         spm::PatchFileKind kind;
         std::string content;
@@ -73,7 +74,7 @@ TEST(PatchFile, GivesItsPatchesOrSaysWhatIsWrong) {
          "a 380:50\nb 380:100\n\n"},
         {chart, cgats("SAMPLE_ID", "2\n10\n") + cgats("SAMPLE_ID", "9\n"), "2\n9\n10\n\n"},
         {chart, "\xEF\xBB\xBF {\"readings\": [{\"name\": \"A1\"}]}", "A1\n\n"},
-        {reference, header, " has no patches; give each a line below the header"},
+        {reference, header, " has no patches; add a line for each below the header"},
         {reference, "name;L*;a*;b*\nA1;1;2;3\n", ", line 1: the fields are separated by semicolons; "},
         {chart, "\"name\"\tL*\n\"A,1\"\t2\n", ", line 1: the fields are separated by tabs; "},
         {reference, header + "A1,1,2,3\n\nA2,1,2\n", ", line 4: the number of fields is 3, "},
@@ -81,14 +82,14 @@ TEST(PatchFile, GivesItsPatchesOrSaysWhatIsWrong) {
         {chart, header + "A1,1,2,3\n,,,\n", ", line 3: all fields are empty; "},
         {chart, "A1,1,2,3\nA2,1,2,3\n", ", line 1: the header "},
         {reference, "name,L,a,c\n", ", line 1: the header "},
-        {chart, "name,L*,L*\nA1,1,2\n", ", line 1: \"L*\" is the second column of its kind; "},
+        {chart, "name,L*,L*\nA1,1,2\n", ", line 1: \"L*\" duplicates an earlier column; "},
         {reference, header + "A1,1,2,\n", ", line 2: \"\" is not a number"},
         {reference, header + "A1,,,\n", ", line 2: \"A1\" has no L*, a* and b*; "},
         {reference, header + "A1,1,\"2,5\",3\n", ", line 2: \"2,5\" is not a number"},
         {reference, header + "A1,1,2,500.1\n", ", line 2: \"500.1\" is not a number from -500 to 500; "},
         {reference, header + "A1,nan,2,3\n", ", line 2: \"nan\" is not a number"},
         {chart, "name,nm380_percent\nA1,4e38\n", ", line 2: \"4e38\" is not a number"},
-        {reference, header + "A1,1,2,3\nA1,1,2,3\n", ", line 3: \"A1\" is the name of an earlier patch, too; "},
+        {reference, header + "A1,1,2,3\nA1,1,2,3\n", ", line 3: duplicate patch name \"A1\"; "},
         {chart, header + "\"A1,1,2,3\n\n", ", line 2: a quote is not closed; "},
         {reference, header + "\"A1\" red,1,2,3\n", ", line 2: text follows a closing quote; "},
         {chart, "\xFF\xFEn\0a\0"s, " is UTF-16; save it as UTF-8"},
@@ -102,7 +103,7 @@ TEST(PatchFile, GivesItsPatchesOrSaysWhatIsWrong) {
         {chart, cgats("SAMPLE_ID LAB_L", "A1 1 2\n"), ", line 7: the number of fields is 3, "},
         {chart, "CGATS.17\nBEGIN_DATA\nA1 1\n", " is incomplete: END_DATA is missing"},
         {chart, "CGATS.17\nBEGIN_DATA\nA1 1\nEND_DATA\n", ", line 2: the header "},
-        {chart, "{\"name\": 1}", " is not JSON as spm writes it: "},
+        {chart, "{\"name\": 1}", " is not JSON written by spm: "},
         {reference, R"({"readings": [{"name": "A1"}]})", ", reading 1: \"A1\" has no L*, a* and b*; "},
     };
     const TempFolder folder;

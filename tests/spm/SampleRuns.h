@@ -2,8 +2,8 @@
 
 #include "spm/formats/Reference.h"
 
-/// Rows on a simulated instrument: values of all kinds, patches with only some of them or none, and names that could
-/// break a form.
+/// Simulated rows: values of all kinds, patches with only some of them or none, and names with characters that are
+/// special in one of the formats.
 inline spm::Run simulatedRows() {
     return {.started = "2026-11-23T09:30:00Z",
             .module = "C:\\new\\spm.dll",
@@ -19,7 +19,7 @@ inline spm::Run simulatedRows() {
                          {"d\ne\tf\rg\x1F\x7F", SPM_LAB{50, 80, 60}, {{380, 4.8F}, {730, 100.5F}}}}};
 }
 
-/// Spots on an instrument: spectra from 0 to 100 percent and beyond, and a name in another encoding.
+/// A measured spot: a spectrum with values from below 0 to above 100 percent, and a name that is not UTF-8.
 inline spm::Run measuredSpots() {
     return {.started = "2026-11-23T09:30:00Z",
             .module = "/opt/spm.so",
@@ -32,7 +32,7 @@ inline spm::Run measuredSpots() {
                           {{330, -5}, {380, 0}, {390, 12.4F}, {400, 12.5F}, {410, 50}, {420, 87.5F}, {890, 1e6F}}}}};
 }
 
-/// Patches on an instrument of which one is expected, and one is not.
+/// Two measured spots, one of them with an expected value.
 inline spm::Run comparedSpots() {
     spm::Run run;
     run.readings = {{"b", SPM_LAB{90, 0, 0}, {}}, {"a", SPM_LAB{50, 3, 0}, {}}};

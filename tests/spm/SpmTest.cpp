@@ -1,4 +1,4 @@
-// spm, run as a user runs it without a terminal, and the parts of it that no run reaches.
+// Runs spm as a user would without a terminal, and tests parts that no run reaches.
 
 #include "common/System.h"
 #include "spm/Error.h"
@@ -35,7 +35,7 @@ protected:
     }
 
     TempFolder folder;
-    Settings settings; // of this process; on Windows, spm itself reads the user's
+    Settings settings; // for this process; on Windows, spm reads the user's registry
     const EnvironmentVariable script{"I1PRO3_SIMULATOR", ""};
 };
 
@@ -56,13 +56,13 @@ TEST_F(Spm, MeasuresTheChartInTwoPasses) {
     EXPECT_TRUE(contains(output(), "\nReflectance of \"black 2 (1.5 D)\" in percent, simulated:\n")) << output();
     EXPECT_TRUE(
         errors().starts_with("Module " + moduleFile.string() + ", version 5.9.0.3\nSIMULATED: no instrument is used."));
-    EXPECT_TRUE(contains(errors(), "\nAll is measured twice: first for the CIELab values, then for the spectra.\n"));
+    EXPECT_TRUE(contains(errors(), "\nEverything is measured twice: first the CIELab values, then the spectra.\n"));
     EXPECT_TRUE(contains(errors(), "\nRow 2 of 2, spectra: press the button and slide the instrument from "
                                    "\"blue\" to \"black 2 (1.5 D)\".\n"))
         << errors();
 }
 
-TEST_F(Spm, WritesWhatWasReadBeforeAFailure) {
+TEST_F(Spm, KeepsTheRowsBeforeAFailureAndContinues) {
     const std::string fault = R"({"function": "I1PRO3_TriggerMeasurement", "call": 3, "result": 7, "text": "lamp"})";
     const std::string ended = "the run ended: measuring failed: lamp";
     const std::map<std::string, std::string> gaps{{"run.csv", "\npatch 5,,,,"},
@@ -86,14 +86,14 @@ TEST_F(Spm, WritesWhatWasReadBeforeAFailure) {
         EXPECT_FALSE(contains(readText(file(name)), ended)) << readText(file(name));
     }
     EXPECT_EQ(measure({"--patches", "2", "--first-row", "5"}), 2);
-    EXPECT_EQ(measure({"--rows", "2", "--first-row", "2", "--output", file("run.csv")}), 0) << "of another form";
+    EXPECT_EQ(measure({"--rows", "2", "--first-row", "2", "--output", file("run.csv")}), 0) << "other rows";
     EXPECT_EQ(
         measure({"--rows", "2", "--first-row", "2", "--names", "a,b,c,d,e,f,g,h,i,j,k,l", "--output", file("run.csv")}),
         2);
-    EXPECT_TRUE(contains(errors(), "has the patch \"patch 1\", which is not to be measured")) << errors();
+    EXPECT_TRUE(contains(errors(), "has the patch \"patch 1\", which this chart does not have")) << errors();
     writeFile(file("run.csv"), std::regex_replace(readText(file("run.csv")), std::regex(",simulated i1[^,]*"), ",no"));
     EXPECT_EQ(measure({"--rows", "2", "--first-row", "2", "--output", file("run.csv")}), 2);
-    EXPECT_TRUE(contains(errors(), "run.csv has measured values; name another output file")) << errors();
+    EXPECT_TRUE(contains(errors(), "run.csv has measured values; choose another output file")) << errors();
 }
 
 TEST_F(Spm, CalculatesCielabFromSpectra) {
@@ -109,16 +109,16 @@ TEST_F(Spm, CalculatesCielabFromSpectra) {
     EXPECT_FALSE(contains(output(), "Reflectance")) << output();
     EXPECT_EQ(
         measure({"--observer", "10", "--patches", "2", "--names", "light skin,dark skin", "--reference", expected}), 0);
-    EXPECT_TRUE(contains(errors(), "Row 1 of 1 in the other direction fits it (0.0)")) << errors();
+    EXPECT_TRUE(contains(errors(), "Row 1 of 1 in reverse matches better (0.0)")) << errors();
     for (const char* const name : {"run.csv", "run.json", "run.cgats"}) {
         ASSERT_EQ(measureFor({"--illuminant", "A", "--lab", "--output", file(name)}), 0) << errors();
         EXPECT_TRUE(contains(readText(file(name)), "UV Included")) << readText(file(name));
         EXPECT_EQ(measureFor({"--observer", "10", "--illuminant", "A", "--first-row", "2", "--output", file(name)}), 0)
             << errors();
-        for (const Texts& others :
+        for (const Texts& otherConditions :
              {Texts{"--observer", "2", "--illuminant", "A"}, {"--illuminant", "D65"}, {"--lab"}}) {
             Texts options{"--first-row", "2", "--output", file(name)};
-            options.insert(options.end(), others.begin(), others.end());
+            options.insert(options.end(), otherConditions.begin(), otherConditions.end());
             EXPECT_EQ(measureFor(options), 2);
             EXPECT_TRUE(contains(errors(), name + std::string(" has CIELab values for other conditions; ")))
                 << errors();
@@ -126,10 +126,10 @@ TEST_F(Spm, CalculatesCielabFromSpectra) {
     }
     ASSERT_EQ(measure({"--rows", "1", "--spectra", "--output", file("spectra.csv")}), 0) << errors();
     ASSERT_EQ(measure({"--observer", "2", "--first-row", "2", "--output", file("spectra.csv")}), 0) << errors();
-    EXPECT_FALSE(contains(readText(file("spectra.csv")), "\npatch 1,,")) << "the earlier rows get values, too";
+    EXPECT_FALSE(contains(readText(file("spectra.csv")), "\npatch 1,,")) << "earlier rows get CIELab values, too";
 }
 
-TEST_F(Spm, TakesItsOwnValuesAsChartAndReference) {
+TEST_F(Spm, ReadsItsOwnOutputAsChartAndReference) {
     const std::string values = (folder / "" / u8"values \u8272.csv").string();
     writeFile(file("chart.csv"), "name\n\"a, \"\"b\"\"\"\n\ngr\xC3\xBCn \xE7\xB7\x91\n");
     ASSERT_EQ(measure({"--spots", "2", "--chart", file("chart.csv"), "--output", values}), 0) << errors();
@@ -148,7 +148,7 @@ TEST_F(Spm, TakesItsOwnValuesAsChartAndReference) {
     EXPECT_FALSE(contains(errors(), "measured twice")) << errors();
 }
 
-TEST_F(Spm, ComparesWithinATolerance) {
+TEST_F(Spm, FailsWhenOutOfTolerance) {
     writeFile(file("expected.csv"), "name,L*,a*,b*\npatch 1,40,13.9,14.7\npatch 3,51.6,-3.8,-20.2\n");
     const std::string txt = file("run.txt");
     const auto compare = [&](Texts more) {
@@ -161,10 +161,10 @@ TEST_F(Spm, ComparesWithinATolerance) {
     for (const std::string& text : {errors(), readText(txt)}) {
         EXPECT_TRUE(contains(text, "\nTolerance                   FAILED\n")) << text;
     }
-    EXPECT_EQ(compare({"--tolerance", "max=0", "--first-row", "2"}), 3) << "what is incomplete comes first";
+    EXPECT_EQ(compare({"--tolerance", "max=0", "--first-row", "2"}), 3) << "incomplete takes precedence";
 }
 
-TEST_F(Spm, SaysWhatFailedAndWithWhat) {
+TEST_F(Spm, ReportsTheCauseOfEachFailure) {
     struct Case {
         Texts arguments;
         int status;
@@ -187,23 +187,23 @@ TEST_F(Spm, SaysWhatFailedAndWithWhat) {
         {{"--module", missing}, 1, "can't load the module " + missing + ": "},
         {{"--module", file("no module")}, 1, ": it is not a library of this system; replace it with the right file\n"},
         {{"--module", sdkFile.string()}, 1, "is not a spectrophotometer module: it has no SPM_create"},
-        {{"--module", ""}, 2, "--module: names no file\n"},
+        {{"--module", ""}, 2, "--module: the file name is empty\n"},
         {{"--chart", missing}, 1, "can't read the chart file " + missing + ": "},
-        {{"--chart", chart}, 2, chart + " is 1, which does not make whole rows of 6; "},
-        {{"--chart", chart, "--rows", "4"}, 2, chart + " is 1, but 24 are to be measured; "},
+        {{"--chart", chart}, 2, chart + " is 1, which is not a multiple of 6; "},
+        {{"--chart", chart, "--rows", "4"}, 2, chart + " is 1, but should be 24; "},
         {{"--patches", "1"}, 2, "--patches"},
-        {{"--names", "a,b", "--spots", "1"}, 2, "--names is 2, but 1 are to be measured; "},
+        {{"--names", "a,b", "--spots", "1"}, 2, "--names is 2, but should be 1; "},
         {{"--spots", "2", "--rows", "2"}, 2, "--spots"},
-        {{"--output", "/tmp/values"}, 2, "the name /tmp/values does not tell the format; "},
+        {{"--output", "/tmp/values"}, 2, "can't determine the format of /tmp/values from its extension; "},
         {{"--format", "xml"}, 2, "--format"},
         {{"--report", file("missing/page")}, 1, "page: No such file or directory; choose another file"},
         {{"--report", place}, 1, "can't write " + place + ": it is not a regular file; choose another file"},
-        {{"--report", missing, "--format", "csv", "--output", missing}, 2, missing + " would be written over; "},
-        {{"--spots", "1", "--chart", chart, "--output", chart}, 2, chart + " would be written over; give each file "},
-        {{"--chart", chart, "--output", file("link.csv")}, 2, "link.csv would be written over; give each file "},
-        {{"--output", file("earlier.csv")}, 2, "earlier.csv exists; name another file, or replace it with --overwrite"},
+        {{"--report", missing, "--format", "csv", "--output", missing}, 2, missing + " would be overwritten; "},
+        {{"--spots", "1", "--chart", chart, "--output", chart}, 2, chart + " would be overwritten; use a different"},
+        {{"--chart", chart, "--output", file("link.csv")}, 2, "link.csv would be overwritten; use a different name "},
+        {{"--output", file("earlier.csv")}, 2, "earlier.csv exists; choose another file, or replace it with --over"},
         {{"--reference", missing}, 1, "can't read the reference file " + missing + ": "},
-        {{"--reference", chart}, 2, "\"patch 1\" is to be measured, the reference has \"one\"; name the patches as "},
+        {{"--reference", chart}, 2, "the first one is \"patch 1\", the reference has \"one\"; use the same names"},
         {{"--reference", missing, "--spectra"}, 2, "which are not measured; add --lab"},
         {{"--xyz", "--spectra"}, 2, "which are not measured; add --lab"},
         {{"--illuminant", "F11"}, 2, "--illuminant"},
@@ -213,14 +213,14 @@ TEST_F(Spm, SaysWhatFailedAndWithWhat) {
         {{"--reference", chart, "--difference", "00"}, 2, "--difference: 00 not in {2000,76,94}"},
         {{"--reference", chart, "--tolerance", "p99=2"},
          2,
-         "\"p99=2\" is not a limit; write each of mean, median, p90, "},
+         "\"p99=2\" is not a limit; use each of mean, median, p90, "},
         {row, 1, "the instrument could not be opened: lamp\nErrorNumber: 9\n", lampFails("OpenDevice")},
         {row, 1, "no instrument was found; connect one by USB and try again\n", R"({"function": "I1PRO3_GetDevices"})"},
         {row, 1, "calibrating failed: lamp\nErrorNumber: 9\n", lampFails("Calibrate")},
         {row, 1, "measuring failed: lamp\nErrorNumber: 9\n", lampFails("GetTriStimulus")},
         {{"--spectra"}, 1, "measuring failed: lamp\nErrorNumber: 9\n", lampFails("GetSpectrum")},
         {row, 1, "measuring failed: the instrument is not open\n", connectionLost},
-        {row, 1, "Row 1 of 4: 1 of 2 patches were found; slide more slowly, from white to white\n"},
+        {row, 1, "Row 1 of 4: 1 of 2 patches were found; slide more slowly, and start"},
     };
     for (const Case& each : cases) {
         fs::remove(file("trace.jsonl"));
@@ -229,28 +229,28 @@ TEST_F(Spm, SaysWhatFailedAndWithWhat) {
         EXPECT_TRUE(contains(errors(), each.message)) << errors();
         EXPECT_EQ(output(), "");
         const Texts calls = linesOf(readFile(file("trace.jsonl")));
-        EXPECT_TRUE(calls.empty() || contains(calls.back(), "SetGlobalOption")) << "the module's object is left";
+        EXPECT_TRUE(calls.empty() || contains(calls.back(), "SetGlobalOption")) << "the object is not destroyed";
     }
-    EXPECT_FALSE(fs::exists(file("page.html"))) << "nothing was read";
-    for (const auto& left : fs::directory_iterator(folder / "")) {
-        EXPECT_NE(left.path().extension(), ".part") << left.path();
+    EXPECT_FALSE(fs::exists(file("page.html"))) << "nothing was measured";
+    for (const auto& entry : fs::directory_iterator(folder / "")) {
+        EXPECT_NE(entry.path().extension(), ".part") << entry.path();
     }
     EXPECT_EQ(measure({"--help"}), 0);
     EXPECT_TRUE(contains(output(), "Exit status:")) << output();
 }
 
-TEST_F(Spm, RefusesAReadingThatIsNoNumber) {
+TEST_F(Spm, RejectsNaN) {
     useScript(R"({"trace": "trace.jsonl"})");
     ASSERT_EQ(measure({"--spots", "1"}), 0) << errors();
     const std::regex firstValue(R"("values":\[[^,]*)");
     writeFile(file("nan.jsonl"), std::regex_replace(readFile(file("trace.jsonl")), firstValue, R"("values":["nan")"));
     useScript(R"({"replay": "nan.jsonl"})");
     EXPECT_EQ(measure({"--spots", "1"}), 1);
-    EXPECT_TRUE(contains(errors(), "the patch \"patch 1\" has no finite number for L*: nan; ")) << errors();
+    EXPECT_TRUE(contains(errors(), "the patch \"patch 1\" has an invalid value for L*: nan; ")) << errors();
     EXPECT_EQ(output(), "");
 }
 
-TEST_F(Spm, WritesLaterWhatCouldNotBeSavedAtOnce) {
+TEST_F(Spm, RetriesFailedSaves) {
     const spm::Strip spot{0, 1, "Spot"};
     spm::MeasureOptions options;
     options.output = folder / "later" / "run";
@@ -262,12 +262,12 @@ TEST_F(Spm, WritesLaterWhatCouldNotBeSavedAtOnce) {
     spm::RunWriter writer(options, prompter, run);
     testing::internal::CaptureStderr();
     writer.save(spm::Quantity::lab, spot);
-    writer.saveDue();
-    EXPECT_TRUE(
-        testing::internal::GetCapturedStderr().ends_with("folder\nWhat was read is kept, and is written later.\n"));
+    writer.saveIfDue();
+    EXPECT_TRUE(testing::internal::GetCapturedStderr().ends_with(
+        "folder\nThe measured values are kept and will be saved later.\n"));
     testing::internal::CaptureStdout();
     EXPECT_THROW(writer.finish("ended"), spm::Error);
-    EXPECT_TRUE(contains(testing::internal::GetCapturedStdout(), "\na      ")) << "what no file takes is not lost";
+    EXPECT_TRUE(contains(testing::internal::GetCapturedStdout(), "\na      ")) << "values in no file are shown";
     EXPECT_TRUE(contains(readFile(options.report), "1 of 2 patches<br/>patch 2 not measured: ended"));
     fs::create_directory(folder / "later");
     writer.finish("");

@@ -132,7 +132,7 @@ TEST_F(Trace, RejectsMalformedLines) {
     };
     const std::vector<std::pair<std::string, std::string>> cases{
         {"", ", line 1: syntax error"},
-        {"[]", ", line 1: not a trace; the first line of one begins with {\"trace\":1"},
+        {"[]", ", line 1: not a trace; the first line must start with {\"trace\":1"},
         {R"({"trace":2})", ", line 1: not a trace; "},
         {heading + getDevices + "{", ", line 3: syntax error"},
         {heading + R"({"result":0})", ", line 2: key 'arguments' not found"},
@@ -141,9 +141,9 @@ TEST_F(Trace, RejectsMalformedLines) {
         {lineOf("GetOption", R"({"text":[256]})"), ", line 2: /outputs/text/0: must be a whole number from 0 to 255"},
         {lineOf("GetSpectrum", R"({"values":["much"]})"), ", line 2: /outputs/values/0: must be a number, \"inf\""},
         {lineOf("GetSpectrum", R"({"values":[1,2,3]})"), ", line 2: /function: 3 values; expected 36"},
-        {lineOf("Calibrate", R"({"size":1})"), ", line 2: /function: I1PRO3_Calibrate has other outputs"},
-        {lineOf("GetOption", R"({"count":1})"), ", line 2: /function: I1PRO3_GetOption has other outputs"},
-        {lineOf("GetDevices", R"({"count":5,"devices":["A"]})"), ", line 2: /function: \"count\" is not that of "},
+        {lineOf("Calibrate", R"({"size":1})"), ", line 2: /function: I1PRO3_Calibrate does not have these outputs"},
+        {lineOf("GetOption", R"({"count":1})"), ", line 2: /function: I1PRO3_GetOption does not have these outputs"},
+        {lineOf("GetDevices", R"({"count":5,"devices":["A"]})"), ", line 2: /function: \"count\" is not the number "},
     };
     for (const auto& [text, message] : cases) {
         writeFile(file, text);

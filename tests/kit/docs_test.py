@@ -1,0 +1,50 @@
+"""The console blocks of the pages show what spm prints.
+
+Use: docs_test.py FOLDER_OF_SPM. A block is indented and starts with "$ command"; a line "..." stands for any lines left
+out. "$ cat FILE" shows a file for the commands after it. Paths of this build are shown as those of an installation.
+"""
+
+import os
+import re
+import subprocess
+import sys
+import tempfile
+import unittest
+from pathlib import Path
+
+PROJECT = Path(__file__).parents[2]
+BIN = sys.argv.pop(1)
+
+
+def commands(page):
+    """The commands on a page, each with the lines shown below it."""
+    for block in re.findall(r"^    \$ .*\n(?:(?:    .*)?\n)*", (PROJECT / page).read_text(), re.MULTILINE):
+        for part in re.split(r"^    \$ ", block, flags=re.MULTILINE)[1:]:
+            command, *lines = part.rstrip().replace("\n    ", "\n").split("\n")
+            yield command.replace("build/native/bin/", ""), lines
+
+
+class Docs(unittest.TestCase):
+    def test_show_what_spm_prints(self):
+        checked = 0
+        for page in ("README.md", "docs/spm.md", "docs/simulator.md"):
+            folder = self.enterContext(tempfile.TemporaryDirectory())
+            paths = {BIN: "/opt/spm", f"{folder}/registry.reg": "/etc/kestrova/registry.reg"}
+            environment = {"PATH": f"{BIN}:{os.environ['PATH']}", "SPM_REGISTRY": f"{folder}/registry.reg"}
+            for command, lines in commands(page):
+                if command.startswith("cat "):
+                    Path(folder, command[4:]).write_text("\n".join(lines) + "\n")
+                elif re.search(r"\bspm\b", command) and lines:
+                    printed = subprocess.run(["sh", "-c", command + " 2>&1"], capture_output=True, text=True,
+                                             cwd=folder, env=environment, check=False).stdout
+                    for path, shown in paths.items():
+                        printed = printed.replace(path, shown)
+                    pattern = "".join("(.*\n)*" if line == "..." else re.escape(line) + "\n" for line in lines)
+                    with self.subTest(page=page, command=command):
+                        self.assertRegex(printed, f"^{pattern}$")
+                    checked += 1
+        self.assertGreater(checked, 9)
+
+
+if __name__ == "__main__":
+    unittest.main(verbosity=2)
