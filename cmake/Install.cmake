@@ -25,6 +25,7 @@ else()
     set(recorder_dir ${SPM_MODULE_FOLDER}/recorder)
     file(RELATIVE_PATH prefix_from_pc /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
     configure_file(cmake/spm_i1pro3.pc.in spm_i1pro3.pc @ONLY)
+    install(FILES docs/spm.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT kit)
     install(FILES ${PROJECT_BINARY_DIR}/spm_i1pro3.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT kit)
 endif()
 

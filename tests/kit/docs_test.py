@@ -14,6 +14,7 @@ from pathlib import Path
 
 PROJECT = Path(__file__).parents[2]
 BIN = sys.argv.pop(1)
+DEMO = f"spm measure --chart '{PROJECT}/simulator/data/colorchecker24.csv'"
 
 
 def commands(page):
@@ -21,10 +22,19 @@ def commands(page):
     for block in re.findall(r"^    \$ .*\n(?:(?:    .*)?\n)*", (PROJECT / page).read_text(), re.MULTILINE):
         for part in re.split(r"^    \$ ", block, flags=re.MULTILINE)[1:]:
             command, *lines = part.rstrip().replace("\n    ", "\n").split("\n")
-            yield command.replace("build/native/bin/", ""), lines
+            yield command.replace("build/native/bin/", "").replace("./demo", DEMO), lines
 
 
 class Docs(unittest.TestCase):
+    def test_describe_every_option(self):
+        pages = [(PROJECT / page).read_text().replace("Fl -", "--") for page in ("docs/spm.1", "docs/spm.md")]
+        for command in ([], ["measure"], ["doctor"]):
+            help_text = subprocess.check_output([f"{BIN}/spm", *command, "--help"], text=True)
+            for option in re.findall(r"^  (--[a-z-]+)", help_text, re.MULTILINE):
+                for page in pages:
+                    self.assertTrue(re.search(rf"{option}\b", page), option)
+        subprocess.check_call(["mandoc", "-T", "lint", PROJECT / "docs/spm.1"])
+
     def test_show_what_spm_prints(self):
         checked = 0
         for page in ("README.md", "docs/spm.md", "docs/simulator.md"):
