@@ -38,9 +38,10 @@ project(guide LANGUAGES C CXX)
 find_package(spm_i1pro3 REQUIRED COMPONENTS simulator)
 add_executable(guide guide.c)
 target_link_libraries(guide PRIVATE spm_i1pro3::simulated spm_i1pro3::simulated_listener)
-add_library(pieces OBJECT pieces.cpp)
+add_library(pieces OBJECT pieces.cpp readme.c)
 target_link_libraries(pieces PRIVATE spm_i1pro3::headers)
 """
+README_FRAME = "#include <SPM.h>\n#include <stdio.h>\nvoid readme(void);\nvoid readme(void) {\n{}}\n"
 
 
 def run(*command, **options):
@@ -113,14 +114,15 @@ class Kit(unittest.TestCase):
         self.expect_example("mono", folder / "Measure.exe")
 
     def test_guide(self):
-        """The C code of the guide is a host, the rest compiles."""
-        text = (self.prefix / DOCUMENTS / "host-guide.md").read_text()
+        """The C code of the guide is a host, its other code and that of the README compiles."""
         source = self.folder / "guide"
         source.mkdir()
-        for language, file in (("c", "guide.c"), ("cpp", "pieces.cpp")):
-            blocks = re.findall(f"^```{language}\n(.*?)^```$", text, re.DOTALL | re.MULTILINE)
+        guide = self.prefix / DOCUMENTS / "host-guide.md"
+        for page, language, file, frame in ((guide, "c", "guide.c", "{}"), (guide, "cpp", "pieces.cpp", "{}"),
+                                            (PROJECT / "README.md", "c", "readme.c", README_FRAME)):
+            blocks = re.findall(f"^```{language}\n(.*?)^```$", page.read_text(), re.DOTALL | re.MULTILINE)
             self.assertGreater(len(blocks), 0)
-            (source / file).write_text("".join(blocks))
+            (source / file).write_text(frame.replace("{}", "".join(blocks)))
         (source / "CMakeLists.txt").write_text(GUIDE_PROJECT)
         build = self.build(source)
         if IS_WINDOWS:  # beside the module and the simulated SDK library, as a host lies
