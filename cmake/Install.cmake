@@ -61,7 +61,8 @@ install(DIRECTORY cap DESTINATION ${header_dir} COMPONENT kit FILES_MATCHING
     PATTERN CAPException.h
     PATTERN CAPLoggingHandler.h
     PATTERN "ICAPLogging*.h")
-install(FILES docs/host-guide.md docs/report.png docs/settings.md docs/spm.md DESTINATION ${doc_dir} COMPONENT kit)
+install(FILES docs/first-contact.md docs/host-guide.md docs/report.png docs/settings.md docs/spm.md
+    DESTINATION ${doc_dir} COMPONENT kit)
 install(DIRECTORY examples/ DESTINATION ${examples_dir} COMPONENT kit
     PATTERN simulator EXCLUDE
     PATTERN __pycache__ EXCLUDE)
