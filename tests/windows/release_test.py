@@ -23,7 +23,7 @@ HEADERS = ["IScmSPM.h", "SPM.h", "SPM_listener.h", "cap/CAPException.h", "cap/CA
            "cap/ICAPLoggingListener.h", "cap/ICAPLoggingMessage.h", "cap/ICAPLoggingSource.h"]
 PACKAGE = ["spm_i1pro3-config-version.cmake", "spm_i1pro3-config.cmake"]
 ARCHIVE = ["README.md", "bin/spm.exe", "bin/spm_i1pro3.dll", "bin/spm_i1pro3_listener.dll", "docs/first-contact.md",
-           "docs/host-guide.md",           "docs/report.png", "docs/settings.md", "docs/simulator.md", "docs/spm.md",
+           "docs/host-guide.md", "docs/report.png", "docs/settings.md", "docs/simulator.md", "docs/spm.md",
            *(f"include/spm_i1pro3/{name}" for name in HEADERS),
            *(f"lib/cmake/spm_i1pro3/{name}" for name in PACKAGE), "lib/libspm_i1pro3.dll.a",
            "lib/libspm_i1pro3_listener.dll.a", "lib/spm_i1pro3.def", "lib/spm_i1pro3.lib", "lib/spm_i1pro3_listener.def",
