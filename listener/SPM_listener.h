@@ -60,10 +60,9 @@ SPM_SUBSCRIPTION* SPM_subscribe(SPM_HANDLE handle, SPM_MESSAGE_CALLBACK callback
  */
 void SPM_unsubscribe(SPM_SUBSCRIPTION* subscription);
 
-/** @{ A pointer to the function of the same name, for hosts that load the library at run time. */
+/* A pointer to the function of the same name, for hosts that load the library at run time. */
 typedef SPM_SUBSCRIPTION* (*SPM_subscribe_t)(SPM_HANDLE handle, SPM_MESSAGE_CALLBACK callback, void* context);
 typedef void (*SPM_unsubscribe_t)(SPM_SUBSCRIPTION* subscription);
-/** @} */
 
 #ifdef __cplusplus
 }

@@ -310,7 +310,7 @@ bool SPM_read(SPM_HANDLE handle, SPM_LAB* values, int32_t* count);
  */
 bool SPM_readSpectrum(SPM_HANDLE handle, SPM_SPECTRUM* spectra, int32_t* count);
 
-/** @{ A pointer to the function of the same name, for hosts that load the module at run time. */
+/* A pointer to the function of the same name, for hosts that load the module at run time. */
 typedef uint32_t (*SPM_getVersion_t)(SPM_VERSION* version);
 typedef uint32_t (*SPM_getMinorVersion_t)(void);
 typedef void (*SPM_getType_t)(SPM_TEXT* type);
@@ -327,7 +327,6 @@ typedef bool (*SPM_isCalibrated_t)(SPM_HANDLE handle);
 typedef int32_t (*SPM_getNumberOfReflections_t)(SPM_HANDLE handle);
 typedef bool (*SPM_read_t)(SPM_HANDLE handle, SPM_LAB* values, int32_t* count);
 typedef bool (*SPM_readSpectrum_t)(SPM_HANDLE handle, SPM_SPECTRUM* spectra, int32_t* count);
-/** @} */
 
 #ifdef __cplusplus
 }
