@@ -93,7 +93,8 @@ TEST_F(Spm, KeepsTheRowsBeforeAFailureAndContinues) {
     EXPECT_TRUE(contains(errors(), "has the patch \"patch 1\", which this chart does not have")) << errors();
     writeFile(file("run.csv"), std::regex_replace(readText(file("run.csv")), std::regex(",simulated i1[^,]*"), ",no"));
     EXPECT_EQ(measure({"--rows", "2", "--first-row", "2", "--output", file("run.csv")}), 2);
-    EXPECT_TRUE(contains(errors(), "run.csv has measured values; choose another output file")) << errors();
+    EXPECT_TRUE(contains(errors(), "run.csv has measured values, unlike this run; choose another output file"))
+        << errors();
 }
 
 TEST_F(Spm, CalculatesCielabFromSpectra) {
