@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-/// An operation of the module and a reference: the minimum that does the same job.
+/// An operation of the module, and a reference to compare it with: other code that does the same job.
 struct Row {
     using Function = void (*)();
 

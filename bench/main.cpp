@@ -1,6 +1,6 @@
-// Benchmarks the module's operations, each against a minimum: the bare SDK calls, a single write of the same log line,
-// a log line through spdlog. Both run interleaved in one process, so that their ratio hardly depends on the machine.
-// The SDK library is a null implementation: the time of a call is the module's own.
+// Benchmarks the module's operations, each against a reference: the bare SDK calls, a single write of the same log
+// line, a log line through spdlog. They run interleaved in one process, so that their ratio hardly depends on the
+// machine. The SDK library is a null implementation: the time of a call is the module's own.
 
 #include "bench/Table.h"
 #include "common/System.h"
@@ -101,7 +101,7 @@ class Listener : public ICAPLoggingListener {
 
 Listener listener;
 SPM_HANDLE logging = nullptr;
-std::string line;
+std::string line; // as the module wrote it
 int file = -1;
 std::shared_ptr<spdlog::logger> logger;
 

@@ -1,4 +1,4 @@
-/* What the examples in C and C++ need of the system: libraries that are loaded at run time, and a pause. */
+/* What the examples in C and C++ need from the system: loading libraries at run time, and a pause. */
 #ifndef SYSTEM_H
 #define SYSTEM_H
 
@@ -8,14 +8,14 @@
 #ifdef _WIN32
 #include <windows.h>
 
-/* Searches only the library's own folder and the system's for the libraries that it needs. */
+/* Searches for the libraries that this one needs only in its own folder and in the system's. */
 static inline void* load_library(const char* path) {
     char full[MAX_PATH];
     if (GetFullPathNameA(path, sizeof full, full, NULL) == 0) return NULL;
     return LoadLibraryExA(full, NULL, LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_SYSTEM32);
 }
 
-/* Why the last call failed, in the system's words. */
+/* The system's message about the failure of the last call. */
 static inline const char* load_error(void) {
     static char text[256];
     const DWORD flags = FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS | FORMAT_MESSAGE_MAX_WIDTH_MASK;
@@ -23,7 +23,7 @@ static inline const char* load_error(void) {
     return text;
 }
 
-/* Stores the address in `function`, a pointer to a function pointer, which standard C can't cast to. */
+/* `function` is the address of a function pointer. The address is copied, as standard C has no cast for it. */
 static inline int find_function(void* library, const char* name, void* function) {
     const FARPROC address = GetProcAddress((HMODULE)library, name);
     memcpy(function, &address, sizeof address);

@@ -166,8 +166,8 @@ const Reflectance& Instrument::reflectanceOf(std::int32_t sample) const {
 Reflectance Instrument::readSample(std::int32_t sample) {
     requireOpen();
     if (sample < 0 || sample >= samples) {
-        throw SdkError(ErrorCode::noSample,
-                       "There is no sample " + std::to_string(sample) + " of " + std::to_string(samples));
+        throw SdkError(ErrorCode::noSample, "There is no sample " + std::to_string(sample) +
+                                                "; the number of samples is " + std::to_string(samples));
     }
     wasRead = true;
     std::seed_seq seed{static_cast<std::uint32_t>(light.seed), index, measurements, static_cast<std::uint32_t>(sample)};

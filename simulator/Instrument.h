@@ -50,9 +50,11 @@ private:
     bool isOpen = false;
     bool isCalibrated = false;
     std::map<std::string, std::string> options;
+    /// The polls since the last press, which found the button released.
     std::uint32_t polls = 0;
     std::chrono::steady_clock::time_point firstPoll;
     bool isPressUsed = false;
+    /// The lamp's brightness after the last measurement and at the last calibration, relative to the initial one.
     double lamp = 1;
     double calibratedLamp = 1;
     std::uint32_t measurements = 0;
@@ -60,9 +62,11 @@ private:
     std::size_t position = 0;
 
     // The last measurement.
+    /// The drift of the lamp since the last calibration, as a factor.
     double gain = 1;
     Light light;
     std::int32_t samples = 0;
+    /// Whether any sample was read.
     bool wasRead = false;
 };
 

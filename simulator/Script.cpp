@@ -119,7 +119,7 @@ const std::vector<Field<Fault>> faultFields{
 
 /// Rejects a fault with keys that would have no effect.
 void requireEffect(const Json& json, const Fault& fault) {
-    if (json.empty()) throw ValueError(json, "a fault without a key would apply to every call");
+    if (json.empty()) throw ValueError(json, "an empty fault would apply to every call");
     if (fault.answer.result == 0 && (fault.errorText || fault.errorNumber)) {
         throw ValueError(json, R"("text" and "number" need a "result" other than 0)");
     }

@@ -140,7 +140,7 @@ TracedCall readCall(const Json& json, std::size_t number) {
 } // namespace
 
 Trace::Trace(std::filesystem::path file, const std::string& library, bool isSimulated)
-    : path(std::move(file)), open(createNumbered(path)) {
+    : path(std::move(file)), stream(createNumbered(path)) {
     const bool isWritten = writeLine({{"trace", version},
                                       {"simulated", isSimulated},
                                       {"library", jsonOf(library)},
@@ -167,14 +167,14 @@ void Trace::write(const Call& call, const Answer& answer, Time begin) {
 
 /// Writes a whole line or none: if it fails, truncates the file to the lines before and closes it.
 bool Trace::writeLine(const Json& line) {
-    if (!open) return false;
+    if (!stream) return false;
     const std::string text = line.dump() + '\n';
-    const bool isWritten = std::fwrite(text.data(), 1, text.size(), open.get()) == text.size();
-    if (isWritten && std::fflush(open.get()) == 0) {
+    const bool isWritten = std::fwrite(text.data(), 1, text.size(), stream.get()) == text.size();
+    if (isWritten && std::fflush(stream.get()) == 0) {
         written += text.size();
         return true;
     }
-    open.reset();
+    stream.reset();
     std::error_code ignored;
     std::filesystem::resize_file(path, written, ignored);
     return false;

@@ -37,7 +37,9 @@ private:
 
     std::mutex mutex;
     std::filesystem::path path;
-    std::unique_ptr<std::FILE, Closer> open;
+    /// Null after a failed write.
+    std::unique_ptr<std::FILE, Closer> stream;
+    /// The size of all whole lines.
     std::uintmax_t written = 0;
     std::uint64_t calls = 0;
 };

@@ -13,13 +13,13 @@ public:
     /// @param failure  what happened, with what
     /// @param advice   what to do
     Error(const std::string& failure, const std::string& advice)
-        : std::runtime_error(failure + "; " + advice), length(failure.size()) {}
+        : std::runtime_error(failure + "; " + advice), failureLength(failure.size()) {}
 
     /// The message without the advice, if that was given separately.
-    std::string failure() const { return std::string(what()).substr(0, length); }
+    std::string failure() const { return std::string(what()).substr(0, failureLength); }
 
 private:
-    std::size_t length = std::string::npos;
+    std::size_t failureLength = std::string::npos;
 };
 
 /// An invalid command line.

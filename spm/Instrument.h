@@ -21,14 +21,14 @@ private:
     std::string last;
 };
 
-/// An open instrument. Calibrating and measuring wait for the user to press the button: they poll it, and call a
-/// function between two polls, which sleeps and may throw to abort the wait.
+/// An open instrument. Calibrating and measuring poll the button until the user has pressed it.
 class Instrument {
 public:
     /// A note for users with several instruments.
     static constexpr const char* caveat =
         "the module uses the first instrument that the SDK library lists; it can't tell how many are connected";
 
+    /// Called between two polls of the button: sleeps, and may throw to end the wait.
     using Wait = std::function<void()>;
     using Spectrum = std::vector<SPM_REFLECTION>;
 
@@ -45,6 +45,7 @@ public:
     /// The current illumination, as the module names it; empty if the instrument doesn't respond.
     std::string illumination() const;
 
+    /// The status of an instrument that doesn't respond is all zeros.
     bool isResponding() const { return module.getStatus(handle).aperture != 0; }
 
     /// Takes a trial measurement: the SDK library offers no other way to find out.
@@ -64,7 +65,7 @@ public:
     std::vector<Spectrum> readSpectra(std::int32_t patches, const Wait& wait);
 
 private:
-    /// Calls one of the module's read functions until the button was pressed and patches were measured.
+    /// Calls one of the module's read functions until the button has been pressed and patches have been measured.
     /// @return the number of patches measured
     std::int32_t poll(const std::function<bool(std::int32_t*)>& read, std::int32_t patches, const Wait& wait);
 

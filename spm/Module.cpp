@@ -10,8 +10,9 @@ namespace spm {
 template <class Function>
 Function Module::find(const char* name) const {
     void* const address = library.find(name);
-    if (address == nullptr) throw Error(file.string() + " is not a spectrophotometer module: it has no " + name);
-    return reinterpret_cast<Function>(address);
+    if (address != nullptr) return reinterpret_cast<Function>(address);
+    throw Error(fmt::format("{} is not a spectrophotometer module: it has no {}", file.string(), name),
+                "choose another one with --module");
 }
 
 namespace {

@@ -14,7 +14,7 @@ std::filesystem::path defaultModule();
 /// The spectrophotometer module, loaded at run time, with its sixteen functions.
 class Module {
 public:
-    /// Checks the headers of the module and of its SDK library first: loading a truncated file can crash the program.
+    /// Checks the file headers of the module and its SDK library first: loading a truncated file can crash the program.
     /// @throws Error  if the module can't be loaded or lacks a function
     explicit Module(const std::filesystem::path& path);
 
@@ -36,6 +36,7 @@ private:
     common::SharedLibrary library;
 
 public:
+    // The module's functions, initialized from the library above.
     const SPM_create_t create;
     const SPM_destroy_t destroy;
     const SPM_open_t open;

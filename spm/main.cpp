@@ -38,14 +38,6 @@ Examples:
   spm measure --spots 3 --names paper,black,red --format json
   spm measure --chart chart.csv --reference expected.csv --tolerance mean=2,max=5)";
 
-const std::map<std::string, spm::Format> formats{{"table", spm::Format::table},
-                                                 {"csv", spm::Format::csv},
-                                                 {"json", spm::Format::json},
-                                                 {"cgats", spm::Format::cgats}};
-
-const std::map<std::string, spm::Formula> formulas{
-    {"2000", spm::Formula::ciede2000}, {"94", spm::Formula::cie94}, {"76", spm::Formula::cie76}};
-
 constexpr const char* doctorHelp =
     R"(Checks everything that measuring needs: the module and the SDK library, the settings and the log file, the instrument
 and its calibration. Reports the state of each, and how to fix what is wrong.
@@ -58,6 +50,14 @@ Exit status:
 Examples:
   spm doctor
   spm doctor --module /opt/colour/spm_i1pro3.so)";
+
+const std::map<std::string, spm::Format> formats{{"table", spm::Format::table},
+                                                 {"csv", spm::Format::csv},
+                                                 {"json", spm::Format::json},
+                                                 {"cgats", spm::Format::cgats}};
+
+const std::map<std::string, spm::Formula> formulas{
+    {"2000", spm::Formula::ciede2000}, {"94", spm::Formula::cie94}, {"76", spm::Formula::cie76}};
 
 CLI::Option* addFile(CLI::App& command, const char* name, std::filesystem::path& path, const char* description) {
     const auto assign = [&path, name](const std::string& file) {

@@ -1,5 +1,5 @@
 /* Measures a row of six patches and the spectrum of one more.
-   Use: measure MODULE, the path of the spectrophotometer module. Exit status 0 if all was measured. */
+   Usage: measure MODULE, the path of the spectrophotometer module. Exit status: 0 if everything was measured. */
 
 #include "module.h"
 
@@ -52,7 +52,7 @@ static bool measure_spectrum(SPM_HANDLE handle) {
 }
 
 int main(int argc, char** argv) {
-    if (argc != 2) return fail("use", "measure MODULE"), 1;
+    if (argc != 2) return fail("usage", "measure MODULE"), 1;
     if (!load_module(argv[1])) return 1;
     const SPM_HANDLE handle = spm.create();
     SPM_SUBSCRIPTION* const subscription = spm.subscribe(handle, keep_reason, NULL);

@@ -1,4 +1,4 @@
-/* The functions of the module and of the listener library that the example uses, and why one of them failed. */
+/* The functions of the module and of the listener library that the example uses, and error messages for them. */
 #ifndef MODULE_H
 #define MODULE_H
 
@@ -44,16 +44,17 @@ static bool load_module(const char* path) {
     return false;
 }
 
-static char reason[512]; /* why a call failed; empty while no call has sent an error message */
+static char reason[512]; /* the module's last error message, empty if there is none */
 
-static void keep_reason(void* context, int32_t level, int32_t part, int32_t number, const char* text,
+static void keep_reason(void* context, int32_t level, int32_t module_number, int32_t error_number, const char* text,
                         const char* detail) {
-    (void)context, (void)part, (void)number;
+    (void)context, (void)module_number, (void)error_number;
     if (level == 0) snprintf(reason, sizeof reason, "%s%s%s", text, detail[0] != '\0' ? " " : "", detail);
 }
 
-static bool fail(const char* what, const char* without_message) {
-    fprintf(stderr, "measure: %s: %s\n", what, reason[0] != '\0' ? reason : without_message);
+/* Prints what failed, and the module's message or, if there is none, the given reason. */
+static bool fail(const char* what, const char* default_reason) {
+    fprintf(stderr, "measure: %s: %s\n", what, reason[0] != '\0' ? reason : default_reason);
     return false;
 }
 

@@ -1,5 +1,5 @@
 // Measures a row of six patches and the spectrum of one more.
-// Use: measure MODULE, the path of the spectrophotometer module. Exit status 0 if all was measured.
+// Usage: measure MODULE, the path of the spectrophotometer module. Exit status: 0 if everything was measured.
 
 #include "spectrophotometer.h"
 
@@ -51,7 +51,7 @@ void measureSpectrum(Spectrophotometer& instrument) {
 
 int main(int argc, char** argv) {
     try {
-        if (argc != 2) throw std::runtime_error("use: measure MODULE");
+        if (argc != 2) throw std::runtime_error("usage: measure MODULE");
         Spectrophotometer instrument(argv[1]);
         calibrate(instrument);
         measureRow(instrument);

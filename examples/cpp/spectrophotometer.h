@@ -1,4 +1,4 @@
-// An instrument that is open while its object lives. Failures are exceptions that say why.
+// An instrument, open during the object's lifetime. Failures are exceptions with the reason.
 #pragma once
 
 #include "library.h"
@@ -26,13 +26,14 @@ public:
         if (!call<SPM_open_t>("SPM_open", "USB")) throw failure("not opened", "no instrument is connected");
     }
 
-    /// Takes one step of the dialogue, which begins with a `step` of SPM_STEP_BEGIN.
+    /// Takes one step of the calibration dialogue. Begin with a `step` of SPM_STEP_BEGIN, and repeat the call while it
+    /// is SPM_STEP_CONTINUE.
     void calibrate(SPM_CALIBRATION& dialogue) {
         call<SPM_calibrate_t>("SPM_calibrate", &dialogue);
         if (dialogue.step == SPM_STEP_NOTHING) throw failure("not calibrated", "the connection was lost");
     }
 
-    /// Measures a spot or, with more than one record, a row, when the button is pressed.
+    /// Measures a spot or, with more than one record, a row, if the button is pressed.
     /// @return the number of patches measured; 0 while the button is not pressed
     std::int32_t read(std::vector<SPM_LAB>& values) { return measure<SPM_read_t>("SPM_read", values); }
     std::int32_t read(std::vector<SPM_SPECTRUM>& spectra) {
@@ -55,19 +56,19 @@ private:
         return [=](SPM_HANDLE handle) { close(handle), destroy(handle); };
     }
 
-    /// Is called by the listener library, which ignores exceptions.
-    static void keepReason(void* reason, std::int32_t level, std::int32_t /*part*/, std::int32_t /*number*/,
-                           const char* text, const char* detail) {
+    /// Called by the listener library, which ignores exceptions.
+    static void keepReason(void* reason, std::int32_t level, std::int32_t /*moduleNumber*/,
+                           std::int32_t /*errorNumber*/, const char* text, const char* detail) {
         if (level == 0) *static_cast<std::string*>(reason) = text + (*detail != '\0' ? std::string(" ") + detail : "");
     }
 
-    std::runtime_error failure(const std::string& what, const std::string& withoutMessage) const {
-        return std::runtime_error(what + ": " + (reason.empty() ? withoutMessage : reason));
+    std::runtime_error failure(const std::string& what, const std::string& defaultReason) const {
+        return std::runtime_error(what + ": " + (reason.empty() ? defaultReason : reason));
     }
 
     Library module;
     Library listener;
-    std::string reason; // of the last failure, as the module logged it
+    std::string reason; // the module's last error message
     std::shared_ptr<IScmSPM> object;
     std::shared_ptr<SPM_SUBSCRIPTION> subscription; // ends before the object
 };

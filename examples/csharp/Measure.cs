@@ -1,7 +1,7 @@
 // Measures a row of six patches and the spectrum of one more.
-// Use: Measure MODULE, the path of the spectrophotometer module. Exit status 0 when all was measured.
-// Compile it with Spm.cs, for .NET in a console project in place of its Program.cs, for .NET Framework by
-// "csc /platform:x64 Measure.cs Spm.cs", for Mono by "mcs Measure.cs Spm.cs".
+// Usage: Measure MODULE, the path of the spectrophotometer module. Exit status: 0 if everything was measured.
+// Compile it together with Spm.cs. For .NET, put both into a console project in place of its Program.cs; for .NET
+// Framework, use "csc /platform:x64 Measure.cs Spm.cs"; for Mono, "mcs Measure.cs Spm.cs".
 
 using System;
 using static System.FormattableString;
@@ -31,7 +31,7 @@ static class Measure
     {
         try
         {
-            if (arguments.Length != 1) throw new SpmException("use: Measure MODULE");
+            if (arguments.Length != 1) throw new SpmException("usage: Measure MODULE");
             using (var instrument = new Spectrophotometer(arguments[0])) MeasureAll(instrument);
             return 0;
         }

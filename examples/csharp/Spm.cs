@@ -3,11 +3,12 @@
 //
 // How the libraries are found
 //   new Spectrophotometer(path) loads the module by its absolute path, and the listener library from the same folder,
-//   where the SDK library must be, too; the names in DllImport then stand for what is loaded, unless there are other
-//   copies beside the program. This is the safe way: Windows searches neither the working folder nor PATH.
+//   where the SDK library must be, too. The names in DllImport then refer to the loaded libraries, unless there are
+//   other copies beside the program. This is the safe way: Windows searches neither the working folder nor PATH.
 //   new Spectrophotometer() leaves the search to the runtime. Put the three libraries beside the program, or name their
-//   folder: by SetDllDirectory on Windows, LD_LIBRARY_PATH on Linux, or NativeLibrary.SetDllImportResolver on .NET 6.
-//   Mono on Linux needs Measure.exe.config in both cases, under the name of the program: it expects names with "lib".
+//   folder with SetDllDirectory on Windows, LD_LIBRARY_PATH on Linux, or NativeLibrary.SetDllImportResolver in .NET 6.
+//   On Linux, Mono needs a copy of Measure.exe.config named after the program in both cases: it expects library names
+//   that start with "lib".
 
 using System;
 using System.Collections.Generic;
@@ -18,7 +19,7 @@ using System.Runtime.CompilerServices;
 using System.Runtime.InteropServices;
 using System.Threading;
 
-/// <summary>Says what failed and, where the module told it, why.</summary>
+/// <summary>Says what failed and, if the module gave a reason, why.</summary>
 public class SpmException : Exception
 {
     public SpmException(string message) : base(message) { }
@@ -37,12 +38,12 @@ public struct SpmReflection { public int Wavelength; public float Value; }
 [StructLayout(LayoutKind.Sequential, Pack = 1)]
 public struct SpmSpectrum { public int NumberOfReflections; public IntPtr Reflections; }
 
-/// <summary>Takes the texts as pointers: the runtime's conversion could throw before the callback can catch.</summary>
+/// <summary>Receives the texts as pointers: the callback could not catch an exception of a conversion.</summary>
 [UnmanagedFunctionPointer(CallingConvention.Cdecl)]
 public delegate void SpmMessageCallback(
     IntPtr context, int level, int moduleNumber, int errorNumber, IntPtr text, IntPtr detail);
 
-/// <summary>A module object with its subscription. Both end together, at the latest when it is collected.</summary>
+/// <summary>A module object and its subscription, released together, by the garbage collector at the latest.</summary>
 public sealed class SpmHandle : SafeHandle
 {
     private SpmMessageCallback callback; // keeps the delegate alive for as long as the module may call it
@@ -52,7 +53,7 @@ public sealed class SpmHandle : SafeHandle
 
     public override bool IsInvalid { get { return handle == IntPtr.Zero; } }
 
-    [MethodImpl(MethodImplOptions.NoInlining)] // Mono looks for a library when it compiles the caller: not before Load
+    [MethodImpl(MethodImplOptions.NoInlining)] // Mono searches for the library when it compiles the caller: after Load
     public static SpmHandle Create(SpmMessageCallback callback)
     {
         SpmHandle created = Spm.SPM_create();
@@ -73,7 +74,7 @@ public sealed class SpmHandle : SafeHandle
     }
 }
 
-/// <summary>The functions. The objects share the SDK library, and calls on one object must not overlap.</summary>
+/// <summary>The functions of both libraries. Calls on one object must not overlap; objects share the SDK.</summary>
 public static class Spm
 {
     public const uint StepBegin = 0, StepContinue = 1, StepDone = 4;
@@ -113,7 +114,7 @@ public static class Spm
     {
         if (Environment.OSVersion.Platform == PlatformID.Win32NT)
         {
-            const uint ownFolder = 0x100, systemFolder = 0x800; // LOAD_LIBRARY_SEARCH_...: searched for what it needs
+            const uint ownFolder = 0x100, systemFolder = 0x800; // LOAD_LIBRARY_SEARCH_...: for what it needs
             if (LoadLibraryExW(path, IntPtr.Zero, ownFolder | systemFolder) == IntPtr.Zero)
                 throw new SpmException("can't load " + path + ": " + new Win32Exception().Message);
         }
@@ -130,8 +131,8 @@ public static class Spm
 }
 
 /// <summary>
-/// An instrument. Use it from one thread at a time; a host with a user interface calls it on a thread of its own, and
-/// gives up waiting for the user by the token of a CancellationTokenSource.
+/// An instrument. Use it from one thread at a time. A host with a user interface calls it on another thread, and passes
+/// a CancellationToken to stop waiting for the user.
 /// </summary>
 public sealed class Spectrophotometer : IDisposable
 {
@@ -173,7 +174,7 @@ public sealed class Spectrophotometer : IDisposable
         if (dialogue.Step != Spm.StepDone) throw Failure("not calibrated");
     }
 
-    /// <summary>Measures a spot or a row. Gives fewer values when fewer patches of a row were found.</summary>
+    /// <summary>Measures a spot or a row. Returns fewer values if fewer patches of a row were found.</summary>
     public SpmLab[] Read(int patches, CancellationToken cancel = default(CancellationToken))
     {
         var values = new SpmLab[patches];
@@ -181,7 +182,7 @@ public sealed class Spectrophotometer : IDisposable
         return values.Take(measured).ToArray();
     }
 
-    /// <summary>Measures as Read does. Gives the spectrum of each patch, from 380 nm to 730 nm.</summary>
+    /// <summary>Like Read, but returns the spectrum of each patch, from 380 nm to 730 nm.</summary>
     public SpmReflection[][] ReadSpectra(int patches, CancellationToken cancel = default(CancellationToken))
     {
         int points = Spm.SPM_getNumberOfReflections(handle);
@@ -202,7 +203,7 @@ public sealed class Spectrophotometer : IDisposable
 
     private delegate bool Reading(ref int count);
 
-    /// <summary>Reads until the user has pressed the button. Gives the number of patches that were measured.</summary>
+    /// <summary>Reads until the user has pressed the button. Returns the number of patches measured.</summary>
     private int Poll(int patches, CancellationToken cancel, Reading read)
     {
         if (patches < 1) throw new ArgumentOutOfRangeException("patches");
@@ -229,7 +230,7 @@ public sealed class Spectrophotometer : IDisposable
         return new SpmException(what + ": " + reason);
     }
 
-    /// <summary>Is called by the module, which no exception may reach.</summary>
+    /// <summary>Called by the listener library; must not throw.</summary>
     private void KeepError(IntPtr context, int level, int moduleNumber, int errorNumber, IntPtr text, IntPtr detail)
     {
         if (level != 0) return; // 1 is a warning, 2 information

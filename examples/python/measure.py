@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Measures a row of six patches and the spectrum of one more.
 
-Use: measure.py MODULE, the path of the spectrophotometer module. Exit status 0 if all was measured.
+Usage: measure.py MODULE, the path of the spectrophotometer module. Exit status: 0 if everything was measured.
 """
 
 import sys
@@ -9,7 +9,7 @@ import sys
 import spm
 
 if len(sys.argv) != 2:
-    sys.exit("use: measure.py MODULE")
+    sys.exit("usage: measure.py MODULE")
 try:
     with spm.Spectrophotometer(sys.argv[1]) as instrument:
         instrument.calibrate(lambda: print("Place the instrument on its white reference and press the button."))

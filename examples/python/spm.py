@@ -14,13 +14,13 @@ from ctypes import POINTER, c_bool, c_char_p, c_float, c_int32, c_uint32, c_void
 
 BEGIN, CONTINUE, DONE = 0, 1, 4
 ENCODING = "mbcs" if os.name == "nt" else "utf-8"
-OWN_FOLDER, SYSTEM_FOLDER = 0x100, 0x800  # LOAD_LIBRARY_SEARCH_...: where Windows looks for what a library needs
+OWN_FOLDER, SYSTEM_FOLDER = 0x100, 0x800  # LOAD_LIBRARY_SEARCH_...: for what a library needs
 
 Callback = ctypes.CFUNCTYPE(None, c_void_p, c_int32, c_int32, c_int32, c_char_p, c_char_p)
 
 
 class SpmError(Exception):
-    """Says what failed and, where the module told it, why."""
+    """Says what failed and, if the module gave a reason, why."""
 
 
 class NoInstrument(SpmError):
@@ -45,6 +45,7 @@ class Spectrum(ctypes.Structure):
 
 
 def load(path, functions):
+    """functions: a tuple for each with its name, the type of its result, and the types of its arguments"""
     try:
         library = ctypes.CDLL(path, winmode=OWN_FOLDER | SYSTEM_FOLDER)
         for name, result, *arguments in functions:
@@ -58,7 +59,7 @@ def load(path, functions):
 class Spectrophotometer:
     """An open instrument. Use it from one thread at a time.
 
-    wait: called again and again while the user has not pressed the button; gives up by raising an exception
+    wait: called repeatedly until the user presses the button; can raise an exception to give up
     """
 
     wavelengths = list(range(380, 740, 10))  # in nm
@@ -102,7 +103,7 @@ class Spectrophotometer:
         self._module.SPM_destroy(handle)
 
     def calibrate(self, prompt):
-        """prompt: asks the user to place the instrument on its white reference and to press the button"""
+        """prompt: asks the user to place the instrument on its white reference and press the button"""
         self._errors.clear()
         dialogue = Calibration(step=BEGIN)
         self._module.SPM_calibrate(self._handle, dialogue)
@@ -115,12 +116,12 @@ class Spectrophotometer:
             raise self._failure("not calibrated")
 
     def read(self, patches):
-        """A list of (L, a, b): of a spot, or of a row, with fewer when fewer patches of the row were found."""
+        """Measures a spot or a row. Returns a list of (L, a, b), shorter if fewer patches of a row were found."""
         values = (Lab * patches)()
         return [(value.L, value.a, value.b) for value in values[:self._poll(self._module.SPM_read, values)]]
 
     def read_spectra(self, patches):
-        """As read, a list of 36 reflectances in percent for each patch; their wavelengths are in `wavelengths`."""
+        """Like read, but returns a list of 36 reflectances in percent for each patch, at `wavelengths`."""
         points = [(Reflection * len(self.wavelengths))() for _ in range(patches)]
         spectra = (Spectrum * patches)(*(Spectrum(len(spectrum), spectrum) for spectrum in points))
         measured = self._poll(self._module.SPM_readSpectrum, spectra)

@@ -38,9 +38,8 @@ void requireWavelengths(Spectrum spectrum) {
 double reflectanceAt(Spectrum spectrum, std::ptrdiff_t step) {
     const std::ptrdiff_t last = std::ssize(spectrum) - 1;
     const std::ptrdiff_t i = step / 2;
-    const auto at = [&](std::ptrdiff_t place) {
-        return static_cast<double>(
-            spectrum[static_cast<std::size_t>(std::clamp<std::ptrdiff_t>(place, 0, last))].value);
+    const auto at = [&](std::ptrdiff_t index) {
+        return static_cast<double>(spectrum.begin()[std::clamp<std::ptrdiff_t>(index, 0, last)].value);
     };
     if (step % 2 == 0 || i >= last) return at(i);
     // Sprague's interpolation formula, evaluated midway between two points.

@@ -241,8 +241,7 @@ std::vector<Finding> examine(const fs::path& module) {
 }
 
 bool isReady(std::span<const Finding> findings) {
-    return std::none_of(findings.begin(), findings.end(),
-                        [](const Finding& finding) { return finding.verdict == Verdict::wrong; });
+    return std::ranges::none_of(findings, [](const Finding& finding) { return finding.verdict == Verdict::wrong; });
 }
 
 std::string formatFindings(std::span<const Finding> findings, ColourDepth depth) {

@@ -13,6 +13,11 @@ namespace {
 /// The module's getName, which is also the name of the key with the instrument's settings.
 constexpr const char* model = "xrite i1 Pro3";
 
+/// Whether a name is one of these, ignoring case.
+bool isOneOf(const std::string& name, const std::vector<std::string>& names) {
+    return common::nearestName(name, names, 0).has_value();
+}
+
 /// Why the module can't read a settings file with this content.
 const char* findDefect(const std::string& text) {
     if (text.empty()) return "can't be read";
@@ -67,7 +72,7 @@ Finding describe(const Setting& setting, const SPMRegistry& key, const std::opti
                 fmt::format("{} by default: the value in {} is not a {}", defaultValue, keyPath, type),
                 fmt::format("set it as a {}, or remove it", type)};
     }
-    if (common::nearestName(keyPath + '\\' + name, stored, 0)) return describeIgnored(setting);
+    if (isOneOf(keyPath + '\\' + name, stored)) return describeIgnored(setting);
     return {Verdict::good, name, fmt::format("{} by default, not set in {}", defaultValue, keyPath), ""};
 }
 
@@ -91,9 +96,8 @@ void findMisplaced(const std::vector<std::string>& stored, std::vector<Finding>&
                                          keys[1] + '\\' + names[2]};
     for (const std::string& path : stored) {
         const std::size_t end = path.rfind('\\');
-        const bool isSimilar =
-            common::nearestName(path.substr(0, end), keys, 0) || common::nearestName(path.substr(end + 1), names);
-        if (!isSimilar || common::nearestName(path, known, 0)) continue;
+        const bool isSimilar = isOneOf(path.substr(0, end), keys) || common::nearestName(path.substr(end + 1), names);
+        if (!isSimilar || isOneOf(path, known)) continue;
         findings.push_back(
             {Verdict::note, "Unknown", fmt::format("{} is set, but the module does not read it", path),
              fmt::format("the most similar setting is {}", *common::nearestName(path, known, std::string::npos))});

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <fmt/format.h>
 #include <fmt/ranges.h>
+#include <functional>
 #include <iterator>
 #include <set>
 
@@ -35,9 +36,8 @@ Columns columnsOf(const Run& run, const Reading& reading) {
                     xyzOf(run, reading).has_value(),
                     {},
                     differenceOf(run, reading) ? titleOf(run.reference->formula) : ""};
-    std::transform(reading.spectrum.begin(), reading.spectrum.end(), std::back_inserter(columns.wavelengths),
-                   [](const SPM_REFLECTION& point) { return point.wavelength; });
-    std::sort(columns.wavelengths.begin(), columns.wavelengths.end());
+    std::ranges::transform(reading.spectrum, std::back_inserter(columns.wavelengths), &SPM_REFLECTION::wavelength);
+    std::ranges::sort(columns.wavelengths);
     return columns;
 }
 
@@ -49,8 +49,7 @@ std::vector<Columns> tablesOf(const Run& run) {
         Columns columns = columnsOf(run, reading);
         if (std::find(tables.begin(), tables.end(), columns) == tables.end()) tables.push_back(std::move(columns));
     }
-    std::stable_sort(tables.begin(), tables.end(),
-                     [](const Columns& one, const Columns& other) { return one.size() > other.size(); });
+    std::ranges::stable_sort(tables, std::ranges::greater{}, &Columns::size);
     return tables;
 }
 
@@ -134,7 +133,7 @@ std::string header(const Run& run, const Columns& columns, std::size_t patches) 
     return text + gapComments(run);
 }
 
-std::string format(const Columns& columns) {
+std::string dataFormat(const Columns& columns) {
     std::string text = "SAMPLE_ID\tSAMPLE_NAME";
     if (columns.lab) text += "\tLAB_L\tLAB_A\tLAB_B";
     if (columns.xyz) text += "\tXYZ_X\tXYZ_Y\tXYZ_Z";
@@ -166,7 +165,7 @@ std::string table(const Run& run, const Columns& columns) {
         ++patches;
     }
     return header(run, columns, patches) + fmt::format("NUMBER_OF_FIELDS\t{}\n", 2 + columns.size()) +
-           fmt::format("BEGIN_DATA_FORMAT\n{}END_DATA_FORMAT\n", format(columns)) +
+           fmt::format("BEGIN_DATA_FORMAT\n{}END_DATA_FORMAT\n", dataFormat(columns)) +
            fmt::format("NUMBER_OF_SETS\t{}\nBEGIN_DATA\n{}END_DATA\n", patches, lines);
 }
 

@@ -21,10 +21,10 @@ std::string formatCsv(const Run& run);
 /// that are not UTF-8 become U+FFFD.
 std::string formatJson(const Run& run);
 
-/// ANSI CGATS.17 text. The format has no missing values: readings with other columns are in further tables, and patches
-/// without values are in comments. SAMPLE_ID is the patch's place in the chart, from 1. As the format has no escapes,
-/// quotes in strings become apostrophes, and control characters become blanks; an empty string becomes "-". Other bytes
-/// are kept.
+/// ANSI CGATS.17 text. The format has no missing values: readings with different columns go into separate tables, and
+/// patches without values into comments. SAMPLE_ID is the patch's place in the chart, from 1. As the format has no
+/// escapes, quotes in strings become apostrophes, and control characters become blanks; an empty string becomes "-".
+/// Other bytes are kept.
 std::string formatCgats(const Run& run);
 
 } // namespace spm

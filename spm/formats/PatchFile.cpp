@@ -40,6 +40,7 @@ struct Table {
     std::string spectralNorm = "1";
 };
 
+/// What a column contains; the first two in the order in which the name of a patch is looked up.
 enum class Kind { name, id, L, a, b, percent, fraction, other };
 
 struct Column {
@@ -186,7 +187,7 @@ private:
         std::istringstream lines(text);
         std::vector<Patch> patches;
         Table table;
-        std::string end; // of the section that is read
+        std::string end; // the keyword that ends the current section; empty between sections
         std::string line;
         for (int number = 1; std::getline(lines, line); ++number) {
             Row row{fmt::format("line {}", number), splitCgatsLine(line)};
@@ -220,7 +221,7 @@ private:
             fail(header.place, fmt::format("\"{}\" duplicates an earlier column; remove one", header.fields[i]));
         }
         if (columns.empty() || columns.begin()->first.kind > Kind::id) failWithoutHeader(header.place);
-        const std::size_t name = columns.begin()->second;
+        const std::size_t name = columns.begin()->second; // the ID, if there is no column of names
         columns.emplace(Column{Kind::name}, name);
         columns.emplace(Column{Kind::id}, name);
         return columns;
@@ -311,8 +312,9 @@ std::vector<Reading> readPatches(const std::filesystem::path& file, std::string_
 }
 
 bool isSimulated(const std::filesystem::path& runFile) {
-    const std::regex measured(R"(,no,[^\n]*\n|\n *"simulated": null,|\nINSTRUMENTATION\t"(?!simulated: ))");
-    return !std::regex_search(readText(runFile, "the output file"), measured);
+    // How CSV, JSON and CGATS say that the values are not simulated.
+    const std::regex notSimulated(R"(,no,[^\n]*\n|\n *"simulated": null,|\nINSTRUMENTATION\t"(?!simulated: ))");
+    return !std::regex_search(readText(runFile, "the output file"), notSimulated);
 }
 
 bool hasConditions(const std::filesystem::path& runFile, const Conditions& conditions) {

@@ -70,8 +70,7 @@ std::string describe(const Gap& gap) {
 }
 
 bool hasLab(const Run& run) {
-    return std::any_of(run.readings.begin(), run.readings.end(),
-                       [](const Reading& reading) { return reading.lab.has_value(); });
+    return std::ranges::any_of(run.readings, [](const Reading& reading) { return reading.lab.has_value(); });
 }
 
 std::optional<Xyz> xyzOf(const Run& run, const Reading& reading) {
@@ -90,8 +89,7 @@ std::set<std::int32_t> wavelengths(const Run& run) {
 }
 
 std::optional<float> reflectance(const Reading& reading, std::int32_t wavelength) {
-    const auto point = std::find_if(reading.spectrum.begin(), reading.spectrum.end(),
-                                    [&](const SPM_REFLECTION& each) { return each.wavelength == wavelength; });
+    const auto point = std::ranges::find(reading.spectrum, wavelength, &SPM_REFLECTION::wavelength);
     if (point == reading.spectrum.end()) return std::nullopt;
     return point->value;
 }

@@ -26,6 +26,7 @@ std::uint8_t encode(double linear) {
 
 /// The nearest colour of the 6 x 6 x 6 cube in the 256-colour palette of xterm.
 int paletteIndex(const std::array<std::uint8_t, 3>& rgb) {
+    // The cube's levels are 0, 95, 135, 175, 215 and 255; these are the limits between them.
     const auto level = [](std::uint8_t value) { return value < 48 ? 0 : value < 115 ? 1 : (value - 35) / 40; };
     return 16 + 36 * level(rgb[0]) + 6 * level(rgb[1]) + level(rgb[2]);
 }

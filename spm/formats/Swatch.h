@@ -11,7 +11,8 @@ namespace spm {
 /// The colours that a terminal supports.
 enum class ColourDepth { none, palette256, trueColour };
 
-/// Determines the colour depth from the environment variables NO_COLOR, COLORTERM and TERM.
+/// Determines the colour depth from the environment variables NO_COLOR, COLORTERM and TERM, and from the console itself
+/// (on Windows).
 ColourDepth colourDepth(bool isTerminal);
 
 /// Converts CIELab to sRGB (IEC 61966-2-1): red, green, blue from 0 to 255, clipped to the gamut. The white of the

@@ -89,7 +89,7 @@ Ending measureAll(const Module& module, const MeasureOptions& options, const Pro
 /// order, or some of them.
 void loadEarlierRun(Run& run, const std::filesystem::path& file) {
     if (isSimulated(file) == run.simulation.empty()) {
-        throw UsageError(fmt::format("{} has {} values; choose another output file", file.string(),
+        throw UsageError(fmt::format("{} has {} values, unlike this run; choose another output file", file.string(),
                                      run.simulation.empty() ? "simulated" : "measured"));
     }
     const bool hasSameConditions = hasConditions(file, run.conditions);
@@ -149,6 +149,17 @@ void reportGaps(const Prompter& prompter, const Run& run) {
     prompter.say(text);
 }
 
+/// Writes all results. After a failure of the run, an error in writing is only shown: the failure is rethrown later.
+void writeResults(const Prompter& prompter, RunWriter& writer, const Ending& ending) try {
+    const InterruptGuard interrupts; // Ctrl-C must not keep the values from being written
+    writer.finish(ending.reason);
+    reportGaps(prompter, writer.currentRun());
+    if (!ending.failure) writer.showComparison();
+} catch (const std::exception& error) {
+    if (!ending.failure) throw;
+    prompter.say(error.what());
+}
+
 } // namespace
 
 Outcome measure(const MeasureOptions& requested) {
@@ -157,7 +168,7 @@ Outcome measure(const MeasureOptions& requested) {
     checkOutputFiles(requested);
     const std::vector<std::string> names = patchNames(requested);
     MeasureOptions options = requested;
-    options.rows = static_cast<std::int32_t>(names.size()) / options.patchesInRow;
+    options.rows = static_cast<std::int32_t>(names.size()) / options.patchesInRow; // not used for spots
     if (static_cast<std::size_t>(options.firstRow) > stripsOf(options).size()) {
         throw UsageError(fmt::format("--first-row is {}, but there are only {} rows or spots", options.firstRow,
                                      stripsOf(options).size()));
@@ -170,15 +181,7 @@ Outcome measure(const MeasureOptions& requested) {
     RunWriter writer(options, prompter, std::move(run));
     announce(prompter, writer.currentRun(), options);
     const Ending ending = measureAll(module, options, prompter, writer);
-    try {
-        const InterruptGuard interrupts; // Ctrl-C must not keep the values from being written
-        writer.finish(ending.reason);
-        reportGaps(prompter, writer.currentRun());
-        if (!ending.failure) writer.showComparison();
-    } catch (const std::exception& error) {
-        if (!ending.failure) throw;
-        prompter.say(error.what());
-    }
+    writeResults(prompter, writer, ending);
     if (ending.failure) std::rethrow_exception(ending.failure);
     if (!gaps(writer.currentRun()).empty() || ending.outcome != Outcome::complete) return Outcome::incomplete;
     const std::optional<Comparison> comparison = compare(writer.currentRun());

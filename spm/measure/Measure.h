@@ -14,8 +14,9 @@ enum class Format { byExtension, table, csv, json, cgats };
 /// The options of "spm measure".
 struct MeasureOptions {
     std::filesystem::path module;
-    /// The patch names, or a file that contains them.
+    /// The patch names; empty for those of the chart file.
     std::vector<std::string> names;
+    /// The file that names the patches; empty for none. If both are empty, the patches are numbered.
     std::filesystem::path chart;
     /// The number of rows; 0 for as many as the names fill, or 4 without names.
     std::int32_t rows = 0;

@@ -17,7 +17,8 @@ namespace {
 namespace fs = std::filesystem;
 
 Error failure(const std::string& file, const std::string& reason) {
-    return {fmt::format("can't write {}: {}", file, reason), "choose another file or make room in its folder"};
+    return {fmt::format("can't write {}: {}", file, reason),
+            "choose another file, or check permissions and free space in its folder"};
 }
 
 std::string lastReason() {
@@ -100,6 +101,10 @@ bool isSameFile(const fs::path& one, const fs::path& other) {
 void writeToStdout(const std::string& text) {
     if (std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0) return;
     throw Error(fmt::format("can't write to standard output: {}", lastReason()));
+}
+
+void writeToStderr(const std::string& text) {
+    static_cast<void>(std::fputs(text.c_str(), stderr));
 }
 
 } // namespace spm

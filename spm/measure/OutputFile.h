@@ -21,4 +21,7 @@ bool isSameFile(const std::filesystem::path& one, const std::filesystem::path& o
 /// @throws Error  with the reason
 void writeToStdout(const std::string& text);
 
+/// Writes to standard error. Ignores errors: a closed terminal must not end the run.
+void writeToStderr(const std::string& text);
+
 } // namespace spm

@@ -3,6 +3,7 @@
 #include "spm/Console.h"
 #include "spm/Error.h"
 #include "spm/measure/Interrupt.h"
+#include "spm/measure/OutputFile.h"
 
 #include <algorithm>
 #include <chrono>
@@ -15,13 +16,7 @@ namespace spm {
 
 namespace {
 
-constexpr auto pause = std::chrono::milliseconds(50);
-constexpr const char* clearLine = "\r\x1b[K";
-
-/// Ignores errors: a closed terminal must not keep the values from being written.
-void write(const std::string& text) {
-    static_cast<void>(std::fputs(text.c_str(), stderr));
-}
+constexpr auto pollInterval = std::chrono::milliseconds(50);
 
 std::string progressBar(const Progress& progress) {
     constexpr std::size_t width = 24;
@@ -43,7 +38,7 @@ std::string formatQuestion(const std::vector<Choice>& choices) {
 Prompter::Prompter() : hasOutput(isTerminal(stderr)), hasInput(isTerminal(stdin)) {}
 
 void Prompter::say(const std::string& text) const {
-    write((hasOutput ? clearLine : "") + text + '\n');
+    writeToStderr((hasOutput ? clearLine : "") + text + '\n');
 }
 
 void Prompter::runMeasurement(const Progress& progress,
@@ -54,14 +49,14 @@ void Prompter::runMeasurement(const Progress& progress,
         line.notePoll();
         InterruptGuard::check();
         onPoll();
-        std::this_thread::sleep_for(pause);
+        std::this_thread::sleep_for(pollInterval);
     });
 }
 
 char Prompter::ask(const std::vector<Choice>& choices) const {
     const std::string question = formatQuestion(choices);
     for (;;) {
-        write(question);
+        writeToStderr(question);
         InterruptGuard::waitForInput();
         std::string answer;
         const bool isRead = !!std::getline(std::cin, answer);

@@ -44,12 +44,13 @@ public:
 
     void setInstrument(const std::string& name, const std::string& illumination);
 
-    /// Saves a strip that was just measured: appends its table to standard output, or writes all strips to the output
-    /// file. An error is reported to the user, and saving is retried with the next strip.
+    /// Saves a strip that was just measured: writes all strips to the output file or, without one, the strip's table to
+    /// standard output, where other formats have to wait for finish(). An error is reported to the user, and saving is
+    /// retried with the next strip.
     void save(Quantity quantity, const Strip& strip);
 
-    /// Writes the output file if it is out of date. Limits the frequency to once a second, and the time spent to a
-    /// twentieth: each time, the whole file is written.
+    /// Writes the output file if it is out of date. As this writes the whole file, it does so at most once a second,
+    /// and for at most a twentieth of the time.
     void saveIfDue();
 
     /// Writes the final output file and the report, each even if the other fails. Values that are in no file go to

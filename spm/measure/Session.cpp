@@ -15,6 +15,7 @@ namespace spm {
 
 namespace {
 
+/// Sets a member of each patch, and drops the patches that have no value.
 template <class Value, class Member>
 void assign(std::vector<Value> values, Member member, std::vector<Reading>& patches) {
     patches.resize(values.size());
@@ -63,7 +64,7 @@ Outcome Session::measure() {
     Outcome outcome = Outcome::complete;
     for (const Quantity quantity : passes) {
         for (std::size_t i = firstStrip; i < strips.size(); ++i) {
-            if (!measure(quantity, strips[i])) outcome = Outcome::incomplete;
+            if (!measureStrip(quantity, strips[i])) outcome = Outcome::incomplete;
             InterruptGuard::check();
         }
     }
@@ -97,7 +98,7 @@ bool Session::tryToCalibrate() try {
 
 /// Measures a strip, repeatedly if the user wishes, until it is kept or skipped.
 /// @return whether all its patches were measured
-bool Session::measure(Quantity quantity, const Strip& strip) {
+bool Session::measureStrip(Quantity quantity, const Strip& strip) {
     for (;;) {
         const Attempt result = attempt(quantity, strip);
         const Decision decision = result.problem.empty() ? Decision::keep : decide(result, strip);

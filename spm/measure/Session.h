@@ -33,7 +33,7 @@ private:
 
     void calibrate();
     bool tryToCalibrate();
-    bool measure(Quantity quantity, const Strip& strip);
+    bool measureStrip(Quantity quantity, const Strip& strip);
     Attempt attempt(Quantity quantity, const Strip& strip);
     std::vector<Reading> read(Quantity quantity, const Strip& strip);
     std::string findProblem(std::span<const Reading> readings, Quantity quantity, const Strip& strip) const;

@@ -1,8 +1,8 @@
 #include "spm/measure/StatusLine.h"
 
 #include "spm/Console.h"
+#include "spm/measure/OutputFile.h"
 
-#include <cstdio>
 #include <fmt/format.h>
 #include <limits>
 
@@ -10,14 +10,9 @@ namespace spm {
 
 namespace {
 
-constexpr auto interval = std::chrono::milliseconds(100);
+constexpr auto updateInterval = std::chrono::milliseconds(100);
 /// A call that takes longer than any poll of the button is measuring.
 constexpr auto longestPoll = std::chrono::milliseconds(400);
-
-/// Ignores errors: a closed terminal must not stop the measurement.
-void write(const std::string& text) {
-    static_cast<void>(std::fputs(text.c_str(), stderr));
-}
 
 } // namespace
 
@@ -33,14 +28,14 @@ StatusLine::~StatusLine() {
     }
     ending.notify_one();
     thread.join();
-    write("\r\x1b[K");
+    writeToStderr(clearLine);
 }
 
 void StatusLine::run() {
     std::unique_lock lock(mutex);
     do {
         show(text());
-    } while (!ending.wait_for(lock, interval, [this] { return isEnding; }));
+    } while (!ending.wait_for(lock, updateInterval, [this] { return isEnding; }));
 }
 
 std::string StatusLine::text() const {
@@ -55,7 +50,7 @@ std::string StatusLine::text() const {
 void StatusLine::show(std::string text) {
     text.resize(std::min(text.size(), terminalWidth().value_or(std::numeric_limits<std::size_t>::max()) - 1));
     if (text == shown) return;
-    write("\r\x1b[K" + text);
+    writeToStderr(clearLine + text);
     shown = std::move(text);
 }
 

@@ -9,6 +9,9 @@
 
 namespace spm {
 
+/// Moves the cursor to the beginning of the terminal's line and clears the line.
+inline constexpr const char* clearLine = "\r\x1b[K";
+
 /// A line on the terminal that shows, during the object's lifetime, whether spm is waiting for the button or the
 /// instrument is measuring. A thread updates it: a module call that finds the button pressed blocks until the
 /// measurement is done.

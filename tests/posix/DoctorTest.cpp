@@ -7,13 +7,14 @@
 #include "tests/support/System.h"
 
 #include <algorithm>
+#include <array>
 #include <gtest/gtest.h>
 
 namespace fs = std::filesystem;
 
 TEST(DoctorOnPosix, ExplainsWhySettingsHaveNoEffect) {
     const std::string begin = "REGEDIT4\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM]\n\"Logging\"=";
-    const std::vector<std::vector<std::string>> cases{
+    const std::vector<std::array<std::string, 4>> cases{
         {"Windows Registry Editor Version 5.00\n", "Settings", " has the format of a newer version of regedit",
          "(REGEDIT4)\", or save"},
         {"\xFF\xFEW", "Settings", " is UTF-16 text, written by a newer version", "Win9x/NT4 Registration Files"},
@@ -24,12 +25,12 @@ TEST(DoctorOnPosix, ExplainsWhySettingsHaveNoEffect) {
          "\\SPM\\Detials is set, but", "HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM\\Details"},
     };
     const Settings settings;
-    for (const std::vector<std::string>& each : cases) {
-        writeFile(SPMRegistry::place(), each[0]);
+    for (const auto& [content, subject, text, advice] : cases) {
+        writeFile(SPMRegistry::place(), content);
         const std::vector<spm::Finding> findings = spm::examineSettings();
-        const auto finding = std::ranges::find(findings, each[1], &spm::Finding::subject);
-        EXPECT_NE(finding->text.find(each[2]), std::string::npos) << finding->text;
-        EXPECT_NE(finding->advice.find(each[3]), std::string::npos) << finding->advice;
+        const auto finding = std::ranges::find(findings, subject, &spm::Finding::subject);
+        EXPECT_NE(finding->text.find(text), std::string::npos) << finding->text;
+        EXPECT_NE(finding->advice.find(advice), std::string::npos) << finding->advice;
     }
 }
 

@@ -125,20 +125,6 @@ TEST(Terminal, ShowsProgressAndColours) {
     EXPECT_EQ(spm.end(), 0) << spm.shown;
 }
 
-// Standard output is a device that is always full.
-TEST(FullDisk, StillWritesTheReport) {
-    const Settings settings;
-    const TempFolder folder;
-    const std::string report = folder / "page.html";
-    EXPECT_EQ(run(common::programFolder() / "spm", {"measure", "--rows", "2", "--patches", "2", "--report", report},
-                  {"/dev/full", folder / "err"}),
-              1);
-    const std::string errors = readText(folder / "err");
-    EXPECT_EQ(errors.find("can't write : "), std::string::npos) << "an output file was written without --output";
-    EXPECT_TRUE(errors.ends_with("\nspm: can't write to standard output: No space left on device\n")) << errors;
-    EXPECT_NE(readFile(report).find("4 of 4 patches"), std::string::npos) << errors;
-}
-
 TEST(Terminal, FollowsTheUsersAnswers) {
     using Step = std::pair<std::string, std::string>; // the text to wait for, and the reaction
     struct Case {
@@ -151,6 +137,7 @@ TEST(Terminal, FollowsTheUsersAnswers) {
     };
     const std::string fault = R"({"function": "I1PRO3_TriggerMeasurement", "result": 7, "text": "lamp", )";
     const std::string firstFails = R"("faults": [)" + fault + R"("times": 1}])";
+    // Fails the trial measurement between the two attempts, too.
     const std::string firstFailsTwice = R"("faults": [)" + fault + R"("times": 3}])";
     const std::string secondFails = R"("faults": [)" + fault + R"("call": 2}])";
     const std::string someFound = R"("samples": {"more": -1})";
@@ -214,4 +201,18 @@ TEST(Terminal, FollowsTheUsersAnswers) {
         const bool isClosed = readFile(folder / "trace.jsonl").find("I1PRO3_CloseDevice") != std::string::npos;
         EXPECT_EQ(isClosed, each.status >= 0) << spm.shown;
     }
+}
+
+// Standard output is a device that is always full.
+TEST(FullDisk, StillWritesTheReport) {
+    const Settings settings;
+    const TempFolder folder;
+    const std::string report = folder / "page.html";
+    EXPECT_EQ(run(common::programFolder() / "spm", {"measure", "--rows", "2", "--patches", "2", "--report", report},
+                  {"/dev/full", folder / "err"}),
+              1);
+    const std::string errors = readText(folder / "err");
+    EXPECT_EQ(errors.find("can't write : "), std::string::npos) << "an output file was written without --output";
+    EXPECT_TRUE(errors.ends_with("\nspm: can't write to standard output: No space left on device\n")) << errors;
+    EXPECT_NE(readFile(report).find("4 of 4 patches"), std::string::npos) << errors;
 }

@@ -49,18 +49,13 @@ TEST(PatchFile, ReadsBackAllFormats) {
 }
 
 TEST(PatchFile, ReadsPatchesOrReportsTheError) {
-    struct Case {
-        spm::PatchFileKind kind;
-        std::string content;
-        std::string outcome;
-    };
     const std::string header = "name,L*,a*,b*\n";
     const auto cgats = [&](const std::string& format, const std::string& data) {
         return fmt::format(
             "IT8.7/3\nSPECTRAL_NORM 0.5\nBEGIN_DATA_FORMAT\n{}\nEND_DATA_FORMAT\nBEGIN_DATA\n{}END_DATA\n", format,
             data);
     };
-    const std::vector<Case> cases{
+    const std::vector<std::tuple<spm::PatchFileKind, std::string, std::string>> cases{
         {chart, "sample_id,380,Sample_Name,place\n1,0.5,A 1,\n", "A 1\n\n"},
         {chart, "PATCH,L,R,G,B\nA1,1,2,3,4\n", "A1\n\n"},
         {chart, "name,nm400_percent,L*,a*,b*,nm380_percent\nA1,5,,,,7.5\nA2,,1,-2,.5,\n",
@@ -107,9 +102,9 @@ TEST(PatchFile, ReadsPatchesOrReportsTheError) {
         {reference, R"({"readings": [{"name": "A1"}]})", ", reading 1: \"A1\" has no L*, a* and b*; "},
     };
     const TempFolder folder;
-    for (const Case& each : cases) {
-        writeFile(folder / "file", each.content);
-        EXPECT_TRUE(outcome(folder / "file", each.kind).starts_with(each.outcome))
-            << each.content << outcome(folder / "file", each.kind);
+    for (const auto& [kind, content, expected] : cases) {
+        writeFile(folder / "file", content);
+        const std::string actual = outcome(folder / "file", kind);
+        EXPECT_TRUE(actual.starts_with(expected)) << content << actual;
     }
 }

@@ -39,7 +39,7 @@ TEST(Script, ReportsErrors) {
         {R"({"faults": [{"times": "often"}]})", ": /faults/0/times: type must be number, but is string"},
         {R"({"faults": [{"call": 0}]})", ": /faults/0/call: must be a whole number from 1 to 1000000000"},
         {R"({"faults": [{"size": 4294967296}]})", ": /faults/0/size: must be a whole number from 0 to 4294967295"},
-        {R"({"faults": [{"result": 1}, {}]})", ": /faults/1: a fault without a key would apply to every call"},
+        {R"({"faults": [{"result": 1}, {}]})", ": /faults/1: an empty fault would apply to every call"},
         {R"({"faults": [{"foreign": true}]})", ": /faults/0: \"foreign\" needs an \"exception\""},
         {R"({"faults": [{"text": "lamp"}]})", ": /faults/0: \"text\" and \"number\" need a \"result\" other than 0"},
         {R"({"faults": [{"function": "I1PRO3_GetDevices", "output": ""}]})",
