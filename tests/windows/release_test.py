@@ -1,6 +1,7 @@
-"""Tests of the files of the Windows release: the libraries and the archive.
+"""Tests the files of the Windows release: the libraries and the archive.
 
-Usage: release_test.py BUILD_FOLDER, the build folder of the preset "windows". Needs pefile, cpack and Wine.
+Usage: release_test.py BUILD_FOLDER CLASS: the build folder of the preset "windows", and one of the test classes below.
+Needs pefile, cpack and Wine.
 """
 
 import subprocess
