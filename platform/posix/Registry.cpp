@@ -16,6 +16,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+/// An open key. The mark helps to detect handles that are invalid or already closed.
 struct HKEY__ {
     static constexpr std::uint32_t openMark = 0x59454B4F;
 
