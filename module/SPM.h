@@ -26,8 +26,8 @@
  *     beside the module, with the module's name and the extension ".log". Without a listener, the file only records
  *     when logging started and stopped: the module produces messages only while one is attached.
  *
- *   Passing null as the handle, or for a record, an array, a count or a text, is a failure, too; the count, if any, is
- *   set to 0. A destroyed handle can't be detected and must not be passed.
+ *   Passing null as the handle, or for a record, an array, a count or a text, is a failure, too, unless the function's
+ *   description allows it; the count, if any, is set to 0. A destroyed handle can't be detected and must not be passed.
  *
  * Ownership
  *   The host owns the object from SPM_create to SPM_destroy, and all memory that it passes. The module writes to that

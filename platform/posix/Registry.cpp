@@ -143,6 +143,7 @@ LSTATUS RegOpenKeyExA(HKEY parent, const char* path, DWORD /*options*/, REGSAM /
     std::string text;
     if (const LSTATUS status = readSettings(file, text)) return status;
     std::string fullPath = pathBelow(parentPath, path);
+    // SOFTWARE exists even if the file has no heading for it.
     if (!registry::isSameOrBelow(softwarePath, fullPath) && !registry::hasKey(text, fullPath))
         return ERROR_FILE_NOT_FOUND;
     return openKey(std::move(fullPath), key);
