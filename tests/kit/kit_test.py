@@ -30,7 +30,7 @@ VISUAL_CPP = PROJECT / "tests/windows/visual_cpp"
 
 NO_INSTRUMENT = '{"instruments": []}'
 LAMP = '{"faults": [{"function": "I1PRO3_TriggerMeasurement", "result": 7, "text": "lamp"}]}'
-ROW = ["L*  36.81  a*  13.89  b*  14.69", "L*  71.70  a* -30.21  b*   3.69"]
+FIRST_AND_LAST_OF_SIX = ["L*  36.81  a*  13.89  b*  14.69", "L*  71.70  a* -30.21  b*   3.69"]
 
 GUIDE_PROJECT = """
 cmake_minimum_required(VERSION 3.25)
@@ -84,7 +84,7 @@ class Kit(unittest.TestCase):
         result = run(*program, self.simulated)
         self.assertEqual((result.returncode, result.stderr), (0, ""))
         lines = result.stdout.splitlines()
-        self.assertEqual([line for line in lines if line.startswith("L*")][::5], ROW)
+        self.assertEqual([line for line in lines if line.startswith("L*")][::5], FIRST_AND_LAST_OF_SIX)
         self.assertEqual(len([line for line in lines if " nm " in line]), 36)
         for script, failure in ((NO_INSTRUMENT, "not opened: no instrument is connected"),
                                 (LAMP.replace("TriggerMeasurement", "Calibrate"), "not calibrated: lamp\nErrorNumber: 7"),

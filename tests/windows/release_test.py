@@ -33,8 +33,7 @@ ARCHIVE = ["README.md", "bin/spm.exe", "bin/spm_i1pro3.dll", "bin/spm_i1pro3_lis
            "recorder/i1Pro364.dll", "simulator/i1Pro364.dll", "simulator/spm_i1pro3.dll",
            "simulator/spm_i1pro3_listener.dll"]
 EXAMPLES = [str(path.relative_to(PROJECT)) for path in (PROJECT / "examples").rglob("*") if path.is_file()]
-LOGGING = ("REGEDIT4\r\n\r\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM]\r\n"
-           "\"Logging\"={}\r\n")
+LOGGING = "REGEDIT4\r\n\r\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM]\r\n\"Logging\"={}\r\n"
 
 
 class Library(unittest.TestCase):
