@@ -21,7 +21,7 @@ function(spm_export_only target)
     set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS ${script})
 endfunction()
 
-# Creates and installs an import library for Visual C++, and the module-definition file that it is created from.
+# Creates an import library for Visual C++ from a library's module-definition file, and installs both.
 function(spm_add_visual_cpp_library target)
     find_program(LLVM_DLLTOOL llvm-dlltool REQUIRED)
     get_target_property(folder ${target} BINARY_DIR)

@@ -1,8 +1,8 @@
 """Runs the commands shown in the documentation and compares what spm prints with the output shown there.
 
-Usage: docs_test.py FOLDER_OF_SPM. An indented block that starts with "$ command" is checked; a line "..." stands for any
-omitted lines. "$ cat FILE" creates the file for the commands after it. Pages show the paths of an installation in place
-of those of this build.
+Usage: docs_test.py FOLDER_OF_SPM. An indented block that starts with "$ command" is checked; a line "..." stands for
+any omitted lines. "$ cat FILE" creates the file for the commands after it. Pages show the paths of an installation in
+place of those of this build.
 """
 
 import os

@@ -1,4 +1,4 @@
-"""Installs the kit for host developers and uses it as they do; checks the reference, the binary interface and the layers.
+"""Installs and uses the kit for host developers; checks the reference, the binary interface and the layers.
 
 Usage: kit_test.py BUILD_FOLDER CLASS, one of the test classes below. Needs the packages that ./check installs.
 """
