@@ -44,7 +44,8 @@ CAPLoggingFile::CAPLoggingFile() : zoneText(currentZoneText()) {}
 CAPLoggingFile::~CAPLoggingFile() {
     try {
         CloseFile();
-    } catch (...) { // NOLINT(bugprone-empty-catch): only the banner is lost; the stream is closed by its member
+    } catch (
+        ...) { // NOLINT(bugprone-empty-catch): only the stop banner is lost; the destructor of `stream` closes the file
     }
 }
 

@@ -14,9 +14,9 @@
 /// A line is "2026-03-01 14:05:09 (UTC+01:00) [process:thread:source] " followed by the message's ToString. No
 /// operation reports a failure: if the file can't be opened or written, its lines are lost.
 ///
-/// Each line is one write, so lines of several threads, objects and processes never mix. Only regular files are opened,
-/// and no other process's lock delays a line by more than a few milliseconds. If the file ends
-/// with an incomplete line, as a full disk may leave it, a line break is written before the next line.
+/// Each line is one write, so lines of several threads, objects and processes never mix. Only regular files are opened.
+/// If another process keeps the file locked, a line is delayed briefly but still written. If the file ends with an
+/// incomplete line, as a full disk may leave it, a line break is written before the next line.
 class CAPLoggingFile : public ICAPLoggingListener {
 public:
     CAPLoggingFile();

@@ -1,4 +1,4 @@
-# What every part is compiled and linked with.
+# Compiler and linker options of all targets.
 if(MSVC)
     add_compile_options(/W4 /permissive- /utf-8)
 else()
@@ -14,12 +14,13 @@ elseif(NOT WIN32)
 endif()
 
 if(MINGW)
-    # Nothing of the compiler's own as a library beside the program, and the same bytes from the same sources.
+    # Link the compiler's runtime libraries statically, and make the build reproducible.
     add_link_options(-static -s LINKER:--no-insert-timestamp)
 elseif(NOT WIN32)
-    # Calls as on Windows: within a library direct, or not at all; to another library without a detour.
+    # As on Windows, calls within a library are direct or inlined, and calls to other libraries skip the PLT.
     add_compile_options(-fno-semantic-interposition -fno-plt)
+    # RUNPATH rather than RPATH, so that LD_LIBRARY_PATH takes precedence.
     add_link_options(LINKER:--enable-new-dtags)
-    # What is bound is bound at load, and read-only from then on; no stack is executable.
+    # Resolve all symbols at load time and make the tables read-only afterwards; no stack is executable.
     add_link_options(LINKER:-z,relro,-z,now,-z,noexecstack)
 endif()

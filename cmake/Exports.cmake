@@ -1,4 +1,4 @@
-# Gives a library exactly the exports that lists name, one name a line.
+# Makes a library export exactly the names in the given files, which have one name per line.
 function(spm_export_only target)
     set(names)
     foreach(list IN LISTS ARGN)
@@ -21,7 +21,7 @@ function(spm_export_only target)
     set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS ${script})
 endfunction()
 
-# Makes the import library of a Windows library in the form that Visual C++ takes, from the list of its exports.
+# Creates an import library for Visual C++ from a library's module-definition file, and installs both.
 function(spm_add_visual_cpp_library target)
     find_program(LLVM_DLLTOOL llvm-dlltool REQUIRED)
     get_target_property(folder ${target} BINARY_DIR)

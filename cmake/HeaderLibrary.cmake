@@ -1,5 +1,6 @@
-# Makes a target of a header-only library's folder. Only this folder becomes visible to the compiler, by a link in the
-# build tree: beside it may lie the headers of another system than the one that is built for.
+# Adds a target for a header-only library. The include path has only the library's folder, through a link in the build
+# tree: the folder's parent, such as /usr/include, may contain the build machine's own headers, which must not be found
+# when cross-compiling.
 function(spm_add_header_library target folder header)
     find_path(${target}_HEADERS ${folder}/${header} NO_CMAKE_FIND_ROOT_PATH REQUIRED)
     file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/include/${target})

@@ -1,13 +1,14 @@
-# The reference of the public headers, made by doxygen.
+# The reference of the public headers, generated with doxygen.
 set(PUBLIC_HEADERS module/SPM.h module/IScmSPM.h listener/SPM_listener.h cap/CAPException.h cap/CAPLoggingHandler.h
     cap/ICAPLoggingListener.h cap/ICAPLoggingMessage.h cap/ICAPLoggingSource.h)
 list(TRANSFORM PUBLIC_HEADERS REPLACE "(.+)" "\"${PROJECT_SOURCE_DIR}/\\1\"")
 list(JOIN PUBLIC_HEADERS " " PUBLIC_HEADERS)
 configure_file(docs/Doxyfile.in Doxyfile @ONLY)
 
-# What is installed, in two components. "kit" has all that a host's developer needs; "simulator" has the simulated SDK
-# library with copies of the module and the listener library beside it, ready to be loaded, and the recorder. They have
-# folders of their own: beside the module that measures they could be taken for the vendor's library.
+# The installation has two components. "kit" contains everything that a host developer needs. "simulator" contains the
+# simulated SDK library, with copies of the module and the listener library beside it, ready to be loaded, and the
+# recorder. Both stand-ins have folders of their own: beside the real module, they could be mistaken for the vendor's
+# library.
 include(CMakePackageConfigHelpers)
 
 set(header_dir ${CMAKE_INSTALL_INCLUDEDIR}/${PROJECT_NAME})
@@ -29,7 +30,7 @@ else()
     install(FILES ${PROJECT_BINARY_DIR}/spm_i1pro3.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT kit)
 endif()
 
-# Installs a program or library, stripped. The component "debug" adds what was stripped, where debuggers look for it.
+# Installs a stripped program or library. The component "debug" adds its debug information where debuggers look for it.
 install(CODE "set(CMAKE_INSTALL_DO_STRIP ON)" ALL_COMPONENTS)
 function(spm_install component folder target)
     install(TARGETS ${target} COMPONENT ${component}
@@ -78,7 +79,7 @@ install(FILES docs/simulator.md DESTINATION ${doc_dir} COMPONENT simulator)
 install(DIRECTORY examples/simulator DESTINATION ${examples_dir} COMPONENT simulator)
 
 if(WIN32)
-    # The licences of what is linked in, as Debian tells them.
+    # The licences of the libraries that are linked in, from their Debian packages.
     set(documents /usr/share/doc)
     set(licences_of libcli11-dev:CLI11 libfmt-dev:fmt gcc-mingw-w64-x86-64-posix-runtime:gcc
         libkainjow-mustache-dev:Mustache mingw-w64-x86-64-dev:mingw-w64 nlohmann-json3-dev:nlohmann-json)

@@ -1,6 +1,6 @@
-# The target "lint": formatting of all sources, and static analysis of those that this system is built from, each again
-# only when it or a header changed. Of what other builds have, benchmarks and examples, the formatting alone. On Windows
-# just what is built there alone: the rest is the native build's.
+# The target "lint" checks the format of all sources and runs static analysis on those of this build. A source is
+# analysed again only when it or any header has changed. The Windows build analyses only the sources that the native
+# build doesn't compile. Benchmarks, examples and the host for Visual C++ belong to other builds and are not analysed.
 find_program(CLANG_FORMAT clang-format)
 find_program(CLANG_TIDY clang-tidy)
 if(NOT CLANG_FORMAT OR NOT CLANG_TIDY)
@@ -25,7 +25,7 @@ set(analysed ${sources})
 set(target_arguments)
 if(WIN32)
     list(FILTER analysed INCLUDE REGEX ${only_windows})
-    # The cross compiler's headers, but for its intrinsics, of which clang has its own.
+    # The cross compiler's headers, except for its intrinsics: clang has its own.
     set(system_headers ${CMAKE_CXX_IMPLICIT_INCLUDE_DIRECTORIES})
     list(FILTER system_headers EXCLUDE REGEX "/include(-fixed)?$")
     list(APPEND system_headers /usr/x86_64-w64-mingw32/include)

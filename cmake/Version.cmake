@@ -1,4 +1,5 @@
-# Gives a library's sources version.h, with the numbers and texts of its version, and on Windows a version resource.
+# Generates version.h, with the numbers and texts of the version, for a library's sources. On Windows, also adds the
+# version resource.
 function(spm_add_version target description product)
     get_target_property(name ${target} OUTPUT_NAME)
     set(SPM_DESCRIPTION ${description})

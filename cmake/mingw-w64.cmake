@@ -1,4 +1,4 @@
-# Cross-compiles for 64-bit Windows with Debian's mingw-w64, the variant with the threads of C++; Wine runs the tests.
+# Cross-compiles for 64-bit Windows with Debian's mingw-w64, in the variant with C++ threads. Wine runs the tests.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86_64)
 set(CMAKE_C_COMPILER x86_64-w64-mingw32-gcc-posix)

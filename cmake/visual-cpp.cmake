@@ -1,5 +1,5 @@
-# Compiles as Visual C++ does, with clang and lld, which imitate its command line, binary interface and macros. There is
-# no C runtime: a program begins with its function `host`.
+# Compiles for Visual C++'s binary interface with clang and lld, which accept its options and define its macros. There
+# is no C runtime: the entry point of a program is its function `host`.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_C_COMPILER clang-cl-14)
 set(CMAKE_CXX_COMPILER clang-cl-14)

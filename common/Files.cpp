@@ -26,14 +26,13 @@ std::optional<LibraryFault> findFault(const std::filesystem::path& library) try 
     const std::string file = readFile(library);
     switch (findHeaderDefect(file)) {
     case LibraryDefect::notALibrary:
-        return LibraryFault{library.string() + ": it is not a library of this system",
+        return LibraryFault{library.string() + ": it is not a library for this system",
                             "replace it with the right file"};
     case LibraryDefect::wrongArchitecture:
         return LibraryFault{library.string() + ": it is a 32-bit library, or one for another processor",
                             "replace it with the 64-bit library for the processor of this program"};
     case LibraryDefect::truncated:
-        return LibraryFault{library.string() + ": it is cut short, and has only " + std::to_string(file.size()) +
-                                " bytes",
+        return LibraryFault{library.string() + ": it is truncated to " + std::to_string(file.size()) + " bytes",
                             "copy or install it again"};
     default:
         return std::nullopt;

@@ -10,10 +10,11 @@ namespace common {
 /// Why a file can't be loaded as a library, according to its headers.
 enum class LibraryDefect { none, notALibrary, wrongArchitecture, truncated };
 
-/// Checks a file's headers. The format is that of the system.
+/// Checks the headers of a library in the system's format.
+/// @param file  the content of the file
 LibraryDefect findHeaderDefect(std::string_view file);
 
-/// Whether the file contains a range of bytes.
+/// Whether a range of bytes is inside the file.
 inline bool isInside(std::string_view file, std::uint64_t offset, std::uint64_t length) {
     return offset <= file.size() && length <= file.size() - offset;
 }

@@ -27,7 +27,7 @@ struct LibraryFault {
 };
 
 /// Examines a library's file without loading it: loading a truncated library can crash the process.
-/// @return nullopt if the file looks loadable, or doesn't exist: then loading it gives the error message
+/// @return nullopt if the file looks loadable; also if it doesn't exist, since loading it reports that
 std::optional<LibraryFault> findFault(const std::filesystem::path& library);
 
 /// Returns the vendor's library that the system would load with a module: the one beside the module, unless
@@ -68,7 +68,7 @@ std::filesystem::path fileOf(const void* address);
 std::filesystem::path programFolder();
 
 /// Returns the path in an environment variable; nullopt if the variable is not set or empty.
-std::optional<std::filesystem::path> fileOfEnvironment(const char* variable);
+std::optional<std::filesystem::path> pathFromEnvironment(const char* variable);
 
 /// Returns the whole content of a file.
 /// @throws std::system_error  with the system's error; also if the path is a folder
@@ -79,7 +79,7 @@ std::string readFile(const std::filesystem::path& path);
 /// @return null, with errno set, on failure; also if the path exists, even as a dangling link
 std::FILE* createFile(const std::filesystem::path& path, const char* mode);
 
-/// Whether two file names are equal in the rules of the system's file names.
+/// Whether two file names are equal by the system's rules.
 bool isSameFileName(const std::filesystem::path& left, const std::filesystem::path& right);
 
 } // namespace common

@@ -86,7 +86,7 @@ std::filesystem::path programFolder() {
     return std::filesystem::read_symlink("/proc/self/exe").parent_path();
 }
 
-std::optional<std::filesystem::path> fileOfEnvironment(const char* variable) {
+std::optional<std::filesystem::path> pathFromEnvironment(const char* variable) {
     const char* const value = std::getenv(variable);
     if (value == nullptr || *value == '\0') return std::nullopt;
     return value;

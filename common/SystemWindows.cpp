@@ -120,7 +120,7 @@ std::filesystem::path programFolder() {
     return fileOf(reinterpret_cast<const void*>(&programFolder)).parent_path();
 }
 
-std::optional<std::filesystem::path> fileOfEnvironment(const char* variable) {
+std::optional<std::filesystem::path> pathFromEnvironment(const char* variable) {
     const std::wstring name = std::filesystem::path(variable).native();
     std::wstring value(maxTextLength, L'\0');
     value.resize(GetEnvironmentVariableW(name.c_str(), value.data(), maxTextLength));

@@ -41,7 +41,7 @@ private:
     }
 }
 
-/// Runs an operation in the destructor, where an exception can't be reported any more.
+/// Runs an operation for the destructor, which must not throw.
 template <class Operation>
 void ignoringExceptions(Operation operation) noexcept {
     try {
@@ -70,7 +70,7 @@ SPM_i1PRO3::~SPM_i1PRO3() {
     ignoringExceptions([&] { Log(CAPLevel::debug, spmModuleNumber, "close"); });
     deviceState = Closed;
     currentOptions = {};
-    ignoringExceptions([&] { attempt([&] { reset(); }); });
+    ignoringExceptions([&] { attempt([&] { resetLibrary(); }); });
 }
 
 template <class Operation>
@@ -89,7 +89,7 @@ void SPM_i1PRO3::setOption(const char* key, const char* value) {
     checkSdkResult(callForeign(I1PRO3_SetOption, deviceHandle, key, value));
 }
 
-void SPM_i1PRO3::reset() {
+void SPM_i1PRO3::resetLibrary() {
     checkSdkResult(callForeign(I1PRO3_SetGlobalOption, "Reset", "All"));
 }
 
@@ -127,10 +127,10 @@ void SPM_i1PRO3::close() {
     if (deviceHandle == nullptr) return;
     callForeign(I1PRO3_GetConnectionStatus, deviceHandle);
     checkSdkResult(callForeign(I1PRO3_CloseDevice, deviceHandle));
-    reset();
+    resetLibrary();
 }
 
-/// The connection status is queried but not evaluated: its values are not documented.
+/// Only an exception counts as a lost connection: the values of the connection status are not documented.
 bool SPM_i1PRO3::isOpened() {
     if (deviceState == Closed) return false;
     try {

@@ -33,7 +33,7 @@ private:
     bool attempt(Operation operation);
 
     void setOption(const char* key, const char* value);
-    void reset();
+    void resetLibrary();
     void connect();
     std::uint32_t continueCalibration();
 

@@ -40,7 +40,7 @@ std::int32_t deliver(const Delivery* delivery) {
 } // namespace
 
 void SPM_SUBSCRIPTION::HandleMessage(ICAPLoggingSource* /*source*/, const ICAPLoggingMessage& message) {
-    // Negative levels are debug messages, like those above information, which the module never sends to listeners.
+    // A negative level counts as debug. The module withholds debug messages from listeners, except those.
     if (message.GetLevel() < CAPLevel::error) return;
     try {
         const Delivery delivery{*this, message, message.GetText(), message.GetDetail()};

@@ -26,8 +26,8 @@
  *     beside the module, with the module's name and the extension ".log". Without a listener, the file only records
  *     when logging started and stopped: the module produces messages only while one is attached.
  *
- *   Passing null as the handle, or for a record, an array, a count or a text, is a failure, too; the count, if any, is
- *   set to 0. A destroyed handle can't be detected and must not be passed.
+ *   Passing null as the handle, or for a record, an array, a count or a text, is a failure, too, unless the function's
+ *   description allows it; the count, if any, is set to 0. A destroyed handle can't be detected and must not be passed.
  *
  * Ownership
  *   The host owns the object from SPM_create to SPM_destroy, and all memory that it passes. The module writes to that
@@ -265,8 +265,8 @@ SPM_STATUS SPM_getStatus(SPM_HANDLE handle);
  *
  * Begin with SPM_STEP_BEGIN. While the reply is SPM_STEP_CONTINUE, ask the user to place the instrument on the
  * reference in the reply and to press its button, and call again with SPM_STEP_CONTINUE. The reply SPM_STEP_DONE means
- * that the instrument is calibrated. SPM_STEP_NOTHING means that it is not: no instrument is open, no calibration was
- * begun, the step is unknown, or calibrating failed; an earlier calibration of the open instrument is discarded, too.
+ * that the instrument is calibrated. SPM_STEP_NOTHING means that nothing was calibrated: no instrument is open, no
+ * calibration was begun, the step is unknown, or calibrating failed. Begin again before measuring.
  * @param calibration  the request, overwritten with the reply; unchanged if there is no reply, for instance because
  *                     `handle` is null or a listener threw
  */

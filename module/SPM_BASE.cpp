@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cstring>
 
-IScmSPM::~IScmSPM() = default;
+IScmSPM::~IScmSPM() = default; // not inline, so that the virtual table is in the module
 
 namespace {
 

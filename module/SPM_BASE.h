@@ -71,7 +71,7 @@ protected:
     /// @return whether every list that has entries has a selected one
     [[nodiscard]] bool validate(SPM_OPTIONS_EX& options) const;
 
-private:
+private: // the order of the members is fixed, so there are two private sections
     SPMRegistry registry;
     CAPLoggingFile logFile;
     const char* modelName;

@@ -1,5 +1,5 @@
-// The module's version resource for systems without a resource compiler: the same tree, built at compile time and
-// placed in the section ".rsrc", where platform/posix/VersionResource.cpp looks for it.
+// The module's version resource for systems without a resource compiler: the same tree that cmake/version.rc gives on
+// Windows, built at compile time and placed in the section ".rsrc", where platform/posix/VersionResource.cpp finds it.
 
 #include "platform/VersionBlock.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
-// A text file to which any number of threads, objects and processes append lines without mixing them. A writer never
-// waits for a reader, and waits for another writer only as long as its write takes.
+// A text file to which any number of threads, objects and processes append lines without mixing them. A writer may
+// wait while others write, but never for long.
 
 #include <cstdio>
 #include <string_view>

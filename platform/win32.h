@@ -1,7 +1,7 @@
 #pragma once
 
 // Win32: the system's own headers on Windows; elsewhere declarations of the few functions that the project calls,
-// implemented in platform/posix/. No other header distinguishes the systems.
+// implemented in platform/posix/. Outside platform/, no header distinguishes the systems.
 
 #ifdef _WIN32
 

@@ -88,7 +88,7 @@ private:
 };
 
 std::filesystem::path requiredFile(const char* variable, const char* purpose) {
-    const auto file = common::fileOfEnvironment(variable);
+    const auto file = common::pathFromEnvironment(variable);
     if (file) return *file;
     throw ScriptError(fmt::format("the environment variable {} is not set; it names {}", variable, purpose));
 }

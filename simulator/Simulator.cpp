@@ -60,9 +60,9 @@ void Simulator::reset() {
     instruments.clearError();
     instruments.attach(script);
     try {
-        const auto file = common::fileOfEnvironment("I1PRO3_SIMULATOR");
+        const auto file = common::pathFromEnvironment("I1PRO3_SIMULATOR");
         Script first = file ? readScript(*file) : Script();
-        if (!first.trace) first.trace = common::fileOfEnvironment("I1PRO3_TRACE");
+        if (!first.trace) first.trace = common::pathFromEnvironment("I1PRO3_TRACE");
         activate(std::move(first));
     } catch (const std::exception& error) {
         description = std::string("simulated i1Pro 3, not set up: ") + error.what();

@@ -16,6 +16,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+/// An open key. The mark helps to detect handles that are invalid or already closed.
 struct HKEY__ {
     static constexpr std::uint32_t openMark = 0x59454B4F;
 
@@ -142,6 +143,7 @@ LSTATUS RegOpenKeyExA(HKEY parent, const char* path, DWORD /*options*/, REGSAM /
     std::string text;
     if (const LSTATUS status = readSettings(file, text)) return status;
     std::string fullPath = pathBelow(parentPath, path);
+    // SOFTWARE exists even if the file has no heading for it.
     if (!registry::isSameOrBelow(softwarePath, fullPath) && !registry::hasKey(text, fullPath))
         return ERROR_FILE_NOT_FOUND;
     return openKey(std::move(fullPath), key);

@@ -33,7 +33,7 @@ TEST_F(Calibration, FollowsTheStateTable) {
     };
     // The button is found pressed at every third poll.
     const std::vector<Case> dialogue{
-        {1, nothing, query}, {4, done, query},   // open: calibrated or not
+        {1, nothing, query}, {4, done, query},   // open; 4 is always echoed
         {0, waiting, query}, {1, waiting, poll}, // pending
         {0, waiting, query}, {1, waiting, poll},   {4, done, query},    {1, done, calibrate},
         {1, done, query},                        // calibrated

@@ -20,8 +20,8 @@ TEST_F(Connection, OpensClosesAndReopens) {
     EXPECT_TRUE(sdk.takeCalls().empty());
 
     open();
-    const SPM_STATUS inForce = module.getStatus(handle);
-    EXPECT_EQ(std::tuple(inForce.aperture, inForce.illumination, inForce.auxiliary), std::tuple(1U, 1U, 0U));
+    const SPM_STATUS status = module.getStatus(handle);
+    EXPECT_EQ(std::tuple(status.aperture, status.illumination, status.auxiliary), std::tuple(1U, 1U, 0U));
     EXPECT_TRUE(hasSelectedOptions());
     EXPECT_TRUE(module.isOpened(handle));
     sdk.takeCalls();

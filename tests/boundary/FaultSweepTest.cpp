@@ -79,7 +79,8 @@ Texts expectedWithFault(std::size_t index, std::size_t position, bool throws) {
         outcome[i] = disconnects ? operations[i].closed : operations[i].failure;
     }
     if (call == "!GetSpectrum SIM1 1") outcome[index] = "0 1 10";
-    if (failing.name == "open" && throws && position == 5) {
+    constexpr std::size_t openQueriesStatus = 5; // if this call throws, the status is empty
+    if (failing.name == "open" && throws && position == openQueriesStatus) {
         outcome.emplace_back("M7 E1539: can't get xrite i1 Pro3 status");
     } else if (call == "!GetNumberOfAvailableSamples SIM1" && !throws) {
         outcome.emplace_back("M7 E1539: invalid number of samples");

@@ -26,7 +26,6 @@ protected:
     ModuleTest();
     ~ModuleTest() override;
 
-    std::filesystem::path moduleFile() const { return folder / common::moduleFileName; }
     std::filesystem::path logFile() const { return folder / "spm_i1pro3.log"; }
 
     /// Returns the messages in the log file, without the first banner.

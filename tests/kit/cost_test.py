@@ -1,7 +1,7 @@
-"""What a row of 24 patches and a log line cost, in instructions: a count, which other work on the machine can't change.
+"""How many instructions a row of 24 patches and a log line take. Unlike a time, the count doesn't depend on the load.
 
-Use: cost_test.py PROGRAM, that of bench/instructions.cpp; needs valgrind. The reference is for the compiler and the
-libraries of Debian 12.
+Usage: cost_test.py PROGRAM, the program built from bench/instructions.cpp. Needs valgrind. The reference is for the
+compiler and the libraries of Debian 12.
 """
 
 import re
@@ -25,7 +25,7 @@ def instructions(what, times):
 
 
 class Cost(unittest.TestCase):
-    def test_is_that_of_the_reference(self):
+    def test_matches_the_reference(self):
         for what, expected in REFERENCE.items():
             with self.subTest(what):
                 count = (instructions(what, 300) - instructions(what, 100)) / 200

@@ -1,7 +1,8 @@
-"""The console blocks of the pages show what spm prints.
+"""Runs the commands shown in the documentation and compares what spm prints with the output shown there.
 
-Use: docs_test.py FOLDER_OF_SPM. A block is indented and starts with "$ command"; a line "..." stands for any lines left
-out. "$ cat FILE" shows a file for the commands after it. Paths of this build are shown as those of an installation.
+Usage: docs_test.py FOLDER_OF_SPM. An indented block that starts with "$ command" is checked; a line "..." stands for
+any omitted lines. "$ cat FILE" creates the file for the commands after it. Pages show the paths of an installation in
+place of those of this build.
 """
 
 import os

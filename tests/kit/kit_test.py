@@ -1,6 +1,6 @@
-"""The kit for host developers, installed into an empty folder and used from there; and the rules of the sources.
+"""Installs and uses the kit for host developers; checks the reference, the binary interface and the layers.
 
-Use: kit_test.py BUILD_FOLDER CLASS; needs what ./check installs.
+Usage: kit_test.py BUILD_FOLDER CLASS, one of the test classes below. Needs the packages that ./check installs.
 """
 
 import os
@@ -30,7 +30,7 @@ VISUAL_CPP = PROJECT / "tests/windows/visual_cpp"
 
 NO_INSTRUMENT = '{"instruments": []}'
 LAMP = '{"faults": [{"function": "I1PRO3_TriggerMeasurement", "result": 7, "text": "lamp"}]}'
-ROW = ["L*  36.81  a*  13.89  b*  14.69", "L*  71.70  a* -30.21  b*   3.69"]
+FIRST_AND_LAST_OF_SIX = ["L*  36.81  a*  13.89  b*  14.69", "L*  71.70  a* -30.21  b*   3.69"]
 
 GUIDE_PROJECT = """
 cmake_minimum_required(VERSION 3.25)
@@ -49,7 +49,7 @@ def run(*command, **options):
 
 
 class Kit(unittest.TestCase):
-    """Installed once, both components."""
+    """Both components, installed once for all tests into an empty folder."""
 
     @classmethod
     def setUpClass(cls):
@@ -67,7 +67,7 @@ class Kit(unittest.TestCase):
         return result.stdout
 
     def build(self, source, prefix=None, compiler=COMPILER):
-        """Configures and builds a project against the kit, and gives its build folder."""
+        """Configures and builds a project that uses the kit, and returns its build folder."""
         build = Path(tempfile.mkdtemp(dir=self.folder))
         package = (prefix or self.prefix) / "lib/cmake/spm_i1pro3"
         self.succeed("cmake", "-G", "Ninja", "-S", source, "-B", build, f"-Dspm_i1pro3_DIR={package}",
@@ -81,11 +81,11 @@ class Kit(unittest.TestCase):
         return run(*command, env=os.environ | {"I1PRO3_SIMULATOR": str(path)})
 
     def expect_example(self, *program):
-        """An example measures on the simulated instrument, and says why if it can't."""
+        """Expects an example to measure on the simulated instrument, and to report the reason if it can't."""
         result = run(*program, self.simulated)
         self.assertEqual((result.returncode, result.stderr), (0, ""))
         lines = result.stdout.splitlines()
-        self.assertEqual([line for line in lines if line.startswith("L*")][::5], ROW)
+        self.assertEqual([line for line in lines if line.startswith("L*")][::5], FIRST_AND_LAST_OF_SIX)
         self.assertEqual(len([line for line in lines if " nm " in line]), 36)
         for script, failure in ((NO_INSTRUMENT, "not opened: no instrument is connected"),
                                 (LAMP.replace("TriggerMeasurement", "Calibrate"), "not calibrated: lamp\nErrorNumber: 7"),
@@ -103,18 +103,18 @@ class Kit(unittest.TestCase):
     def test_cpp(self):
         self.expect_example(*WINE, self.build(self.prefix / EXAMPLES / "cpp") / f"measure{PROGRAM}")
 
-    @unittest.skipIf(IS_WINDOWS, "there is no Python for Windows here")
+    @unittest.skipIf(IS_WINDOWS, "Python for Windows is not installed")
     def test_python(self):
         self.expect_example("python3", "-B", self.prefix / EXAMPLES / "python/measure.py")
 
-    @unittest.skipIf(IS_WINDOWS, "there is no .NET for Windows here")
+    @unittest.skipIf(IS_WINDOWS, ".NET for Windows is not installed")
     def test_csharp(self):
         folder = self.prefix / EXAMPLES / "csharp"
         self.succeed("mcs", "-langversion:6", "-warnaserror", *folder.glob("*.cs"), f"-out:{folder / 'Measure.exe'}")
         self.expect_example("mono", folder / "Measure.exe")
 
     def test_guide(self):
-        """The C code of the guide is a host, its other code and that of the README compiles."""
+        """The C code blocks of the guide make a working host; its C++ code and that of the README compile."""
         source = self.folder / "guide"
         source.mkdir()
         guide = self.prefix / DOCUMENTS / "host-guide.md"
@@ -125,7 +125,7 @@ class Kit(unittest.TestCase):
             (source / file).write_text(frame.replace("{}", "".join(blocks)))
         (source / "CMakeLists.txt").write_text(GUIDE_PROJECT)
         build = self.build(source)
-        if IS_WINDOWS:  # beside the module and the simulated SDK library, as a host lies
+        if IS_WINDOWS:  # a host must be beside the libraries that it is linked with
             program = self.simulated.parent / "guide.exe"
             (build / "guide.exe").rename(program)
         else:
@@ -144,7 +144,7 @@ class Kit(unittest.TestCase):
             (build / name).rename(self.simulated.parent / name)
             self.assertEqual(run(*WINE, self.simulated.parent / name).returncode, 0, f"{name}: line that failed")
 
-    @unittest.skipIf(IS_WINDOWS, "there is no pkg-config for Windows here")
+    @unittest.skipIf(IS_WINDOWS, "pkg-config for Windows is not installed")
     def test_pkg_config(self):
         environment = os.environ | {"PKG_CONFIG_PATH": str(self.prefix / "lib/pkgconfig")}
         for variable, library in (("module", LIBRARY), ("listener", LISTENER)):
@@ -165,8 +165,8 @@ class Kit(unittest.TestCase):
         self.assertIn("SIMULATED", result.stdout)
         self.assertRegex(result.stdout, "\n\nReady to measure.\n$")
 
-    @unittest.skipIf(IS_WINDOWS, "there the linker strips")
-    def test_debug_files_are_apart(self):
+    @unittest.skipIf(IS_WINDOWS, "the linker strips Windows files")
+    def test_debug_information_is_separate(self):
         def sections(file):
             return re.findall(r"\.(debug_info|gnu_debuglink)\b", self.succeed("readelf", "-SW", file))
         self.assertEqual(sections(self.simulated), [])
@@ -180,7 +180,7 @@ class Kit(unittest.TestCase):
         self.succeed("cmake", "--install", BUILD, "--prefix", prefix, "--component", "kit")
         self.assertEqual(list(prefix.rglob(SDK)), [])
         self.build(prefix / EXAMPLES / "c", prefix)
-        source = self.folder / "wants the simulator"
+        source = self.folder / "needs the simulator"
         source.mkdir()
         (source / "CMakeLists.txt").write_text(GUIDE_PROJECT)
         with self.assertRaisesRegex(AssertionError, "simulator"):
@@ -197,7 +197,7 @@ class Reference(unittest.TestCase):
 class Binary(unittest.TestCase):
     """What compiled hosts rely on."""
 
-    def test_is_that_of_the_reference(self):
+    def test_matches_the_reference(self):
         reference = PROJECT / "tests/kit/spm_i1pro3.abi"
         result = run("abidiff", "--exported-interfaces-only", reference, BUILD / "bin" / LIBRARY)
         self.assertEqual((result.returncode, result.stdout), (0, ""))
@@ -211,7 +211,7 @@ class Binary(unittest.TestCase):
 
 
 class Layers(unittest.TestCase):
-    """Who may include whom; CONTRIBUTING.md tells it to people."""
+    """Which folder may include which headers; the table in CONTRIBUTING.md has the same rules."""
 
     allowed = {
         "platform": "platform/",

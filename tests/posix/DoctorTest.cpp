@@ -46,9 +46,9 @@ TEST(DoctorOnPosix, ChecksTheSdkLibraryThatTheLoaderFinds) {
     fs::copy_file(built, sdk);
     EXPECT_NE(spm("doctor").find("loaded because of LD_LIBRARY_PATH, instead of " + built.string()), std::string::npos);
     fs::resize_file(sdk, fs::file_size(sdk) / 2);
-    EXPECT_NE(spm("doctor").find("WRONG  SDK library  can't load " + sdk.string() + ": it is cut short"),
+    EXPECT_NE(spm("doctor").find("WRONG  SDK library  can't load " + sdk.string() + ": it is truncated"),
               std::string::npos);
-    EXPECT_NE(spm("measure").find("can't load the SDK library " + sdk.string() + ": it is cut short"),
+    EXPECT_NE(spm("measure").find("can't load the SDK library " + sdk.string() + ": it is truncated"),
               std::string::npos);
     writeFile(sdk, readFile(built).replace(4, 1, "\1"));
     EXPECT_NE(spm("doctor").find("note   SDK library  " + built.string()), std::string::npos) << "32 bits are skipped";

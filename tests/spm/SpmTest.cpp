@@ -190,7 +190,7 @@ TEST_F(Spm, ReportsTheCauseOfEachFailure) {
     const Texts row{"--lab", "--spectra", "--patches", "2", "--report", file("page.html")};
     const std::vector<Case> cases{
         {{"--module", missing}, 1, "can't load the module " + missing + ": "},
-        {{"--module", file("no module")}, 1, ": it is not a library of this system; replace it with the right file\n"},
+        {{"--module", file("no module")}, 1, ": it is not a library for this system; replace it with the right file\n"},
         {{"--module", sdkFile.string()}, 1, "is not a spectrophotometer module: it has no SPM_create"},
         {{"--module", ""}, 2, "--module: the file name is empty\n"},
         {{"--chart", missing}, 1, "can't read the chart file " + missing + ": "},

@@ -61,10 +61,6 @@ void Settings::setNumber(const std::string& name, std::uint32_t number) {
     set(commonKey, name, REG_DWORD, std::string(reinterpret_cast<const char*>(&number), sizeof number));
 }
 
-void Settings::setText(const std::string& name, const std::string& text) {
-    set(deviceKey, name, REG_SZ, text + '\0');
-}
-
 int run(const fs::path& program, const std::vector<std::string>& arguments, const Output& output) {
     std::string command = quoted(program.string());
     for (const std::string& argument : arguments) {

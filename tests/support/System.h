@@ -54,8 +54,6 @@ public:
 
     /// Sets a number in the common key.
     void setNumber(const std::string& name, std::uint32_t number);
-    /// Sets a text in the device key.
-    void setText(const std::string& name, const std::string& text);
 
     /// Removes write access to the settings. On Linux, also drops this thread's root privileges for files.
     void denyWriting();

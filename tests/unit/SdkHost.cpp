@@ -35,14 +35,14 @@ std::int32_t SdkHost::call(const std::string& line) {
     if (words.size() == 2) return invoke(function, deviceOf(words[1]));
 
     const std::int32_t number = std::stoi(words.back());
-    const bool isWanted = words.size() == (function == "GetOption" ? 4 : 3); // otherwise null
+    const bool hasBuffer = words.size() == (function == "GetOption" ? 4 : 3); // otherwise it is null
     if (function == "GetTriStimulus" || function == "GetSpectrum") {
         values.assign(function == "GetSpectrum" ? I1PRO3_NUMBER_OF_REFLECTIONS : 3, 0);
-        return invoke(function, deviceOf(words[1]), isWanted ? values.data() : nullptr, number);
+        return invoke(function, deviceOf(words[1]), hasBuffer ? values.data() : nullptr, number);
     }
     auto size = static_cast<std::uint32_t>(number);
     text.assign(size + 1, '\0'); // AddressSanitizer detects writes beyond it
-    char* const buffer = isWanted ? text.data() : nullptr;
+    char* const buffer = hasBuffer ? text.data() : nullptr;
     const std::int32_t result = function == "GetGlobalOption"
                                     ? invoke(function, textAt(1), buffer, &size)
                                     : invoke(function, deviceOf(words[1]), textAt(2), buffer, &size);

@@ -33,7 +33,8 @@ public:
 
     /// Calls a function.
     /// @param line  the function and its arguments, such as "GetOption SIM1 SerialNumber 5". SIM1 is the first device
-    ///               listed, SIM2 the second, "unknown" an invalid handle; a buffer is given by its size
+    ///               listed, SIM2 the second, "unknown" an invalid handle. A buffer is given by its size alone; "null"
+    ///               before the size, or before the sample, passes a null buffer
     /// @return the function's result
     std::int32_t call(const std::string& line);
 

@@ -1,6 +1,7 @@
-"""Tests of the files of the Windows release: the libraries and the archive.
+"""Tests the files of the Windows release: the libraries and the archive.
 
-Usage: release_test.py BUILD_FOLDER, the build folder of the preset "windows". Needs pefile, cpack and Wine.
+Usage: release_test.py BUILD_FOLDER CLASS: the build folder of the preset "windows", and one of the test classes below.
+Needs pefile, cpack and Wine.
 """
 
 import subprocess
@@ -32,8 +33,7 @@ ARCHIVE = ["README.md", "bin/spm.exe", "bin/spm_i1pro3.dll", "bin/spm_i1pro3_lis
            "recorder/i1Pro364.dll", "simulator/i1Pro364.dll", "simulator/spm_i1pro3.dll",
            "simulator/spm_i1pro3_listener.dll"]
 EXAMPLES = [str(path.relative_to(PROJECT)) for path in (PROJECT / "examples").rglob("*") if path.is_file()]
-LOGGING = ("REGEDIT4\r\n\r\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM]\r\n"
-           "\"Logging\"={}\r\n")
+LOGGING = "REGEDIT4\r\n\r\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM]\r\n\"Logging\"={}\r\n"
 
 
 class Library(unittest.TestCase):

@@ -1,24 +1,16 @@
-/* A host as Visual C++ builds it, in C and in C++, without a C runtime: it calls the sixteen functions and hears why a
-   call failed. Its exit status is 0, or the number of the line that found something wrong. */
+/* A host in C and C++ as Visual C++ builds it, but without a C runtime. It calls all functions of the module and the
+   listener library. Its exit status is 0, or the line of the check that failed. */
 
 #include <SPM_listener.h>
 
 #define EXPECT(condition)                                                                                              \
     if (!(condition)) return __LINE__
 
-enum { reflections = 36, row = 3 };
-
+/* The linker requires this of programs that use floating point; the C runtime would define it. */
 #ifdef __cplusplus
-extern "C" {
+extern "C"
 #endif
-extern int _fltused;
-int host(void);
-#ifdef __cplusplus
-}
-#endif
-
-/* The C runtime defines this for programs that use floating point. */
-int _fltused = 0;
+    int _fltused = 0;
 
 static void count_errors(void* context, int32_t level, int32_t module_number, int32_t error_number, const char* text,
                          const char* detail) {
@@ -26,17 +18,12 @@ static void count_errors(void* context, int32_t level, int32_t module_number, in
 }
 
 static int check_version(void) {
-    static char text[4];
-    SPM_TEXT type;
-    SPM_VERSION version;
-    type.size = sizeof text;
-    type.text = text;
-    version.type = type;
-    text[0] = 'x';
-    SPM_getType(&type);
-    EXPECT(text[0] == '\0');
-    EXPECT(SPM_getVersion(&version) == 3 && version.version == 3);
-    EXPECT(SPM_getMinorVersion() == 0);
+    char text = 'x';
+    SPM_VERSION version = {0, {1, &text}};
+    EXPECT(SPM_getVersion(&version) == 3 && version.version == 3 && text == '\0');
+    text = 'x';
+    SPM_getType(&version.type);
+    EXPECT(text == '\0' && SPM_getMinorVersion() == 0);
     return 0;
 }
 
@@ -64,25 +51,17 @@ static int calibrate(SPM_HANDLE handle) {
     return 0;
 }
 
-/* Polls until the simulated button is pressed. */
-static bool read(SPM_HANDLE handle, SPM_LAB* values, int32_t* count, int32_t patches) {
-    do {
-        *count = patches;
-        if (!SPM_read(handle, values, count)) return false;
-    } while (*count == 0);
-    return true;
-}
-
 static int measure(SPM_HANDLE handle) {
-    static SPM_LAB values[row];
-    static SPM_REFLECTION points[reflections];
-    SPM_SPECTRUM spectrum;
+    SPM_LAB values[3];
+    SPM_REFLECTION points[36];
+    SPM_SPECTRUM spectrum = {SPM_getNumberOfReflections(handle), points};
     int32_t count;
-    EXPECT(read(handle, values, &count, row) && count == row);
-    EXPECT(values[0].L > 36 && values[0].L < 37 && values[2].b < -10);
-    spectrum.numberOfReflections = SPM_getNumberOfReflections(handle);
-    spectrum.reflections = points;
-    EXPECT(spectrum.numberOfReflections == reflections);
+    EXPECT(spectrum.numberOfReflections == 36);
+    do {
+        count = 3;
+        EXPECT(SPM_read(handle, values, &count));
+    } while (count == 0);
+    EXPECT(count == 3 && values[0].L > 36 && values[0].L < 37 && values[2].b < -10);
     do {
         count = 1;
         EXPECT(SPM_readSpectrum(handle, &spectrum, &count));
@@ -91,30 +70,25 @@ static int measure(SPM_HANDLE handle) {
     return 0;
 }
 
-static int use(SPM_HANDLE handle) {
+int host(void) {
     int32_t errors = 0;
-    int32_t count;
+    int32_t count = 1;
     SPM_LAB value;
-    int line;
+    const SPM_HANDLE handle = SPM_create();
     SPM_SUBSCRIPTION* const subscription = SPM_subscribe(handle, count_errors, &errors);
-    EXPECT(subscription != NULL);
-    EXPECT(SPM_open(handle, "USB") && SPM_isOpened(handle));
-    EXPECT(!read(handle, &value, &count, 1) && count == 0 && errors == 1); /* not calibrated */
-    if ((line = check_options(handle)) != 0 || (line = calibrate(handle)) != 0 || (line = measure(handle)) != 0) {
-        return line;
+    int line = check_version();
+    EXPECT(subscription != NULL && SPM_open(handle, "USB") && SPM_isOpened(handle));
+    while (SPM_read(handle, &value, &count) && count == 0) {
+        count = 1;
     }
-    EXPECT(errors == 1);
+    EXPECT(count == 0 && errors == 1); /* not calibrated */
+    if (line == 0) line = check_options(handle);
+    if (line == 0) line = calibrate(handle);
+    if (line == 0) line = measure(handle);
+    EXPECT(line != 0 || errors == 1);
     SPM_close(handle);
     EXPECT(!SPM_isOpened(handle));
     SPM_unsubscribe(subscription);
-    return 0;
-}
-
-int host(void) {
-    const SPM_HANDLE handle = SPM_create();
-    int line = check_version();
-    EXPECT(handle != NULL);
-    if (line == 0) line = use(handle);
     SPM_destroy(handle);
     return line;
 }
