@@ -7,9 +7,9 @@
 
 /// A selection of options, with the index of each selected entry in its list, or -1 for none.
 struct SPM_OPTIONS_EX : SPM_OPTIONS {
-    std::int32_t apertureIndex = -1;     ///< Index in the list of apertures.
-    std::int32_t auxiliaryIndex = -1;    ///< Index in the list of auxiliary options.
-    std::int32_t illuminationIndex = -1; ///< Index in the list of illuminations.
+    std::int32_t apertureIndex = -1;
+    std::int32_t auxiliaryIndex = -1;
+    std::int32_t illuminationIndex = -1;
 
     /// Selects nothing.
     SPM_OPTIONS_EX() : SPM_OPTIONS{} {}
@@ -19,10 +19,10 @@ struct SPM_OPTIONS_EX : SPM_OPTIONS {
 
 /// A calibration request or reply, with the index of each selected entry in its list, or -1 for none.
 struct SPM_CALIBRATION_EX : SPM_CALIBRATION {
-    std::int32_t apertureIndex = -1;     ///< Index in the list of apertures.
-    std::int32_t auxiliaryIndex = -1;    ///< Index in the list of auxiliary options.
-    std::int32_t illuminationIndex = -1; ///< Index in the list of illuminations.
-    std::int32_t referenceIndex = -1;    ///< Index in the list of references.
+    std::int32_t apertureIndex = -1;
+    std::int32_t auxiliaryIndex = -1;
+    std::int32_t illuminationIndex = -1;
+    std::int32_t referenceIndex = -1;
 
     /// The reply "nothing was calibrated".
     SPM_CALIBRATION_EX() : SPM_CALIBRATION{} { step = SPM_STEP_NOTHING; }
@@ -64,28 +64,29 @@ struct IScmSPM : CAPLoggingHandler {
     /// Whether the device supports all of these calibration references (bits of their values).
     virtual bool isReferenceSupported(std::uint32_t bits) const = 0;
 
-    // The capability lists. Names are "" if the index is out of range.
+    // The options, references and modes of the device: how many there are, their names, and whether the host may
+    // choose. Names are "" if the index is out of range.
 
-    virtual std::size_t getNumberOfApertures() const = 0;          ///< The number of apertures.
-    virtual const char* getAperture(std::int32_t index) const = 0; ///< The name of an aperture: "4.5 mm".
-    virtual bool hasApertureChoice() const = 0;                    ///< Whether the host may choose the aperture.
+    virtual std::size_t getNumberOfApertures() const = 0;
+    virtual const char* getAperture(std::int32_t index) const = 0; ///< Such as "4.5 mm".
+    virtual bool hasApertureChoice() const = 0;
 
-    virtual std::size_t getNumberOfAuxiliaries() const = 0;         ///< The number of auxiliary options.
-    virtual const char* getAuxiliary(std::int32_t index) const = 0; ///< The name of an auxiliary option.
-    virtual bool hasAuxiliaryChoice() const = 0; ///< Whether the host may choose the auxiliary option.
+    virtual std::size_t getNumberOfAuxiliaries() const = 0;
+    virtual const char* getAuxiliary(std::int32_t index) const = 0;
+    virtual bool hasAuxiliaryChoice() const = 0;
 
-    virtual std::size_t getNumberOfIlluminations() const = 0;          ///< The number of illuminations.
-    virtual const char* getIllumination(std::int32_t index) const = 0; ///< The name of an illumination: "UV Included".
-    virtual bool hasIlluminationChoice() const = 0; ///< Whether the host may choose the illumination.
+    virtual std::size_t getNumberOfIlluminations() const = 0;
+    virtual const char* getIllumination(std::int32_t index) const = 0; ///< Such as "UV Included".
+    virtual bool hasIlluminationChoice() const = 0;
 
-    virtual std::size_t getNumberOfReferences() const = 0;          ///< The number of calibration references.
-    virtual const char* getReference(std::int32_t index) const = 0; ///< The name of a reference: "White Reference".
+    virtual std::size_t getNumberOfReferences() const = 0;
+    virtual const char* getReference(std::int32_t index) const = 0; ///< Such as "White Reference".
 
-    virtual std::size_t getNumberOfModes() const = 0; ///< The number of measuring modes.
+    virtual std::size_t getNumberOfModes() const = 0;
     /// Returns a mode; the first one if the index is out of range, null if the device has no modes.
     virtual const SPM_MODE* getMode(std::int32_t index) const = 0;
 
-    virtual std::size_t getNumberOfDevices() const = 0; ///< The number of device connections.
+    virtual std::size_t getNumberOfDevices() const = 0;
     /// Returns the name of a device connection, to pass to open: the one at the index, or the first if the index is
     /// past the end. A negative index stands for the connection in the setting "Device", or the first if the setting
     /// names none of them. Null if the device has no connections.
@@ -97,7 +98,7 @@ struct IScmSPM : CAPLoggingHandler {
     /// See SPM_close.
     /// @throws CAPException  if a call of the vendor's library fails
     virtual void close() = 0;
-    virtual bool isOpened() = 0; ///< See SPM_isOpened.
+    virtual bool isOpened() = 0;
 
     /// Selects options by their exact names. A null or unknown name leaves the option unchanged.
     /// @return whether every list that has entries has a selected one
@@ -109,8 +110,8 @@ struct IScmSPM : CAPLoggingHandler {
     /// See SPM_isCalibrated.
     /// @throws CAPException  if the measuring mode can't be set
     virtual bool isCalibrated() = 0;
-    virtual SPM_CALIBRATION_EX calibrate(const SPM_CALIBRATION_EX& request) = 0; ///< See SPM_calibrate.
-    virtual std::int32_t getNumberOfReflections() const = 0;                     ///< See SPM_getNumberOfReflections.
-    virtual bool readSpectrum(SPM_SPECTRUM* spectra, std::int32_t* count) = 0;   ///< See SPM_readSpectrum.
-    virtual bool read(SPM_LAB* values, std::int32_t* count) = 0;                 ///< See SPM_read.
+    virtual SPM_CALIBRATION_EX calibrate(const SPM_CALIBRATION_EX& request) = 0;
+    virtual std::int32_t getNumberOfReflections() const = 0;
+    virtual bool readSpectrum(SPM_SPECTRUM* spectra, std::int32_t* count) = 0;
+    virtual bool read(SPM_LAB* values, std::int32_t* count) = 0;
 };
