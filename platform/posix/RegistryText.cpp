@@ -186,7 +186,7 @@ std::string missingHeadings(std::string_view text, std::string_view root, std::s
     for (std::size_t end = root.size(); end < key.size();) {
         end = std::min(key.find('\\', end + 1), key.size());
         if (hasKey(text, key.substr(0, end))) continue;
-        headings += lineEnding + '[' + std::string(key.substr(0, end)) + ']' + lineEnding;
+        headings.append(lineEnding).append("[").append(key.substr(0, end)).append("]").append(lineEnding);
     }
     if (headings.empty()) return {};
     if (text.empty()) return std::string(signature) + lineEnding + headings;
