@@ -26,6 +26,8 @@ public:
         if (!call<SPM_open_t>("SPM_open", "USB")) throw failure("not opened", "no instrument is connected");
     }
 
+    Spectrophotometer(const Spectrophotometer&) = delete; // the subscription has the address of `reason`
+
     /// Takes one step of the calibration dialogue. Begin with a `step` of SPM_STEP_BEGIN, and repeat the call while it
     /// is SPM_STEP_CONTINUE.
     void calibrate(SPM_CALIBRATION& dialogue) {
