@@ -11,8 +11,9 @@
 
 /// A log file with one line per message, written to the file before the call returns.
 ///
-/// A line is "2026-03-01 14:05:09 (UTC+01:00) [process:thread:source] " followed by the message's ToString. No
-/// operation reports a failure: if the file can't be opened or written, its lines are lost.
+/// A line is "2026-03-01 14:05:09 (UTC+01:00) [process:thread:source] " followed by the message's ToString: the local
+/// time, the zone's offset without daylight saving, and hexadecimal numbers in brackets. No operation reports a
+/// failure: if the file can't be opened or written, its lines are lost.
 ///
 /// Each line is one write, so lines of several threads, objects and processes never mix. Only regular files are opened.
 /// If another process keeps the file locked, a line is delayed briefly but still written. If the file ends with an

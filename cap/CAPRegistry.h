@@ -13,7 +13,8 @@
 /// Failures (missing rights, key or value; a value of the wrong type) are not reported: the value reads as its default.
 class CAPRegistry {
 public:
-    /// Opens the key. Creates it and its missing parents if the process has the rights.
+    /// Opens the key, creating it and its missing parents if needed. Needs write access to HKEY_LOCAL_MACHINE\SOFTWARE,
+    /// even if the key exists; without it, all values read as their defaults.
     /// @param subkey  path below SOFTWARE\Kestrova
     explicit CAPRegistry(std::string subkey);
     CAPRegistry(const CAPRegistry&) = delete;

@@ -30,6 +30,7 @@ int32_t I1PRO3_OpenDevice(I1PRO3_DeviceHandle device);
 /** Closes an instrument. It may already be closed. */
 int32_t I1PRO3_CloseDevice(I1PRO3_DeviceHandle device);
 
+/** Returns the connection status. Its values are not documented. */
 int32_t I1PRO3_GetConnectionStatus(I1PRO3_DeviceHandle device);
 
 /** Sets an option, which keeps its value until it is set again. */
@@ -45,7 +46,7 @@ int32_t I1PRO3_SetGlobalOption(const char* key, const char* value);
 /** Reads an option of the library itself as a text; `size` as for I1PRO3_GetOption. */
 int32_t I1PRO3_GetGlobalOption(const char* key, char* buffer, uint32_t* size);
 
-/** Returns I1PRO3_BUTTON_NOT_PRESSED; any other result means that the button has been pressed. */
+/** Returns I1PRO3_BUTTON_NOT_PRESSED until the button is pressed; any other result means that it has been pressed. */
 int32_t I1PRO3_GetButtonStatusD(I1PRO3_DeviceHandle device);
 
 /** Calibrates. The instrument must be on its white reference. */

@@ -40,7 +40,7 @@ std::int32_t deliver(const Delivery* delivery) {
 } // namespace
 
 void SPM_SUBSCRIPTION::HandleMessage(ICAPLoggingSource* /*source*/, const ICAPLoggingMessage& message) {
-    // A negative level counts as debug. The module withholds debug messages from listeners, except those.
+    // A negative level counts as debug, but the module withholds only debug messages of levels above 2.
     if (message.GetLevel() < CAPLevel::error) return;
     try {
         const Delivery delivery{*this, message, message.GetText(), message.GetDetail()};

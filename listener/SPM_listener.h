@@ -55,7 +55,8 @@ typedef struct SPM_SUBSCRIPTION SPM_SUBSCRIPTION;
 SPM_SUBSCRIPTION* SPM_subscribe(SPM_HANDLE handle, SPM_MESSAGE_CALLBACK callback, void* context);
 
 /**
- * Detaches the callback and ends the subscription. Must be called before SPM_destroy, and not from the callback.
+ * Detaches the callback and ends the subscription. Must be called before SPM_destroy, whose messages the callback
+ * therefore never receives, and not from the callback.
  * @param subscription  ignored if null
  */
 void SPM_unsubscribe(SPM_SUBSCRIPTION* subscription);

@@ -45,7 +45,10 @@ struct SPM_MODE {
 /// It is also a logging hub, to which a host can attach a listener: `handle->AddListener(&listener)`.
 ///
 /// The declaration order defines the virtual table, which compiled hosts rely on: append operations, never insert or
-/// reorder them. SPM.h describes the operations that it exports. Returned texts are valid for the object's lifetime.
+/// reorder them. SPM.h describes the operations that it exports.
+/// Unlike the exported functions, the operations don't check arguments for null unless noted, and those that use the
+/// instrument may throw: a CAPException, or another std::exception if the vendor's library throws. Returned texts are
+/// valid for the object's lifetime.
 struct IScmSPM : CAPLoggingHandler {
     IScmSPM() = default;
     IScmSPM(const IScmSPM&) = delete;
@@ -86,10 +89,10 @@ struct IScmSPM : CAPLoggingHandler {
     /// Returns a mode; the first one if the index is out of range, null if the device has no modes.
     virtual const SPM_MODE* getMode(std::int32_t index) const = 0;
 
-    virtual std::size_t getNumberOfDevices() const = 0;
+    virtual std::size_t getNumberOfDevices() const = 0; ///< Of device connections, not of instruments.
     /// Returns the name of a device connection, to pass to open: the one at the index, or the first if the index is
-    /// past the end. A negative index stands for the connection in the setting "Device", or the first if the setting
-    /// names none of them. Null if the device has no connections.
+    /// past the end. A negative index stands for the connection in the setting "Device" (a REG_SZ in the
+    /// model's key), or the first if the setting names none of them. Null if the device has no connections.
     virtual const char* getDevice(std::int32_t index) const = 0;
 
     /// See SPM_open.

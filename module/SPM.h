@@ -17,25 +17,30 @@
  *   No function throws or terminates the process. On failure, a function returns its failure result, and the object
  *   stays usable. The reason is logged, with the instrument's own error text, if SPM_open, SPM_calibrate, SPM_read,
  *   SPM_readSpectrum or SPM_destroy fails. Nothing is logged if SPM_open finds no instrument or can't close an earlier
- *   connection, or if another function fails.
+ *   connection, if another function fails, and usually if the vendor's library throws an exception.
  *   - Hosts in any language can attach a callback with the library spm_i1pro3_listener (SPM_listener.h).
  *   - C++ hosts built with the module's compiler can attach an ICAPLoggingListener through the interface behind the
  *     handle (IScmSPM.h).
  *   - With the setting "Logging" (a REG_DWORD other than 0 in the registry key
  *     `HKEY_LOCAL_MACHINE\SOFTWARE\Kestrova\SPM`, read by SPM_create), an object also appends its messages to a file
  *     beside the module, with the module's name and the extension ".log". Without a listener, the file only records
- *     when logging started and stopped: the module produces messages only while one is attached.
+ *     when logging started and stopped: the module produces messages only while one is attached. On systems without a
+ *     registry, the settings are in a text file in the REGEDIT4 format, named by the environment variable SPM_REGISTRY
+ *     or /etc/kestrova/registry.reg. They are read only if the process may also write to
+ *     `HKEY_LOCAL_MACHINE\SOFTWARE` or to that file; otherwise logging is off.
  *
  *   Passing null as the handle, or for a record, an array, a count or a text, is a failure, too, unless the function's
- *   description allows it; the count, if any, is set to 0. A destroyed handle can't be detected and must not be passed.
+ *   description allows it; it is not logged, and the count, if any, is set to 0. A destroyed handle can't be detected
+ *   and must not be passed.
  *
  * Ownership
  *   The host owns the object from SPM_create to SPM_destroy, and all memory that it passes. The module writes to that
  *   memory only during the call and keeps no pointer to it.
  *
  * Threads
- *   The module creates no threads and never waits, except inside the vendor's library. Calls on one object must not
- *   overlap. Objects are independent but share the vendor's library and its instruments.
+ *   The module creates no threads. It waits only inside the vendor's library and, briefly, to write to a log file that
+ *   another process has locked. Calls on one object must not overlap. Objects are independent but share the vendor's
+ *   library and its instruments.
  *
  * Texts
  *   NUL-terminated single-byte strings in the code page of the process.
@@ -95,7 +100,7 @@ enum {
     SPM_STEP_BEGIN = 0,    /**< request: begin a calibration */
     SPM_STEP_CONTINUE = 1, /**< request: check the button; reply: waiting for the button, call again */
     SPM_STEP_NOTHING = 3,  /**< reply: nothing was calibrated */
-    SPM_STEP_DONE = 4      /**< reply: calibrated; as a request it has no effect, and the reply is SPM_STEP_DONE */
+    SPM_STEP_DONE = 4      /**< reply: calibrated; as a request: no effect, and repeated while an instrument is open */
 };
 
 /** A request for a calibration step, overwritten with the reply. 20 bytes. */
@@ -264,7 +269,7 @@ SPM_STATUS SPM_getStatus(SPM_HANDLE handle);
  * Performs one step of a calibration.
  *
  * Begin with SPM_STEP_BEGIN. While the reply is SPM_STEP_CONTINUE, ask the user to place the instrument on the
- * reference in the reply and to press its button, and call again with SPM_STEP_CONTINUE. The reply SPM_STEP_DONE means
+ * reference in the reply and to press its button, and call again with SPM_STEP_CONTINUE. Its reply SPM_STEP_DONE means
  * that the instrument is calibrated. SPM_STEP_NOTHING means that nothing was calibrated: no instrument is open, no
  * calibration was begun, the step is unknown, or calibrating failed. Begin again before measuring.
  * @param calibration  the request, overwritten with the reply; unchanged if there is no reply, for instance because
@@ -274,7 +279,7 @@ void SPM_calibrate(SPM_HANDLE handle, SPM_CALIBRATION* calibration);
 
 /**
  * Returns whether the instrument is calibrated. Each call takes a spot measurement to find out.
- * @return true if calibrated, and also if the measurement fails for another reason than a missing calibration; false if
+ * @return true if calibrated, and also if the measurement fails for a reason other than a missing calibration; false if
  *         not calibrated, if no instrument is open, and if the measurement can't be set up
  */
 bool SPM_isCalibrated(SPM_HANDLE handle);

@@ -38,7 +38,7 @@ public struct SpmReflection { public int Wavelength; public float Value; }
 [StructLayout(LayoutKind.Sequential, Pack = 1)]
 public struct SpmSpectrum { public int NumberOfReflections; public IntPtr Reflections; }
 
-/// <summary>Receives the texts as pointers: the callback could not catch an exception of a conversion.</summary>
+/// <summary>Receives the texts as pointers: the callback could not catch an exception of their conversion.</summary>
 [UnmanagedFunctionPointer(CallingConvention.Cdecl)]
 public delegate void SpmMessageCallback(
     IntPtr context, int level, int moduleNumber, int errorNumber, IntPtr text, IntPtr detail);

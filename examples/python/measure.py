@@ -14,8 +14,11 @@ try:
     with spm.Spectrophotometer(sys.argv[1]) as instrument:
         instrument.calibrate(lambda: print("Place the instrument on its white reference and press the button."))
         print("Press the button and slide the instrument along the row.")
-        for lab in instrument.read(6):
+        row = instrument.read(6)
+        for lab in row:
             print("L* %6.2f  a* %6.2f  b* %6.2f" % lab)
+        if len(row) < 6:
+            raise spm.SpmError("not all patches of the row were found")
         print("Place the instrument on a patch and press the button.")
         for wavelength, value in zip(instrument.wavelengths, instrument.read_spectra(1)[0]):
             print(f"{wavelength} nm {value:6.2f} %")
