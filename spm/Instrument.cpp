@@ -74,7 +74,7 @@ std::int32_t Instrument::poll(const std::function<bool(std::int32_t*)>& read, st
         std::int32_t count = patches;
         if (!read(&count)) throw Error("measuring failed: " + listener.take("the module gave no reason"));
         if (count > 0) return count;
-        if (!module.isOpened(handle)) throw Error("measuring failed: the instrument is not open");
+        if (!module.isOpened(handle)) throw Error("measuring failed: the connection to the instrument was lost");
         wait();
     }
 }

@@ -280,7 +280,7 @@ private:
             for (const float value : {reading.lab->L, reading.lab->a, reading.lab->b}) {
                 // Far beyond any surface colour; keeps the arithmetic from overflowing.
                 if (std::abs(value) <= 500) continue;
-                fail(place, fmt::format("\"{}\" is not a number from -500 to 500; use the form -12.34", value));
+                fail(place, fmt::format("{} is out of range; L*, a* and b* must be from -500 to 500", value));
             }
             if (names.insert(reading.name).second) continue;
             fail(place, fmt::format("duplicate patch name \"{}\"; make the names in a reference unique", reading.name));

@@ -81,7 +81,7 @@ TEST(PatchFile, ReadsPatchesOrReportsTheError) {
         {reference, header + "A1,1,2,\n", ", line 2: \"\" is not a number"},
         {reference, header + "A1,,,\n", ", line 2: \"A1\" has no L*, a* and b*; "},
         {reference, header + "A1,1,\"2,5\",3\n", ", line 2: \"2,5\" is not a number"},
-        {reference, header + "A1,1,2,500.1\n", ", line 2: \"500.1\" is not a number from -500 to 500; "},
+        {reference, header + "A1,1,2,500.1\n", ", line 2: 500.1 is out of range; "},
         {reference, header + "A1,nan,2,3\n", ", line 2: \"nan\" is not a number"},
         {chart, "name,nm380_percent\nA1,4e38\n", ", line 2: \"4e38\" is not a number"},
         {reference, header + "A1,1,2,3\nA1,1,2,3\n", ", line 3: duplicate patch name \"A1\"; "},

@@ -224,7 +224,7 @@ TEST_F(Spm, ReportsTheCauseOfEachFailure) {
         {row, 1, "calibrating failed: lamp\nErrorNumber: 9\n", lampFails("Calibrate")},
         {row, 1, "measuring failed: lamp\nErrorNumber: 9\n", lampFails("GetTriStimulus")},
         {{"--spectra"}, 1, "measuring failed: lamp\nErrorNumber: 9\n", lampFails("GetSpectrum")},
-        {row, 1, "measuring failed: the instrument is not open\n", connectionLost},
+        {row, 1, "measuring failed: the connection to the instrument was lost\n", connectionLost},
         {row, 1, "Row 1 of 4: 1 of 2 patches were found; slide more slowly, and start"},
     };
     for (const Case& each : cases) {
