@@ -15,8 +15,9 @@ list(TRANSFORM folders APPEND /*.cpp OUTPUT_VARIABLE cpp_sources)
 list(TRANSFORM folders APPEND /*.h OUTPUT_VARIABLE all_headers)
 file(GLOB sources CONFIGURE_DEPENDS ${c_sources} ${cpp_sources})
 file(GLOB headers CONFIGURE_DEPENDS ${all_headers})
-file(GLOB only_formatted CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/bench/*.cpp ${PROJECT_SOURCE_DIR}/bench/*.h ${PROJECT_SOURCE_DIR}/examples/*.h
-    ${PROJECT_SOURCE_DIR}/examples/*/*.c ${PROJECT_SOURCE_DIR}/examples/*/*.cpp ${PROJECT_SOURCE_DIR}/examples/*/*.h
+file(GLOB only_formatted CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/bench/*.cpp ${PROJECT_SOURCE_DIR}/bench/*.h
+    ${PROJECT_SOURCE_DIR}/examples/*/*.c ${PROJECT_SOURCE_DIR}/examples/*/*.cpp
+    ${PROJECT_SOURCE_DIR}/examples/*.h ${PROJECT_SOURCE_DIR}/examples/*/*.h
     ${PROJECT_SOURCE_DIR}/tests/windows/visual_cpp/host.c)
 set(rules ${PROJECT_SOURCE_DIR}/.clang-tidy ${PROJECT_SOURCE_DIR}/tests/.clang-tidy)
 

@@ -79,8 +79,7 @@ std::string customLine(const std::string& keyword, std::string_view text) {
 std::string descriptor(const Run& run, std::size_t patches) {
     std::string text = coverage(run) + " measured";
     if (run.patchesInRow > 0) text += fmt::format(", in rows of {}", run.patchesInRow);
-    if (patches < measuredCount(run))
-        text += fmt::format("; {} in this table, which has those with these columns", patches);
+    if (patches < measuredCount(run)) text += fmt::format("; this table has {} of them", patches);
     return text;
 }
 
