@@ -5,7 +5,6 @@
 #include "../system.h"
 
 #include <SPM_listener.h>
-#include <stdio.h>
 
 static struct {
     SPM_create_t create;
@@ -31,16 +30,13 @@ static bool find_functions(void* module, void* listener) {
 }
 
 /* Loads the module, and the listener library beside it. */
-static bool load_module(const char* path) {
-    char listener_path[1024];
-    const char* const extension = strrchr(path, '.');
-    const int length = (int)(extension != NULL ? extension - path : (ptrdiff_t)strlen(path));
+static bool load_module(const path_char* path) {
+    path_char listener_path[1024];
+    find_listener(listener_path, sizeof listener_path / sizeof *listener_path, path);
     void* const module = load_library(path);
-    void* listener = NULL;
-    snprintf(listener_path, sizeof listener_path, "%.*s_listener%s", length, path, path + length);
-    if (module != NULL) listener = load_library(listener_path);
+    void* const listener = module != NULL ? load_library(listener_path) : NULL;
     if (listener != NULL && find_functions(module, listener)) return true;
-    fprintf(stderr, "measure: can't load %s: %s\n", module == NULL ? path : listener_path, load_error());
+    fprintf(stderr, "measure: can't load the %s: %s\n", module == NULL ? "module" : "listener library", load_error());
     return false;
 }
 

@@ -9,19 +9,21 @@
 
 class Library {
 public:
-    explicit Library(const std::filesystem::path& path) : file(path.string()), library(load_library(file.c_str())) {
-        if (library == nullptr) throw std::runtime_error("can't load " + file + ": " + load_error());
+    /// @param description  what messages call the library, such as "the module"
+    Library(const std::filesystem::path& path, const std::string& description)
+        : name(description), library(load_library(path.c_str())) {
+        if (library == nullptr) throw std::runtime_error("can't load " + name + ": " + load_error());
     }
 
     /// @tparam Function  the type of a pointer to the function
     template <class Function>
-    Function find(const std::string& name) const {
-        Function function{};
-        if (!find_function(library, name.c_str(), &function)) throw std::runtime_error(file + " has no " + name);
-        return function;
+    Function find(const std::string& function) const {
+        Function found{};
+        if (!find_function(library, function.c_str(), &found)) throw std::runtime_error(name + " has no " + function);
+        return found;
     }
 
 private:
-    std::string file;
+    std::string name;
     void* library;
 };

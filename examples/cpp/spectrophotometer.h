@@ -1,4 +1,4 @@
-// An instrument, open during the object's lifetime. Failures are exceptions with the reason.
+// An instrument. Failures are exceptions with the reason.
 #pragma once
 
 #include "library.h"
@@ -6,8 +6,14 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <new>
 #include <SPM_listener.h>
 #include <vector>
+
+/// No instrument was found: ask the user to connect it, and open again.
+struct NoInstrument : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
 
 class Spectrophotometer {
     template <class Function, class... Arguments>
@@ -17,16 +23,27 @@ class Spectrophotometer {
     }
 
 public:
+    /// Opens the instrument.
     /// @param file  the module; the listener library and the SDK library must be in the same folder
     explicit Spectrophotometer(const std::filesystem::path& file)
-        : module(file), listener(file.parent_path() / (file.stem().string() + "_listener" + file.extension().string())),
-          object(module.find<SPM_create_t>("SPM_create")(), closeAndDestroy()),
-          subscription(listener.find<SPM_subscribe_t>("SPM_subscribe")(object.get(), keepReason, &reason),
-                       listener.find<SPM_unsubscribe_t>("SPM_unsubscribe")) {
-        if (!call<SPM_open_t>("SPM_open", "USB")) throw failure("not opened", "no instrument is connected");
+        : module(file, "the module"), listener(listenerOf(file), "the listener library") {
+        open();
     }
 
     Spectrophotometer(const Spectrophotometer&) = delete; // the subscription has the address of `reason`
+
+    /// Opens the instrument again, for instance after its cable was pulled; calibrate it afterwards. Uses a new
+    /// module object each time: one that can't close its connection can't open another, and doesn't say why.
+    void open() {
+        subscription.reset(); // before its object
+        object.reset(module.find<SPM_create_t>("SPM_create")(), closeAndDestroy());
+        subscription.reset(listener.find<SPM_subscribe_t>("SPM_subscribe")(object.get(), keepReason, &reason),
+                           listener.find<SPM_unsubscribe_t>("SPM_unsubscribe"));
+        if (subscription == nullptr) throw std::bad_alloc();
+        if (call<SPM_open_t>("SPM_open", "USB")) return;
+        if (reason.empty()) throw NoInstrument("not opened: no instrument was found");
+        throw failure("not opened", reason);
+    }
 
     /// Takes one step of the calibration dialogue. Begin with a `step` of SPM_STEP_BEGIN, and repeat the call while it
     /// is SPM_STEP_CONTINUE.
@@ -43,6 +60,10 @@ public:
     }
 
 private:
+    static std::filesystem::path listenerOf(const std::filesystem::path& file) {
+        return (std::filesystem::path(file).replace_extension() += "_listener") += file.extension();
+    }
+
     template <class Function, class Record>
     std::int32_t measure(const char* name, std::vector<Record>& records) {
         auto count = static_cast<std::int32_t>(records.size());

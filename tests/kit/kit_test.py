@@ -45,7 +45,8 @@ README_FRAME = "#include <SPM.h>\n#include <stdio.h>\nvoid readme(void);\nvoid r
 
 
 def run(*command, **options):
-    return subprocess.run([str(part) for part in command], capture_output=True, text=True, check=False, **options)
+    return subprocess.run([str(part) for part in command], capture_output=True, text=True, check=False,
+                          errors="surrogateescape", **options)
 
 
 class Kit(unittest.TestCase):
@@ -53,7 +54,7 @@ class Kit(unittest.TestCase):
 
     @classmethod
     def setUpClass(cls):
-        cls.folder = Path(cls.enterClassContext(tempfile.TemporaryDirectory(prefix="spm test ")))
+        cls.folder = Path(cls.enterClassContext(tempfile.TemporaryDirectory(prefix="spm tést ")))
         cls.prefix = cls.folder / "prefix"
         for component in ("kit", "simulator"):
             cls.succeed("cmake", "--install", BUILD, "--prefix", cls.prefix, "--component", component)
@@ -87,7 +88,7 @@ class Kit(unittest.TestCase):
         lines = result.stdout.splitlines()
         self.assertEqual([line for line in lines if line.startswith("L*")][::5], FIRST_AND_LAST_OF_SIX)
         self.assertEqual(len([line for line in lines if " nm " in line]), 36)
-        for script, failure in ((NO_INSTRUMENT, "not opened: no instrument is connected"),
+        for script, failure in ((NO_INSTRUMENT, "not opened: no instrument was found"),
                                 (LAMP.replace("TriggerMeasurement", "Calibrate"), "not calibrated: lamp\nErrorNumber: 7"),
                                 (LAMP, "not measured: lamp\nErrorNumber: 7")):
             failed = self.run_with(script, *program, self.simulated)
