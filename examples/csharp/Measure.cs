@@ -14,15 +14,15 @@ static class Measure
     {
         instrument.Open();
         instrument.Calibrate(
-            () => Console.WriteLine("Place the instrument on its white reference and press the button."));
+            () => Console.WriteLine("Place the instrument on its white reference and press the button within a minute."));
 
-        Console.WriteLine("Press the button and slide the instrument along the row.");
+        Console.WriteLine("Press the button and slide the instrument along the row, within a minute.");
         var row = instrument.Read(Patches);
         foreach (var patch in row)
             Console.WriteLine(Invariant($"L* {patch.L,6:F2}  a* {patch.A,6:F2}  b* {patch.B,6:F2}"));
         if (row.Length < Patches) throw new SpmException("not all patches of the row were found");
 
-        Console.WriteLine("Place the instrument on a patch and press the button.");
+        Console.WriteLine("Place the instrument on a patch and press the button within a minute.");
         foreach (var point in instrument.ReadSpectra(1)[0])
             Console.WriteLine(Invariant($"{point.Wavelength} nm {point.Value,6:F2} %"));
     }

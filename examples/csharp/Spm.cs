@@ -13,6 +13,7 @@
 using System;
 using System.Collections.Generic;
 using System.ComponentModel;
+using System.Diagnostics;
 using System.IO;
 using System.Linq;
 using System.Runtime.CompilerServices;
@@ -25,12 +26,14 @@ public class SpmException : Exception
     public SpmException(string message) : base(message) { }
 }
 
-/// <summary>SPM_open failed without a message: there is no instrument to talk to. Ask the user to connect it.</summary>
+/// <summary>No instrument was found: ask the user to connect it, and open again.</summary>
 public class NoInstrumentException : SpmException
 {
-    public NoInstrumentException() : base("not opened: no instrument is connected") { }
+    public NoInstrumentException() : base("not opened: no instrument was found") { }
 }
 
+public struct SpmOptionMasks { public uint Aperture, Illumination, Auxiliary, Mode, Reference; }
+public struct SpmStatus { public uint Aperture, Illumination, Auxiliary; }
 public struct SpmCalibration { public uint Aperture, Illumination, Auxiliary, Reference, Step; }
 public struct SpmLab { public float L, A, B; }
 public struct SpmReflection { public int Wavelength; public float Value; }
@@ -43,64 +46,38 @@ public struct SpmSpectrum { public int NumberOfReflections; public IntPtr Reflec
 public delegate void SpmMessageCallback(
     IntPtr context, int level, int moduleNumber, int errorNumber, IntPtr text, IntPtr detail);
 
-/// <summary>A module object and its subscription, released together, by the garbage collector at the latest.</summary>
-public sealed class SpmHandle : SafeHandle
-{
-    private SpmMessageCallback callback; // keeps the delegate alive for as long as the module may call it
-    private IntPtr subscription;
-
-    private SpmHandle() : base(IntPtr.Zero, true) { }
-
-    public override bool IsInvalid { get { return handle == IntPtr.Zero; } }
-
-    [MethodImpl(MethodImplOptions.NoInlining)] // Mono searches for the library when it compiles the caller: after Load
-    public static SpmHandle Create(SpmMessageCallback callback)
-    {
-        SpmHandle created = Spm.SPM_create();
-        created.callback = callback;
-        if (!created.IsInvalid)
-            created.subscription = Spm.SPM_subscribe(created, created.callback, IntPtr.Zero);
-        if (created.subscription != IntPtr.Zero) return created;
-        created.Dispose();
-        throw new OutOfMemoryException();
-    }
-
-    protected override bool ReleaseHandle()
-    {
-        Spm.SPM_unsubscribe(subscription);
-        Spm.SPM_close(handle);
-        Spm.SPM_destroy(handle);
-        return true;
-    }
-}
-
 /// <summary>The functions of both libraries. Calls on one object must not overlap; objects share the SDK.</summary>
 public static class Spm
 {
-    public const uint StepBegin = 0, StepContinue = 1, StepDone = 4;
+    public const uint StepBegin = 0, StepContinue = 1, StepDone = 4; // SPM_STEP_...
 
     private const string Module = "spm_i1pro3", Listener = "spm_i1pro3_listener";
     private const CallingConvention C = CallingConvention.Cdecl;
 
-    [DllImport(Module, CallingConvention = C)] public static extern SpmHandle SPM_create();
-    [DllImport(Module, CallingConvention = C)] internal static extern void SPM_destroy(IntPtr handle);
+    [DllImport(Module, CallingConvention = C)] public static extern uint SPM_getVersion(IntPtr none);
+    [DllImport(Module, CallingConvention = C)] public static extern uint SPM_getMinorVersion();
+    [DllImport(Module, CallingConvention = C)] public static extern IntPtr SPM_create();
+    [DllImport(Module, CallingConvention = C)] public static extern void SPM_destroy(IntPtr handle);
+    [DllImport(Module, CallingConvention = C)] public static extern SpmOptionMasks SPM_getOptionMasks(IntPtr handle);
     [DllImport(Module, CallingConvention = C)] [return: MarshalAs(UnmanagedType.I1)]
-    public static extern bool SPM_open(SpmHandle handle, [MarshalAs(UnmanagedType.LPStr)] string device);
-    [DllImport(Module, CallingConvention = C)] public static extern void SPM_close(SpmHandle handle);
-    [DllImport(Module, CallingConvention = C)] internal static extern void SPM_close(IntPtr handle);
+    public static extern bool SPM_open(IntPtr handle, [MarshalAs(UnmanagedType.LPStr)] string device);
+    [DllImport(Module, CallingConvention = C)] public static extern void SPM_close(IntPtr handle);
     [DllImport(Module, CallingConvention = C)] [return: MarshalAs(UnmanagedType.I1)]
-    public static extern bool SPM_isOpened(SpmHandle handle);
+    public static extern bool SPM_isOpened(IntPtr handle);
+    [DllImport(Module, CallingConvention = C)] public static extern SpmStatus SPM_getStatus(IntPtr handle);
     [DllImport(Module, CallingConvention = C)]
-    public static extern void SPM_calibrate(SpmHandle handle, ref SpmCalibration calibration);
-    [DllImport(Module, CallingConvention = C)] public static extern int SPM_getNumberOfReflections(SpmHandle handle);
+    public static extern void SPM_calibrate(IntPtr handle, ref SpmCalibration calibration);
     [DllImport(Module, CallingConvention = C)] [return: MarshalAs(UnmanagedType.I1)]
-    public static extern bool SPM_read(SpmHandle handle, [In, Out] SpmLab[] values, ref int count);
+    public static extern bool SPM_isCalibrated(IntPtr handle);
+    [DllImport(Module, CallingConvention = C)] public static extern int SPM_getNumberOfReflections(IntPtr handle);
     [DllImport(Module, CallingConvention = C)] [return: MarshalAs(UnmanagedType.I1)]
-    public static extern bool SPM_readSpectrum(SpmHandle handle, [In, Out] SpmSpectrum[] spectra, ref int count);
+    public static extern bool SPM_read(IntPtr handle, [In, Out] SpmLab[] values, ref int count);
+    [DllImport(Module, CallingConvention = C)] [return: MarshalAs(UnmanagedType.I1)]
+    public static extern bool SPM_readSpectrum(IntPtr handle, [In, Out] SpmSpectrum[] spectra, ref int count);
 
     [DllImport(Listener, CallingConvention = C)]
-    internal static extern IntPtr SPM_subscribe(SpmHandle handle, SpmMessageCallback callback, IntPtr context);
-    [DllImport(Listener, CallingConvention = C)] internal static extern void SPM_unsubscribe(IntPtr subscription);
+    public static extern IntPtr SPM_subscribe(IntPtr handle, SpmMessageCallback callback, IntPtr context);
+    [DllImport(Listener, CallingConvention = C)] public static extern void SPM_unsubscribe(IntPtr subscription);
 
     /// <summary>Loads the module and, from the same folder, the listener library; they stay loaded.</summary>
     public static void Load(string module)
@@ -131,28 +108,61 @@ public static class Spm
 }
 
 /// <summary>
-/// An instrument. Use it from one thread at a time. A host with a user interface calls it on another thread, and passes
-/// a CancellationToken to stop waiting for the user.
+/// An instrument. Use it from one thread at a time, and dispose of it: an object that is forgotten keeps its connection
+/// until the process ends, since closing it from a finalizer would reset the SDK library under other objects. A host
+/// with a user interface calls it on another thread, and passes a CancellationToken to stop waiting for the user.
 /// </summary>
 public sealed class Spectrophotometer : IDisposable
 {
-    private readonly SpmHandle handle;
     private readonly List<string> errors = new List<string>(); // of the last call
+    private readonly SpmMessageCallback callback; // keeps the delegate alive for as long as the module may call it
+    private IntPtr handle, subscription;
+
+    /// <summary>How long to wait until the user has pressed the button; a minute by default.</summary>
+    public TimeSpan Patience { get; set; }
+
+    // Mono searches for the libraries when it compiles a method that calls them. Inlined into a method that also calls
+    // the constructor, these would be compiled before the constructor has loaded the libraries.
+    private const MethodImplOptions Late = MethodImplOptions.NoInlining;
+
+    /// <summary>The fourth component of the module's version, and the third. They need no open instrument.</summary>
+    public uint Version { [MethodImpl(Late)] get { return Spm.SPM_getVersion(IntPtr.Zero); } }
+    public uint MinorVersion { [MethodImpl(Late)] get { return Spm.SPM_getMinorVersion(); } }
+
+    public SpmOptionMasks OptionMasks { [MethodImpl(Late)] get { return Spm.SPM_getOptionMasks(handle); } }
+    public SpmStatus Status { [MethodImpl(Late)] get { return Spm.SPM_getStatus(handle); } }
+
+    /// <summary>Takes a spot measurement to find out.</summary>
+    public bool IsCalibrated { [MethodImpl(Late)] get { return Spm.SPM_isCalibrated(handle); } }
 
     /// <param name="module">the module's path; null leaves the search to the runtime</param>
     public Spectrophotometer(string module = null)
     {
         if (module != null) Spm.Load(module);
-        handle = SpmHandle.Create(KeepError);
+        Patience = TimeSpan.FromMinutes(1);
+        callback = KeepError;
     }
 
-    public void Dispose() { handle.Dispose(); }
+    [MethodImpl(Late)]
+    public void Dispose()
+    {
+        Spm.SPM_unsubscribe(subscription);
+        Spm.SPM_close(handle);
+        Spm.SPM_destroy(handle);
+        handle = subscription = IntPtr.Zero;
+    }
 
-    /// <summary>Connects the instrument. Call it again after the connection was lost, and calibrate again.</summary>
+    /// <summary>
+    /// Connects the instrument, also after the connection was lost; calibrate again afterwards. Uses a new module object
+    /// each time: one that can't close its connection can't open another, and doesn't say why.
+    /// </summary>
     public void Open()
     {
-        Spm.SPM_close(handle); // an unplugged instrument would make SPM_open fail
+        Dispose();
         errors.Clear();
+        handle = Spm.SPM_create();
+        subscription = Spm.SPM_subscribe(handle, callback, IntPtr.Zero);
+        if (subscription == IntPtr.Zero) throw new OutOfMemoryException();
         if (Spm.SPM_open(handle, "USB")) return;
         if (errors.Count == 0) throw new NoInstrumentException();
         throw Failure("not opened");
@@ -166,9 +176,9 @@ public sealed class Spectrophotometer : IDisposable
         var dialogue = new SpmCalibration { Step = Spm.StepBegin };
         Spm.SPM_calibrate(handle, ref dialogue);
         if (dialogue.Step == Spm.StepContinue) prompt();
-        while (dialogue.Step == Spm.StepContinue)
+        for (var watch = Stopwatch.StartNew(); dialogue.Step == Spm.StepContinue;)
         {
-            Wait(cancel);
+            Wait(watch, cancel, "not calibrated: the button was not pressed");
             Spm.SPM_calibrate(handle, ref dialogue);
         }
         if (dialogue.Step != Spm.StepDone) throw Failure("not calibrated");
@@ -207,26 +217,28 @@ public sealed class Spectrophotometer : IDisposable
     private int Poll(int patches, CancellationToken cancel, Reading read)
     {
         if (patches < 1) throw new ArgumentOutOfRangeException("patches");
-        for (;;)
+        for (var watch = Stopwatch.StartNew();;)
         {
             errors.Clear();
             int count = patches;
             if (!read(ref count)) throw Failure("not measured");
             if (count > 0) return count;
             if (!Spm.SPM_isOpened(handle)) throw Failure("not measured");
-            Wait(cancel);
+            Wait(watch, cancel, "not measured: the button was not pressed, or no patch found");
         }
     }
 
-    private static void Wait(CancellationToken cancel)
+    private void Wait(Stopwatch watch, CancellationToken cancel, string failure)
     {
+        if (watch.Elapsed > Patience) throw new SpmException(failure);
         cancel.WaitHandle.WaitOne(50);
         cancel.ThrowIfCancellationRequested();
     }
 
     private SpmException Failure(string what)
     {
-        string reason = errors.Count > 0 ? string.Join("\n", errors) : "the connection was lost";
+        string otherwise = handle == IntPtr.Zero ? "the instrument is closed" : "the connection was lost";
+        string reason = errors.Count > 0 ? string.Join("\n", errors) : otherwise;
         return new SpmException(what + ": " + reason);
     }
 
