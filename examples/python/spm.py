@@ -24,7 +24,7 @@ class SpmError(Exception):
 
 
 class NoInstrument(SpmError):
-    """SPM_open failed without a message: there is no instrument to talk to."""
+    """No instrument was found: ask the user to connect it, and open again."""
 
 
 class Calibration(ctypes.Structure):
@@ -59,12 +59,13 @@ def load(path, functions):
 class Spectrophotometer:
     """An open instrument. Use it from one thread at a time.
 
-    wait: called repeatedly until the user presses the button; can raise an exception to give up
+    patience: how many seconds to wait until the user has pressed the button
+    wait: called repeatedly during that time; can raise an exception to give up
     """
 
     wavelengths = list(range(380, 740, 10))  # in nm
 
-    def __init__(self, path, wait=lambda: time.sleep(0.05)):
+    def __init__(self, path, patience=60, wait=lambda: time.sleep(0.05)):
         name, extension = os.path.splitext(os.path.abspath(path))
         self._module = load(name + extension, [
             ("SPM_create", c_void_p), ("SPM_destroy", None, c_void_p), ("SPM_open", c_bool, c_void_p, c_char_p),
@@ -74,8 +75,24 @@ class Spectrophotometer:
             ("SPM_readSpectrum", c_bool, c_void_p, POINTER(Spectrum), POINTER(c_int32))])
         self._listener = load(f"{name}_listener{extension}", [
             ("SPM_subscribe", c_void_p, c_void_p, Callback, c_void_p), ("SPM_unsubscribe", None, c_void_p)])
-        self._wait, self._errors = wait, []
+        self._patience, self._wait, self._errors = patience, wait, []
         self._callback = Callback(self._keep_error)  # lives as long as the subscription
+        self._handle = self._subscription = None
+        self.open()
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        self.close()
+
+    def open(self):
+        """Opens the instrument again, for instance after its cable was pulled; calibrate it afterwards.
+
+        Uses a new module object each time: one that can't close its connection can't open another, and doesn't say why.
+        """
+        self.close()
+        self._errors.clear()
         self._handle = self._module.SPM_create()
         self._subscription = self._listener.SPM_subscribe(self._handle, self._callback, None)
         try:
@@ -83,17 +100,11 @@ class Spectrophotometer:
                 raise MemoryError
             if not self._module.SPM_open(self._handle, b"USB"):
                 if not self._errors:
-                    raise NoInstrument("not opened: no instrument is connected")
+                    raise NoInstrument("not opened: no instrument was found")
                 raise self._failure("not opened")
         except BaseException:
             self.close()
             raise
-
-    def __enter__(self):
-        return self
-
-    def __exit__(self, *_):
-        self.close()
 
     def close(self):
         handle, self._handle = self._handle, None
@@ -109,8 +120,9 @@ class Spectrophotometer:
         self._module.SPM_calibrate(self._handle, dialogue)
         if dialogue.step == CONTINUE:
             prompt()
+        deadline = time.monotonic() + self._patience
         while dialogue.step == CONTINUE:
-            self._wait()
+            self._wait_until(deadline, "not calibrated: the button was not pressed")
             self._module.SPM_calibrate(self._handle, dialogue)
         if dialogue.step != DONE:
             raise self._failure("not calibrated")
@@ -130,6 +142,7 @@ class Spectrophotometer:
     def _poll(self, read, records):
         if not records:
             raise ValueError("the number of patches must be 1 or more")
+        deadline = time.monotonic() + self._patience
         while True:
             self._errors.clear()
             count = c_int32(len(records))
@@ -137,10 +150,16 @@ class Spectrophotometer:
                 raise self._failure("not measured")
             if count.value:
                 return count.value
-            self._wait()
+            self._wait_until(deadline, "not measured: the button was not pressed, or no patch found")
+
+    def _wait_until(self, deadline, failure):
+        if time.monotonic() > deadline:
+            raise SpmError(failure)
+        self._wait()
 
     def _failure(self, what):
-        return SpmError(f"{what}: " + ("\n".join(self._errors) or "the connection was lost"))
+        otherwise = "the connection was lost" if self._handle else "the instrument is closed"
+        return SpmError(f"{what}: " + ("\n".join(self._errors) or otherwise))
 
     def _keep_error(self, _context, level, _module_number, _error_number, text, detail):
         if level == 0:  # 1 is a warning, 2 information
