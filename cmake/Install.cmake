@@ -44,19 +44,23 @@ function(spm_install component folder target)
     endif()
 endfunction()
 
-spm_install(kit ${CMAKE_INSTALL_BINDIR} spm)
 foreach(library spm_i1pro3 spm_i1pro3_listener)
     spm_install(kit ${SPM_MODULE_FOLDER} ${library})
-    spm_install(simulator ${simulator_dir} ${library})
+    if(NOT SPM_MODULE_ONLY)
+        spm_install(simulator ${simulator_dir} ${library})
+    endif()
     if(WIN32)
         install(FILES $<TARGET_LINKER_FILE:${library}> DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT kit)
     endif()
-    if(MINGW)
+    if(MINGW AND NOT SPM_MODULE_ONLY)
         spm_add_visual_cpp_library(${library})
     endif()
 endforeach()
-spm_install(simulator ${simulator_dir} i1Pro364)
-spm_install(simulator ${recorder_dir} recorder)
+if(NOT SPM_MODULE_ONLY)
+    spm_install(kit ${CMAKE_INSTALL_BINDIR} spm)
+    spm_install(simulator ${simulator_dir} i1Pro364)
+    spm_install(simulator ${recorder_dir} recorder)
+endif()
 install(FILES module/SPM.h module/IScmSPM.h listener/SPM_listener.h DESTINATION ${header_dir} COMPONENT kit)
 install(DIRECTORY cap DESTINATION ${header_dir} COMPONENT kit FILES_MATCHING
     PATTERN CAPException.h
@@ -75,8 +79,10 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/spm_i1pro3-config-version
 install(FILES ${PROJECT_BINARY_DIR}/spm_i1pro3-config.cmake ${PROJECT_BINARY_DIR}/spm_i1pro3-config-version.cmake
     DESTINATION ${package_dir} COMPONENT kit)
 
-install(FILES docs/simulator.md DESTINATION ${doc_dir} COMPONENT simulator)
-install(DIRECTORY examples/simulator DESTINATION ${examples_dir} COMPONENT simulator)
+if(NOT SPM_MODULE_ONLY)
+    install(FILES docs/simulator.md DESTINATION ${doc_dir} COMPONENT simulator)
+    install(DIRECTORY examples/simulator DESTINATION ${examples_dir} COMPONENT simulator)
+endif()
 
 if(WIN32)
     # The licences of the libraries that are linked in, from their Debian packages.
