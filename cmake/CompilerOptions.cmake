@@ -1,9 +1,5 @@
 # Compiler and linker options of all targets.
-if(MSVC)
-    add_compile_options(/W4 /permissive- /utf-8)
-else()
-    add_compile_options(-Wall -Wextra -Wpedantic -Wconversion -Wshadow -ffile-prefix-map=${PROJECT_SOURCE_DIR}/=)
-endif()
+add_compile_options(-Wall -Wextra -Wpedantic -Wconversion -Wshadow -ffile-prefix-map=${PROJECT_SOURCE_DIR}/=)
 set(CMAKE_COMPILE_WARNING_AS_ERROR ${SPM_WARNINGS_AS_ERRORS})
 
 if(SPM_SANITIZE)
