@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <optional>
 
 namespace registry {
 
@@ -18,11 +19,12 @@ std::string_view trimmed(std::string_view text) {
     return text.substr(first, text.find_last_not_of(blanks) - first + 1);
 }
 
-std::string_view takeLine(std::string_view& text) {
-    const std::size_t end = std::min(text.find('\n'), text.size());
-    const std::string_view line = text.substr(0, end);
-    text.remove_prefix(std::min(end + 1, text.size()));
-    return trimmed(line);
+/// Removes the text up to a separator from the front of a list and returns it without the blanks around it.
+std::string_view takeUntil(char separator, std::string_view& list) {
+    const std::size_t end = std::min(list.find(separator), list.size());
+    const std::string_view item = list.substr(0, end);
+    list.remove_prefix(std::min(end + 1, list.size()));
+    return trimmed(item);
 }
 
 /// Removes a quoted text from the front of a line and returns it with its escapes \\ and \" resolved.
@@ -40,36 +42,6 @@ std::optional<std::string> takeQuoted(std::string_view& line) {
     return std::nullopt;
 }
 
-/// Removes the "=" after a value's name.
-bool takeEquals(std::string_view& line) {
-    line = trimmed(line);
-    if (!line.starts_with('=')) return false;
-    line = trimmed(line.substr(1));
-    return true;
-}
-
-bool isByteList(std::string_view statement) {
-    return takeQuoted(statement) && takeEquals(statement) && statement.starts_with("hex");
-}
-
-/// Removes the next line and returns it. A list of bytes includes its continuation lines: those after a backslash at
-/// the end of a line, up to a blank line.
-std::string takeStatement(std::string_view& text) {
-    std::string_view line = takeLine(text);
-    std::string statement(line);
-    if (!isByteList(line)) return statement;
-    while (line.ends_with('\\') && !text.empty()) {
-        statement.pop_back();
-        line = takeLine(text);
-        statement += line;
-    }
-    return statement;
-}
-
-std::string_view withoutComment(std::string_view text) {
-    return trimmed(text.substr(0, text.find(';')));
-}
-
 std::optional<DWORD> parseHex(std::string_view digits, std::size_t maxDigits) {
     DWORD number = 0;
     const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number, 16);
@@ -77,94 +49,57 @@ std::optional<DWORD> parseHex(std::string_view digits, std::size_t maxDigits) {
     return isValid ? std::optional(number) : std::nullopt;
 }
 
-std::optional<Value> parseBytes(DWORD type, std::string_view list) {
-    Value value{type, {}};
+std::optional<std::string> parseBytes(std::string_view list) {
+    std::string bytes;
     while (!list.empty()) {
-        const std::size_t comma = std::min(list.find(','), list.size());
-        const std::optional<DWORD> byte = parseHex(trimmed(list.substr(0, comma)), 2);
+        const std::optional<DWORD> byte = parseHex(takeUntil(',', list), 2);
         if (!byte) return std::nullopt;
-        value.data += static_cast<char>(*byte);
-        list.remove_prefix(std::min(comma + 1, list.size()));
+        bytes += static_cast<char>(*byte);
     }
-    return value;
+    return bytes;
 }
 
-/// Parses the part after "=": "text", dword:1f, hex:00,01 or hex(type):00,01.
-std::optional<Value> parseValue(std::string_view text) {
+/// Parses the part after "=": "text", dword:1f or hex(type):00,01, each perhaps followed by a comment.
+std::optional<Value> parseValue(const std::string& name, std::string_view text) {
     constexpr std::string_view dwordPrefix = "dword:";
-    constexpr std::string_view binaryPrefix = "hex:";
-    constexpr std::string_view typedPrefix = "hex(";
-    if (std::optional<std::string> quoted = takeQuoted(text)) {
-        if (!withoutComment(text).empty()) return std::nullopt;
-        quoted->push_back('\0');
-        return Value{REG_SZ, *quoted};
-    }
-    text = withoutComment(text);
+    constexpr std::string_view bytesPrefix = "hex(";
+    const std::optional<std::string> quoted = takeQuoted(text);
+    text = takeUntil(';', text);
+    if (quoted) return text.empty() ? std::optional<Value>({name, REG_SZ, *quoted + '\0'}) : std::nullopt;
     if (text.starts_with(dwordPrefix)) {
         const std::optional<DWORD> number = parseHex(trimmed(text.substr(dwordPrefix.size())), 8);
         if (!number) return std::nullopt;
-        return Value{REG_DWORD, std::string(reinterpret_cast<const char*>(&*number), sizeof *number)};
+        return Value{name, REG_DWORD, std::string(reinterpret_cast<const char*>(&*number), sizeof *number)};
     }
-    if (text.starts_with(binaryPrefix)) return parseBytes(REG_BINARY, text.substr(binaryPrefix.size()));
     const std::size_t close = text.find("):");
-    if (!text.starts_with(typedPrefix) || close == std::string_view::npos) return std::nullopt;
-    const std::optional<DWORD> type = parseHex(text.substr(typedPrefix.size(), close - typedPrefix.size()), 8);
-    return type ? parseBytes(*type, text.substr(close + 2)) : std::nullopt;
+    if (!text.starts_with(bytesPrefix) || close == std::string_view::npos) return std::nullopt;
+    const std::optional<DWORD> type = parseHex(text.substr(bytesPrefix.size(), close - bytesPrefix.size()), 8);
+    const std::optional<std::string> bytes = parseBytes(text.substr(close + 2));
+    return type && bytes ? std::optional<Value>({name, *type, *bytes}) : std::nullopt;
 }
 
-/// Looks up a key and one of its values by applying the statements of a text in order.
-class Lookup {
-public:
-    Lookup(std::string_view wantedKey, std::string_view wantedName) : key(wantedKey), name(wantedName) {}
+std::optional<Value> parseAssignment(std::string_view line) {
+    const std::optional<std::string> name = takeQuoted(line);
+    line = trimmed(line);
+    return name && line.starts_with('=') ? parseValue(*name, trimmed(line.substr(1))) : std::nullopt;
+}
 
-    void run(std::string_view text) {
-        while (!text.empty()) {
-            const std::string statement = takeStatement(text);
-            if (statement.starts_with('[')) {
-                applyHeading(std::string_view(statement).substr(1, statement.rfind(']') - 1));
-            } else if (inKey) {
-                applyAssignment(statement);
-            }
-        }
-    }
-
-    bool hasKey = false;
-    std::optional<Value> value;
-
-private:
-    void applyHeading(std::string_view heading) {
-        const bool deletes = heading.starts_with('-');
-        if (deletes) heading.remove_prefix(1);
-        inKey = !deletes && equalIgnoringCase(heading, key);
-        if (!deletes && isSameOrBelow(heading, key)) hasKey = true;
-        if (deletes && isSameOrBelow(key, heading)) {
-            hasKey = false;
-            value.reset();
-        }
-    }
-
-    void applyAssignment(std::string_view statement) {
-        const std::optional<std::string> valueName = takeQuoted(statement);
-        if (!valueName || !equalIgnoringCase(*valueName, name) || !takeEquals(statement)) return;
-        const std::optional<Value> parsed = parseValue(statement);
-        if (parsed || withoutComment(statement) == "-") value = parsed;
-    }
-
+/// Calls a function with each line of a text, without the blanks around it, and the key of the last heading before it.
+template <class Function>
+void forEachLine(std::string_view text, Function function) {
     std::string_view key;
-    std::string_view name;
-    bool inKey = false;
-};
-
-Lookup lookUp(std::string_view text, std::string_view key, std::string_view name) {
-    Lookup lookup(key, name);
-    lookup.run(text);
-    return lookup;
+    while (!text.empty()) {
+        const std::string_view line = takeUntil('\n', text);
+        const std::size_t end = line.rfind(']');
+        if (line.starts_with('[') && end != std::string_view::npos) key = line.substr(1, end - 1);
+        function(key, line);
+    }
 }
 
 } // namespace
 
 bool isSettingsText(std::string_view text) {
-    return text.empty() || takeLine(text) == signature;
+    return text.empty() || takeUntil('\n', text) == signature;
 }
 
 bool isSameOrBelow(std::string_view key, std::string_view other) {
@@ -173,11 +108,20 @@ bool isSameOrBelow(std::string_view key, std::string_view other) {
 }
 
 bool hasKey(std::string_view text, std::string_view key) {
-    return lookUp(text, key, {}).hasKey;
+    bool found = false;
+    forEachLine(text, [&](std::string_view current, std::string_view) { found |= isSameOrBelow(current, key); });
+    return found;
 }
 
-std::optional<Value> findValue(std::string_view text, std::string_view key, std::string_view name) {
-    return lookUp(text, key, name).value;
+std::vector<Value> valuesOf(std::string_view text, std::string_view key) {
+    std::vector<Value> values;
+    forEachLine(text, [&](std::string_view heading, std::string_view line) {
+        const auto value = equalIgnoringCase(heading, key) ? parseAssignment(line) : std::nullopt;
+        if (!value) return;
+        std::erase_if(values, [&](const Value& earlier) { return equalIgnoringCase(earlier.name, value->name); });
+        values.push_back(*value);
+    });
+    return values;
 }
 
 std::string missingHeadings(std::string_view text, std::string_view root, std::string_view key) {

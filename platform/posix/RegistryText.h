@@ -1,18 +1,19 @@
 #pragma once
 
-// Reads a settings file in the REGEDIT4 format with the result that importing it on Windows would have: lines apply in
-// order, later ones override earlier ones, and "[-key]" and "name"=- delete. Names are not case-sensitive. Unknown
-// lines are ignored, and existing lines are never changed.
+// Reads a settings file in the REGEDIT4 format: headings, and texts, numbers and byte lists on one line each. Later
+// lines override earlier ones. Names are not case-sensitive. Lines in any other form are ignored, and no line is ever
+// changed.
 
 #include "platform/posix/win32.h"
 
-#include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace registry {
 
 struct Value {
+    std::string name;
     DWORD type = 0;
     /// The bytes as stored; a text includes its terminating NUL.
     std::string data;
@@ -27,10 +28,11 @@ bool hasKey(std::string_view text, std::string_view key);
 /// Whether `key` is the key `other` or a key below it.
 bool isSameOrBelow(std::string_view key, std::string_view other);
 
-std::optional<Value> findValue(std::string_view text, std::string_view key, std::string_view name);
+/// The values of a key, each name once.
+std::vector<Value> valuesOf(std::string_view text, std::string_view key);
 
-/// Returns the headings to append to the text to create the key and its missing parents below `root`; empty if none is
-/// missing. Uses the text's own line endings.
+/// Returns what to append to the text so that the key and its parents below `root` have headings; empty if they do.
+/// Uses the text's own line endings.
 std::string missingHeadings(std::string_view text, std::string_view root, std::string_view key);
 
 } // namespace registry

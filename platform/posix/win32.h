@@ -39,17 +39,16 @@ inline constexpr DWORD DLL_PROCESS_ATTACH = 1;
 inline constexpr LSTATUS ERROR_SUCCESS = 0;
 inline constexpr LSTATUS ERROR_FILE_NOT_FOUND = 2;
 inline constexpr LSTATUS ERROR_ACCESS_DENIED = 5;
-inline constexpr LSTATUS ERROR_INVALID_HANDLE = 6;
 inline constexpr LSTATUS ERROR_READ_FAULT = 30;
-inline constexpr LSTATUS ERROR_SHARING_VIOLATION = 32;
-inline constexpr LSTATUS ERROR_INVALID_PARAMETER = 87;
 inline constexpr LSTATUS ERROR_DISK_FULL = 112;
 inline constexpr LSTATUS ERROR_MORE_DATA = 234;
+inline constexpr LSTATUS ERROR_NO_MORE_ITEMS = 259;
 inline constexpr LSTATUS ERROR_BADDB = 1009;
 
-// The registry: a text file in the REGEDIT4 format, named by the environment variable SPM_REGISTRY. The only predefined
-// key is HKEY_LOCAL_MACHINE, and only its subkey SOFTWARE exists, with all keys below.
+// The registry: a text file in the REGEDIT4 format, named by the environment variable SPM_REGISTRY. It is created when
+// a key is opened for writing.
 
+#define HKEY_CURRENT_USER (reinterpret_cast<HKEY>(std::uintptr_t{0x80000001}))
 #define HKEY_LOCAL_MACHINE (reinterpret_cast<HKEY>(std::uintptr_t{0x80000002}))
 
 inline constexpr REGSAM KEY_READ = 0x20019;
@@ -62,6 +61,8 @@ inline constexpr DWORD REG_DWORD = 4;
 LSTATUS RegOpenKeyExA(HKEY parent, const char* path, DWORD options, REGSAM access, HKEY* key);
 LSTATUS RegCreateKeyA(HKEY parent, const char* path, HKEY* key);
 LSTATUS RegQueryValueExA(HKEY key, const char* name, DWORD* reserved, DWORD* type, LPBYTE data, DWORD* size);
+LSTATUS RegEnumValueA(HKEY key, DWORD index, char* name, DWORD* length, DWORD* reserved, DWORD* type, LPBYTE data,
+                      DWORD* size);
 LSTATUS RegCloseKey(HKEY key);
 
 // Modules, processes and threads.

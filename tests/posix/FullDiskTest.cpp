@@ -47,12 +47,13 @@ TEST(FullDisk, LosesLogLinesUntilSpaceIsFree) {
     }
 }
 
-TEST(FullDisk, LeavesSettingsUnchanged) {
+TEST(FullDisk, KeepsSettings) {
     const TempFolder folder;
     const std::string path = (folder / "settings.reg").string();
     const EnvironmentVariable variable("SPM_REGISTRY", path);
-    const std::string before = "REGEDIT4\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM]\n";
+    const std::string before = "REGEDIT4\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM]\n\"Logging\"=dword:7";
     writeFile(path, before);
     withSizeLimit(before.size() + 10, [] { const SPMRegistry key("xrite i1 Pro3"); });
-    EXPECT_EQ(readFile(path), before);
+    EXPECT_TRUE(readFile(path).starts_with(before));
+    EXPECT_EQ(SPMRegistry().readNumber("Logging", 0), 7U);
 }
