@@ -80,6 +80,7 @@ install(FILES ${PROJECT_BINARY_DIR}/spm_i1pro3-config.cmake ${PROJECT_BINARY_DIR
     DESTINATION ${package_dir} COMPONENT kit)
 
 if(NOT SPM_MODULE_ONLY)
+    install(FILES simulator/I1PRO3_Simulator.h DESTINATION ${header_dir} COMPONENT simulator)
     install(FILES docs/simulator.md DESTINATION ${doc_dir} COMPONENT simulator)
     install(DIRECTORY examples/simulator DESTINATION ${examples_dir} COMPONENT simulator)
 endif()

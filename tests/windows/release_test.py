@@ -20,7 +20,7 @@ EXPORTS = (PROJECT / "module/exports.txt").read_text().split()
 IMPORTS = {"ADVAPI32.dll", "KERNEL32.dll", "VERSION.dll", "i1Pro364.dll", "msvcrt.dll"}
 MITIGATIONS = ["IMAGE_DLLCHARACTERISTICS_DYNAMIC_BASE", "IMAGE_DLLCHARACTERISTICS_HIGH_ENTROPY_VA",
                "IMAGE_DLLCHARACTERISTICS_NX_COMPAT"]
-HEADERS = ["IScmSPM.h", "SPM.h", "SPM_listener.h", "cap/CAPException.h", "cap/CAPLoggingHandler.h",
+HEADERS = ["I1PRO3_Simulator.h", "IScmSPM.h", "SPM.h", "SPM_listener.h", "cap/CAPException.h", "cap/CAPLoggingHandler.h",
            "cap/ICAPLoggingListener.h", "cap/ICAPLoggingMessage.h", "cap/ICAPLoggingSource.h"]
 PACKAGE = ["spm_i1pro3-config-version.cmake", "spm_i1pro3-config.cmake"]
 ARCHIVE = ["README.md", "bin/spm.exe", "bin/spm_i1pro3.dll", "bin/spm_i1pro3_listener.dll", "docs/first-contact.md",
