@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/CieLab.h"
 #include "i1pro3/I1PRO3_SDK.h"
 
 #include <array>
@@ -17,14 +18,9 @@ struct Patch {
     Reflectance reflectance;
 };
 
-/// The contribution of one wavelength to the tristimulus values of the perfect diffuser, for one illuminant and
-/// observer.
-struct Weight {
-    double x;
-    double y;
-    double z;
-};
-using Weights = std::array<Weight, I1PRO3_NUMBER_OF_REFLECTIONS>;
+/// For one illuminant and observer, the contribution of each wavelength to the tristimulus values X, Y and Z of the
+/// perfect diffuser.
+using Weights = std::array<common::Triple, I1PRO3_NUMBER_OF_REFLECTIONS>;
 
 /// Parses a chart of at least one patch, in reading order.
 /// @param text  a header line with the wavelengths, then a line per patch: its name and its factors from 0 to 2

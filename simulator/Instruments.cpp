@@ -134,8 +134,8 @@ void Instruments::setGlobalOption(const std::string& key, const std::string& val
 }
 
 Answer Instruments::tristimulus(const Call& call) const {
-    const Lab lab = cieLab(instrumentOf(call).readSample(call.arguments.at("sample")), d65TenDegree);
-    return {.values = {static_cast<float>(lab.L), static_cast<float>(lab.a), static_cast<float>(lab.b)}};
+    const auto [L, a, b] = cieLab(instrumentOf(call).readSample(call.arguments.at("sample")), d65TenDegree);
+    return {.values = {static_cast<float>(L), static_cast<float>(a), static_cast<float>(b)}};
 }
 
 Answer Instruments::spectrum(const Call& call) const {

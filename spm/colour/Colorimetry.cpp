@@ -1,10 +1,10 @@
 #include "spm/colour/Colorimetry.h"
 
+#include "common/CieLab.h"
 #include "spm/colour/CieTable.h"
 #include "spm/Error.h"
 
 #include <algorithm>
-#include <cmath>
 #include <fmt/format.h>
 
 namespace spm {
@@ -12,19 +12,6 @@ namespace spm {
 namespace {
 
 using Spectrum = std::span<const SPM_REFLECTION>;
-
-/// Below the cube of this, labFunction is linear.
-constexpr double linearLimit = 24.0 / 116.0;
-
-/// The function f in the CIELab formulae, of X, Y or Z relative to white.
-double labFunction(double ratio) {
-    if (ratio > linearLimit * linearLimit * linearLimit) return std::cbrt(ratio);
-    return 841.0 / 108.0 * ratio + 16.0 / 116.0;
-}
-
-double inverseLabFunction(double value) {
-    return value > linearLimit ? value * value * value : (value - 16.0 / 116.0) * 108.0 / 841.0;
-}
 
 void requireWavelengths(Spectrum spectrum) {
     int expected = 370;
@@ -83,19 +70,16 @@ Xyz whitePoint(const Conditions& conditions) {
 }
 
 Xyz toXyz(const SPM_LAB& lab, const Xyz& white) {
-    const double fy = (static_cast<double>(lab.L) + 16) / 116;
-    return {white[0] * inverseLabFunction(fy + static_cast<double>(lab.a) / 500), white[1] * inverseLabFunction(fy),
-            white[2] * inverseLabFunction(fy - static_cast<double>(lab.b) / 200)};
+    return common::labToXyz({static_cast<double>(lab.L), static_cast<double>(lab.a), static_cast<double>(lab.b)},
+                            white);
 }
 
 SPM_LAB toLab(std::span<const SPM_REFLECTION> spectrum, const Conditions& conditions) {
     requireWavelengths(spectrum);
     const Xyz white = whitePoint(conditions);
     const Xyz xyz = tristimulus(conditions, [&](std::ptrdiff_t step) { return reflectanceAt(spectrum, step); });
-    const double x = labFunction(xyz[0] / white[0]);
-    const double y = labFunction(xyz[1] / white[1]);
-    const double z = labFunction(xyz[2] / white[2]);
-    return {static_cast<float>(116 * y - 16), static_cast<float>(500 * (x - y)), static_cast<float>(200 * (y - z))};
+    const auto [L, a, b] = common::xyzToLab(xyz, white);
+    return {static_cast<float>(L), static_cast<float>(a), static_cast<float>(b)};
 }
 
 } // namespace spm

@@ -10,7 +10,7 @@ TEST(Colour, ComputesTheLightnessOfNeutralSamples) {
     for (const auto& [factor, lightness] : {std::pair(1.0, 100.0), {0.18, 49.4961}, {0.008, 7.2263}, {0.0, 0.0}}) {
         simulator::Reflectance neutral;
         neutral.fill(factor);
-        EXPECT_NEAR(cieLab(neutral, weights).L, lightness, 1e-4);
+        EXPECT_NEAR(simulator::cieLab(neutral, weights)[0], lightness, 1e-4);
     }
 }
 
