@@ -1,34 +1,47 @@
 #include "common/Text.h"
 
 #include <algorithm>
-#include <cwchar>
+#include <cstdint>
 #include <fmt/format.h>
-#include <locale>
 
 namespace common {
 
 namespace {
 
-/// Returns the position of the first byte that is NUL or not valid UTF-8; the text's size if there is none.
-std::size_t findInvalidByte(std::string_view text) {
-    using Facet = std::codecvt<char32_t, char8_t, std::mbstate_t>;
-    const std::u8string bytes(text.begin(), text.end());
-    std::u32string characters(bytes.size(), U'\0');
-    std::mbstate_t state{};
-    const char8_t* stop = bytes.data();
-    char32_t* end = characters.data();
-    std::use_facet<Facet>(std::locale::classic())
-        .in(state, bytes.data(), bytes.data() + bytes.size(), stop, end, end + characters.size(), end);
-    return std::min(static_cast<std::size_t>(stop - bytes.data()), std::min(text.find('\0'), text.size()));
+/// Returns the length of the valid UTF-8 sequence at the beginning of a text; 0 if there is none.
+std::size_t sequenceLength(std::string_view text) {
+    const auto byteAt = [&](std::size_t i) { return i < text.size() ? static_cast<std::uint8_t>(text[i]) : 0; };
+    const int first = byteAt(0);
+    if (first < 0x80) return 1;
+    if (first < 0xC2 || first > 0xF4) return 0;
+    const std::size_t length = first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
+    // The range of the second byte excludes overlong sequences, surrogates and codes above U+10FFFF.
+    const int lowest = first == 0xE0 ? 0xA0 : first == 0xF0 ? 0x90 : 0x80;
+    const int highest = first == 0xED ? 0x9F : first == 0xF4 ? 0x8F : 0xBF;
+    if (byteAt(1) < lowest || byteAt(1) > highest) return 0;
+    for (std::size_t i = 2; i < length; ++i) {
+        if ((byteAt(i) & 0xC0) != 0x80) return 0;
+    }
+    return length;
 }
 
 } // namespace
+
+std::size_t findInvalidUtf8(std::string_view text) {
+    std::size_t position = 0;
+    while (position < text.size()) {
+        const std::size_t length = sequenceLength(text.substr(position));
+        if (length == 0) break;
+        position += length;
+    }
+    return position;
+}
 
 void requireUtf8(std::string_view text, std::string_view description) {
     if (text.starts_with("\xFF\xFE") || text.starts_with("\xFE\xFF")) {
         throw TextError(fmt::format("{} is UTF-16; save it as UTF-8", description));
     }
-    const std::size_t invalid = findInvalidByte(text);
+    const std::size_t invalid = std::min(findInvalidUtf8(text), text.find('\0'));
     if (invalid == text.size()) return;
     const std::string_view before = text.substr(0, invalid);
     throw TextError(fmt::format("{}, line {}, byte {}: {} (0x{:02X}); save it as UTF-8", description,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -11,6 +12,9 @@ class TextError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
+
+/// Returns the position of the first byte that is not valid UTF-8; the text's size if there is none.
+std::size_t findInvalidUtf8(std::string_view text);
 
 /// Checks that a text is UTF-8 without NUL bytes.
 /// @param description  a description of the text for error messages

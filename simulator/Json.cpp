@@ -1,5 +1,7 @@
 #include "simulator/Json.h"
 
+#include "common/Text.h"
+
 #include <cstdint>
 
 namespace simulator {
@@ -31,11 +33,8 @@ ScriptError errorIn(const std::string& place, const Json::exception& error) {
     return ScriptError{place + ": " + what};
 }
 
-Json jsonOf(const std::string& text) try {
-    Json json(text);
-    static_cast<void>(json.dump()); // throws if the text isn't UTF-8
-    return json;
-} catch (const Json::type_error&) {
+Json jsonOf(const std::string& text) {
+    if (common::findInvalidUtf8(text) == text.size()) return text;
     return std::vector<std::uint8_t>(text.begin(), text.end());
 }
 

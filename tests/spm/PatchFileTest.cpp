@@ -92,6 +92,7 @@ TEST(PatchFile, ReadsPatchesOrReportsTheError) {
         {chart, "name\nA1\ngr\xFCn\n", ", line 3, byte 3: this is not UTF-8 (0xFC); save it as UTF-8"},
         {chart, "name\n\xC1\x81\n", ", line 2, byte 1: "},
         {chart, "name\n\xE0\x9F\xBF\n", ", line 2, byte 1: "},
+        {chart, "name\n\xED\xA0\x80\n", ", line 2, byte 1: "},
         {chart, "name\n\xF4\x90\x80\x80\n", ", line 2, byte 1: "},
         {chart, "name\n\xE2\x82", ", line 2, byte 1: "},
         {chart, "\xEF\xBB\xBFname\n\xF0\x9F\x8E\xA8\xED\x9F\xBF\x80", ", line 2, byte 8: "},
