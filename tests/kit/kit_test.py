@@ -1,4 +1,4 @@
-"""Installs and uses the kit for host developers; checks the reference, the libraries and the layers.
+"""Installs and uses the kit for host developers; checks the reference and the libraries.
 
 Usage: kit_test.py BUILD_FOLDER CLASS, one of the test classes below. Needs the packages that ./check installs.
 """
@@ -223,38 +223,6 @@ class Binary(unittest.TestCase):
             self.assertRegex(headers, r"\n  GNU_RELRO ")
             self.assertRegex(headers, r"\(FLAGS\) +BIND_NOW\n")
             self.assertRegex(headers, r"\n  GNU_STACK .* RW +0x")
-
-
-class Layers(unittest.TestCase):
-    """Which folder may include which headers; the table in CONTRIBUTING.md has the same rules."""
-
-    allowed = {
-        "platform": "platform/",
-        "cap": "cap/|platform/",
-        "module": "module/|cap/|platform/|SPM.h|version.h",
-        "i1pro3": "i1pro3/|module/|cap/|platform/ForeignCall.h",
-        "listener": "listener/|module/IScmSPM.h|platform/ForeignCall.h|SPM.h",
-        "common": "common/|platform/win32.h",
-        "simulator": "simulator/|common/|i1pro3/I1PRO3_SDK.h|version.h",
-        "spm": "spm/|common/|module/SPM.h|module/IScmSPM.h|module/SPMRegistry.h|cap/CAPFileVersionInfo.h",
-    }
-    of_the_module = ("platform", "cap", "module", "i1pro3", "listener")
-
-    @staticmethod
-    def includes(folder):
-        for path in (PROJECT / folder).rglob("*"):
-            if path.suffix in (".h", ".cpp", ".in", ".c"):
-                for mark, name in re.findall(r'^\s*#\s*include\s*([<"])([^>"]+)', path.read_text(), re.MULTILINE):
-                    yield path.name, mark, name
-
-    def test_includes_run_one_way(self):
-        libraries = re.compile(r"(fmt|nlohmann|kainjow|CLI|gtest|boost|spdlog)")
-        for folder, allowed in self.allowed.items():
-            includes = list(self.includes(folder))
-            self.assertIn('"', [mark for _, mark, _ in includes], folder)
-            for file, mark, name in includes:
-                self.assertTrue(mark == "<" or re.match(allowed, name), f"{file} includes {name}")
-                self.assertFalse(folder in self.of_the_module and libraries.match(name), f"{file} includes {name}")
 
 
 if __name__ == "__main__":
