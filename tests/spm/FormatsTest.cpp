@@ -44,9 +44,9 @@ TEST(Formats, MatchTheirGoldenFiles) {
                                                                                         {".txt", tables}};
     const std::string folder = SOURCE_FOLDER "/tests/spm/data/";
     for (const auto& [extension, format] : formats) {
-        EXPECT_EQ(format(simulatedRows()), readFile(folder + "rows" + extension));
+        expectGolden(format(simulatedRows()), folder + "rows" + extension);
         if (format != spm::formatCsv && format != tables) continue; // the other formats have nothing new for spots
-        EXPECT_EQ(format(measuredSpots()), readFile(folder + "spots" + extension));
+        expectGolden(format(measuredSpots()), folder + "spots" + extension);
     }
 }
 

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <fstream>
+#include <gtest/gtest.h>
 #include <random>
 #include <sstream>
 #include <stdexcept>
@@ -36,6 +37,11 @@ std::string readText(const fs::path& path) {
     if (std::erase(text, '\r') != lines * (lineEnd.size() - 1))
         throw std::runtime_error("a line ending of another system");
     return text;
+}
+
+void expectGolden(const std::string& text, const fs::path& golden) {
+    if (std::getenv("SPM_WRITE_GOLDEN") != nullptr) writeFile(golden, text);
+    EXPECT_EQ(text, readFile(golden)) << golden;
 }
 
 std::vector<std::string> linesOf(const std::string& text) {

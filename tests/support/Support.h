@@ -29,6 +29,8 @@ std::string readFile(const std::filesystem::path& path);
 /// Returns the content of a text file, with the system's line endings converted to '\n'.
 /// @throws std::runtime_error  if a line has another line ending
 std::string readText(const std::filesystem::path& path);
+/// Compares a text with a golden file; if the environment variable SPM_WRITE_GOLDEN is set, writes the file instead.
+void expectGolden(const std::string& text, const std::filesystem::path& golden);
 std::vector<std::string> linesOf(const std::string& text);
 
 /// Sets an environment variable for the object's lifetime.
