@@ -1,9 +1,17 @@
 #pragma once
 
+#if __cplusplus < 201703L
+#error "IScmSPM.h needs C++17; hosts in other languages use SPM_listener.h"
+#endif
+
 #include "cap/CAPLoggingHandler.h"
 #include "SPM.h" // beside this header, also where it is installed
 
 #include <cstddef>
+
+#ifdef _LIBCPP_VERSION
+#error "IScmSPM.h needs the module's standard library, libstdc++; hosts with libc++ use SPM_listener.h"
+#endif
 
 /// A selection of options, with the index of each selected entry in its list, or -1 for none.
 struct SPM_OPTIONS_EX : SPM_OPTIONS {

@@ -21,13 +21,12 @@
  *   - Hosts in any language can attach a callback with the library spm_i1pro3_listener (SPM_listener.h).
  *   - C++ hosts built with the module's compiler can attach an ICAPLoggingListener through the interface behind the
  *     handle (IScmSPM.h).
- *   - With the setting "Logging" (a REG_DWORD other than 0 in the registry key
- *     `HKEY_LOCAL_MACHINE\SOFTWARE\Kestrova\SPM`, read by SPM_create), an object also appends its messages to a file
- *     beside the module, with the module's name and the extension ".log". Without a listener, the file only records
- *     when logging started and stopped: the module produces messages only while one is attached. On systems without a
- *     registry, the settings are in a text file in the REGEDIT4 format, named by the environment variable SPM_REGISTRY
- *     or /etc/kestrova/registry.reg. They are read only if the process may also write to
- *     `HKEY_LOCAL_MACHINE\SOFTWARE` or to that file; otherwise logging is off.
+ *   - With the setting "Logging", an object also appends its messages to a file beside the module, as long as a
+ *     listener is attached (docs/settings.md).
+ *
+ *   SPM_open first closes the object's earlier connection, and returns false without a message as long as that fails. A
+ *   host therefore recovers with a new object: SPM_close and SPM_destroy, then SPM_create, SPM_open and a calibration.
+ *   If SPM_open of a new object returns false without a message, no instrument was found.
  *
  *   Passing null as the handle, or for a record, an array, a count or a text, is a failure, too, unless the function's
  *   description allows it; it is not logged, and the count, if any, is set to 0. A destroyed handle can't be detected
@@ -39,8 +38,14 @@
  *
  * Threads
  *   The module creates no threads. It waits only inside the vendor's library and, briefly, to write to a log file that
- *   another process has locked. Calls on one object must not overlap. Objects are independent but share the vendor's
- *   library and its instruments.
+ *   another process has locked. Calls on one object must not overlap.
+ *
+ * Several objects
+ *   Use one object at a time. Objects share the vendor's library and its instruments: SPM_close of one object closes
+ *   the instrument that another has open, and SPM_close and SPM_destroy of one reset the library for all.
+ *
+ *   A process has one SDK library. Once the module was loaded with a simulated one, the real module gets simulated
+ *   values, too, until the process ends. Only a simulated SDK library exports I1PRO3_SimulatorDescription.
  *
  * Texts
  *   NUL-terminated single-byte strings in the code page of the process.
@@ -148,48 +153,6 @@ typedef struct SPM_VERSION {
 
 #pragma pack(pop)
 
-/** @cond checks of the binary interface, where the language has them */
-#if defined(__cplusplus) && (__cplusplus >= 201103L || (defined(_MSC_VER) && _MSC_VER >= 1900))
-#define SPM_STATIC_ASSERT static_assert
-#define SPM_ALIGNOF alignof
-#elif defined(__STDC_VERSION__) && __STDC_VERSION__ >= 201112L
-#define SPM_STATIC_ASSERT _Static_assert
-#define SPM_ALIGNOF _Alignof
-#endif
-#ifdef SPM_STATIC_ASSERT
-SPM_STATIC_ASSERT(sizeof(bool) == 1, "a bool is one byte");
-SPM_STATIC_ASSERT(sizeof(SPM_OPTIONS) == 12, "SPM_OPTIONS");
-SPM_STATIC_ASSERT(offsetof(SPM_OPTIONS, illumination) == 4, "SPM_OPTIONS");
-SPM_STATIC_ASSERT(offsetof(SPM_OPTIONS, auxiliary) == 8, "SPM_OPTIONS");
-SPM_STATIC_ASSERT(sizeof(SPM_STATUS) == 12, "SPM_STATUS");
-SPM_STATIC_ASSERT(offsetof(SPM_STATUS, illumination) == 4, "SPM_STATUS");
-SPM_STATIC_ASSERT(offsetof(SPM_STATUS, auxiliary) == 8, "SPM_STATUS");
-SPM_STATIC_ASSERT(sizeof(SPM_OPTION_MASKS) == 20, "SPM_OPTION_MASKS");
-SPM_STATIC_ASSERT(offsetof(SPM_OPTION_MASKS, illuminationMask) == 4, "SPM_OPTION_MASKS");
-SPM_STATIC_ASSERT(offsetof(SPM_OPTION_MASKS, auxiliaryMask) == 8, "SPM_OPTION_MASKS");
-SPM_STATIC_ASSERT(offsetof(SPM_OPTION_MASKS, modeMask) == 12, "SPM_OPTION_MASKS");
-SPM_STATIC_ASSERT(offsetof(SPM_OPTION_MASKS, referenceMask) == 16, "SPM_OPTION_MASKS");
-SPM_STATIC_ASSERT(sizeof(SPM_CALIBRATION) == 20, "SPM_CALIBRATION");
-SPM_STATIC_ASSERT(offsetof(SPM_CALIBRATION, illumination) == 4, "SPM_CALIBRATION");
-SPM_STATIC_ASSERT(offsetof(SPM_CALIBRATION, auxiliary) == 8, "SPM_CALIBRATION");
-SPM_STATIC_ASSERT(offsetof(SPM_CALIBRATION, reference) == 12, "SPM_CALIBRATION");
-SPM_STATIC_ASSERT(offsetof(SPM_CALIBRATION, step) == 16, "SPM_CALIBRATION");
-SPM_STATIC_ASSERT(sizeof(SPM_LAB) == 12, "SPM_LAB");
-SPM_STATIC_ASSERT(offsetof(SPM_LAB, a) == 4, "SPM_LAB");
-SPM_STATIC_ASSERT(offsetof(SPM_LAB, b) == 8, "SPM_LAB");
-SPM_STATIC_ASSERT(sizeof(SPM_REFLECTION) == 8, "SPM_REFLECTION");
-SPM_STATIC_ASSERT(offsetof(SPM_REFLECTION, value) == 4, "SPM_REFLECTION");
-SPM_STATIC_ASSERT(sizeof(SPM_SPECTRUM) == 12 && SPM_ALIGNOF(SPM_SPECTRUM) == 1, "SPM_SPECTRUM");
-SPM_STATIC_ASSERT(offsetof(SPM_SPECTRUM, reflections) == 4, "SPM_SPECTRUM");
-SPM_STATIC_ASSERT(sizeof(SPM_TEXT) == 12 && SPM_ALIGNOF(SPM_TEXT) == 1, "SPM_TEXT");
-SPM_STATIC_ASSERT(offsetof(SPM_TEXT, text) == 4, "SPM_TEXT");
-SPM_STATIC_ASSERT(sizeof(SPM_VERSION) == 16 && SPM_ALIGNOF(SPM_VERSION) == 1, "SPM_VERSION");
-SPM_STATIC_ASSERT(offsetof(SPM_VERSION, type) == 4, "SPM_VERSION");
-#undef SPM_STATIC_ASSERT
-#undef SPM_ALIGNOF
-#endif
-/** @endcond */
-
 /**
  * Returns the module's version: the fourth component of its file version. Needs no object.
  * @param version  receives the version and the type (see SPM_getType); may be null
@@ -242,8 +205,9 @@ void SPM_setOptions(SPM_HANDLE handle, const SPM_OPTIONS* options);
  * Connects the first instrument that the vendor's library finds, and sets it to CIELab, D65 and 10 degrees. If the
  * object already has a connection, it is closed first, which also discards its calibration.
  * @param device  name of the device connection, "USB". Only logged; it does not select an instrument
- * @return true if connected; false if there is no instrument or a step failed. After false, the object has no
- *         connection, with two exceptions: if `device` is null, nothing changes; if a listener threw, it may have one
+ * @return true if connected; false if there is no instrument, an earlier connection can't be closed (see "Errors"), or
+ *         a step failed. After false, the object has no connection, with two exceptions: if `device` is null, nothing
+ *         changes; if a listener threw, it may have one
  */
 bool SPM_open(SPM_HANDLE handle, const char* device);
 
@@ -271,7 +235,8 @@ SPM_STATUS SPM_getStatus(SPM_HANDLE handle);
  * Begin with SPM_STEP_BEGIN. While the reply is SPM_STEP_CONTINUE, ask the user to place the instrument on the
  * reference in the reply and to press its button, and call again with SPM_STEP_CONTINUE. Its reply SPM_STEP_DONE means
  * that the instrument is calibrated. SPM_STEP_NOTHING means that nothing was calibrated: no instrument is open, no
- * calibration was begun, the step is unknown, or calibrating failed. Begin again before measuring.
+ * calibration was begun, the step is unknown, or calibrating failed. Begin again before measuring. SPM_STEP_CONTINUE
+ * after a finished calibration doesn't calibrate again: its reply is SPM_STEP_DONE until the next SPM_STEP_BEGIN.
  * @param calibration  the request, overwritten with the reply; unchanged if there is no reply, for instance because
  *                     `handle` is null or a listener threw
  */
@@ -336,5 +301,47 @@ typedef bool (*SPM_readSpectrum_t)(SPM_HANDLE handle, SPM_SPECTRUM* spectra, int
 #ifdef __cplusplus
 }
 #endif
+
+/** @cond checks of the binary interface, where the language has them */
+#if defined(__cplusplus) && (__cplusplus >= 201103L || (defined(_MSC_VER) && _MSC_VER >= 1900))
+#define SPM_STATIC_ASSERT static_assert
+#define SPM_ALIGNOF alignof
+#elif defined(__STDC_VERSION__) && __STDC_VERSION__ >= 201112L
+#define SPM_STATIC_ASSERT _Static_assert
+#define SPM_ALIGNOF _Alignof
+#endif
+#ifdef SPM_STATIC_ASSERT
+SPM_STATIC_ASSERT(sizeof(bool) == 1, "a bool is one byte");
+SPM_STATIC_ASSERT(sizeof(SPM_OPTIONS) == 12, "SPM_OPTIONS");
+SPM_STATIC_ASSERT(offsetof(SPM_OPTIONS, illumination) == 4, "SPM_OPTIONS");
+SPM_STATIC_ASSERT(offsetof(SPM_OPTIONS, auxiliary) == 8, "SPM_OPTIONS");
+SPM_STATIC_ASSERT(sizeof(SPM_STATUS) == 12, "SPM_STATUS");
+SPM_STATIC_ASSERT(offsetof(SPM_STATUS, illumination) == 4, "SPM_STATUS");
+SPM_STATIC_ASSERT(offsetof(SPM_STATUS, auxiliary) == 8, "SPM_STATUS");
+SPM_STATIC_ASSERT(sizeof(SPM_OPTION_MASKS) == 20, "SPM_OPTION_MASKS");
+SPM_STATIC_ASSERT(offsetof(SPM_OPTION_MASKS, illuminationMask) == 4, "SPM_OPTION_MASKS");
+SPM_STATIC_ASSERT(offsetof(SPM_OPTION_MASKS, auxiliaryMask) == 8, "SPM_OPTION_MASKS");
+SPM_STATIC_ASSERT(offsetof(SPM_OPTION_MASKS, modeMask) == 12, "SPM_OPTION_MASKS");
+SPM_STATIC_ASSERT(offsetof(SPM_OPTION_MASKS, referenceMask) == 16, "SPM_OPTION_MASKS");
+SPM_STATIC_ASSERT(sizeof(SPM_CALIBRATION) == 20, "SPM_CALIBRATION");
+SPM_STATIC_ASSERT(offsetof(SPM_CALIBRATION, illumination) == 4, "SPM_CALIBRATION");
+SPM_STATIC_ASSERT(offsetof(SPM_CALIBRATION, auxiliary) == 8, "SPM_CALIBRATION");
+SPM_STATIC_ASSERT(offsetof(SPM_CALIBRATION, reference) == 12, "SPM_CALIBRATION");
+SPM_STATIC_ASSERT(offsetof(SPM_CALIBRATION, step) == 16, "SPM_CALIBRATION");
+SPM_STATIC_ASSERT(sizeof(SPM_LAB) == 12, "SPM_LAB");
+SPM_STATIC_ASSERT(offsetof(SPM_LAB, a) == 4, "SPM_LAB");
+SPM_STATIC_ASSERT(offsetof(SPM_LAB, b) == 8, "SPM_LAB");
+SPM_STATIC_ASSERT(sizeof(SPM_REFLECTION) == 8, "SPM_REFLECTION");
+SPM_STATIC_ASSERT(offsetof(SPM_REFLECTION, value) == 4, "SPM_REFLECTION");
+SPM_STATIC_ASSERT(sizeof(SPM_SPECTRUM) == 12 && SPM_ALIGNOF(SPM_SPECTRUM) == 1, "SPM_SPECTRUM");
+SPM_STATIC_ASSERT(offsetof(SPM_SPECTRUM, reflections) == 4, "SPM_SPECTRUM");
+SPM_STATIC_ASSERT(sizeof(SPM_TEXT) == 12 && SPM_ALIGNOF(SPM_TEXT) == 1, "SPM_TEXT");
+SPM_STATIC_ASSERT(offsetof(SPM_TEXT, text) == 4, "SPM_TEXT");
+SPM_STATIC_ASSERT(sizeof(SPM_VERSION) == 16 && SPM_ALIGNOF(SPM_VERSION) == 1, "SPM_VERSION");
+SPM_STATIC_ASSERT(offsetof(SPM_VERSION, type) == 4, "SPM_VERSION");
+#undef SPM_STATIC_ASSERT
+#undef SPM_ALIGNOF
+#endif
+/** @endcond */
 
 #endif
