@@ -1,8 +1,11 @@
 # Compiles for Visual C++'s binary interface with clang and lld, which accept its options and define its macros. There
 # is no C runtime: the entry point of a program is its function `host`.
 set(CMAKE_SYSTEM_NAME Windows)
-set(CMAKE_C_COMPILER clang-cl-14)
-set(CMAKE_CXX_COMPILER clang-cl-14)
+file(GLOB versions RELATIVE /usr/bin /usr/bin/clang-cl-*)
+list(SORT versions COMPARE NATURAL ORDER DESCENDING)
+find_program(SPM_CLANG_CL NAMES clang-cl ${versions} REQUIRED)
+set(CMAKE_C_COMPILER ${SPM_CLANG_CL})
+set(CMAKE_CXX_COMPILER ${SPM_CLANG_CL})
 set(CMAKE_C_COMPILER_TARGET x86_64-pc-windows-msvc)
 set(CMAKE_CXX_COMPILER_TARGET x86_64-pc-windows-msvc)
 set(CMAKE_LINKER lld-link)

@@ -4,6 +4,7 @@ Usage: release_test.py BUILD_FOLDER CLASS: the build folder of the preset "windo
 Needs pefile, cpack and Wine.
 """
 
+import re
 import subprocess
 import sys
 import tempfile
@@ -57,7 +58,8 @@ class Library(unittest.TestCase):
 
     def test_reports_its_version(self):
         texts = self.library.FileInfo[0][0].StringTable[0].entries
-        self.assertEqual((texts[b"InternalName"], texts[b"FileVersion"]), (b"spm_i1pro3", b"5.9.0.3"))
+        version = re.search(r"VERSION ([\d.]+) DESC", (PROJECT / "CMakeLists.txt").read_text())[1]
+        self.assertEqual((texts[b"InternalName"], texts[b"FileVersion"]), (b"spm_i1pro3", version.encode()))
         self.assertNotIn(b"Comments", texts)
 
 

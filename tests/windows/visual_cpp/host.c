@@ -20,10 +20,10 @@ static void count_errors(void* context, int32_t level, int32_t module_number, in
 static int check_version(void) {
     char text = 'x';
     SPM_VERSION version = {0, {1, &text}};
-    EXPECT(SPM_getVersion(&version) == 3 && version.version == 3 && text == '\0');
+    EXPECT(SPM_getVersion(&version) > 0 && version.version == SPM_getVersion(NULL) && text == '\0');
     text = 'x';
     SPM_getType(&version.type);
-    EXPECT(text == '\0' && SPM_getMinorVersion() == 0);
+    EXPECT(text == '\0' && SPM_getMinorVersion() < 100);
     return 0;
 }
 
