@@ -14,17 +14,20 @@ include(CMakePackageConfigHelpers)
 set(header_dir ${CMAKE_INSTALL_INCLUDEDIR}/${PROJECT_NAME})
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/${PROJECT_NAME})
 if(WIN32)
+    set(readme_dir .)
+    set(not_here PATTERN *.config EXCLUDE) # Mono's names of the libraries on Linux
     set(doc_dir docs)
     set(examples_dir examples)
     set(simulator_dir simulator)
     set(recorder_dir recorder)
-    install(FILES docs/windows.md DESTINATION . RENAME README.md COMPONENT kit)
 else()
-    set(doc_dir ${CMAKE_INSTALL_DOCDIR})
+    set(readme_dir ${CMAKE_INSTALL_DOCDIR})
+    set(doc_dir ${CMAKE_INSTALL_DOCDIR}/docs)
     set(examples_dir ${CMAKE_INSTALL_DOCDIR}/examples)
     set(simulator_dir ${SPM_MODULE_FOLDER}/simulator)
     set(recorder_dir ${SPM_MODULE_FOLDER}/recorder)
     file(RELATIVE_PATH prefix_from_pc /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
+    string(REGEX REPLACE "/$" "" prefix_from_pc ${prefix_from_pc})
     configure_file(cmake/spm_i1pro3.pc.in spm_i1pro3.pc @ONLY)
     install(FILES docs/spm.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT kit)
     install(FILES ${PROJECT_BINARY_DIR}/spm_i1pro3.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT kit)
@@ -66,11 +69,14 @@ install(DIRECTORY cap DESTINATION ${header_dir} COMPONENT kit FILES_MATCHING
     PATTERN CAPException.h
     PATTERN CAPLoggingHandler.h
     PATTERN "ICAPLogging*.h")
-install(FILES docs/first-contact.md docs/host-guide.md docs/report.png docs/settings.md docs/spm.md
+install(FILES docs/kit.md DESTINATION ${readme_dir} RENAME README.md COMPONENT kit)
+install(FILES CHANGELOG.md DESTINATION ${readme_dir} COMPONENT kit)
+install(FILES docs/first-contact.md docs/host-guide.md docs/report.png docs/settings.md docs/spm.md docs/windows.md
     DESTINATION ${doc_dir} COMPONENT kit)
 install(DIRECTORY examples/ DESTINATION ${examples_dir} COMPONENT kit
     PATTERN simulator EXCLUDE
-    PATTERN __pycache__ EXCLUDE)
+    PATTERN __pycache__ EXCLUDE
+    ${not_here})
 
 configure_package_config_file(cmake/spm_i1pro3-config.cmake.in ${PROJECT_BINARY_DIR}/spm_i1pro3-config.cmake
     INSTALL_DESTINATION ${package_dir}

@@ -21,8 +21,8 @@ LISTENER = LIBRARY.replace(".", "_listener.")
 SDK = "i1Pro364.dll" if IS_WINDOWS else "libi1Pro364.so"
 MODULES = "bin" if IS_WINDOWS else "lib/spm_i1pro3"
 SIMULATOR = "simulator" if IS_WINDOWS else "lib/spm_i1pro3/simulator"
-DOCUMENTS = "docs" if IS_WINDOWS else "share/doc/spm_i1pro3"
-EXAMPLES = "examples" if IS_WINDOWS else "share/doc/spm_i1pro3/examples"
+README = "." if IS_WINDOWS else "share/doc/spm_i1pro3"
+EXAMPLES = f"{README}/examples"
 STRICT = "-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror"
 COMPILER = [f"-DCMAKE_C_FLAGS={STRICT}", f"-DCMAKE_CXX_FLAGS={STRICT}",
             *([f"-DCMAKE_TOOLCHAIN_FILE={PROJECT}/cmake/mingw-w64.cmake"] if IS_WINDOWS else [])]
@@ -131,8 +131,8 @@ class Kit(unittest.TestCase):
         """The C code of the guide is a working host, which recovers when the cable was pulled; so is that of the README."""
         source = self.folder / "guide"
         source.mkdir()
-        for page, language, file in ((self.prefix / DOCUMENTS / "host-guide.md", "c", "guide.c"),
-                                     (self.prefix / DOCUMENTS / "host-guide.md", "cpp", "pieces.cpp"),
+        for page, language, file in ((self.prefix / README / "docs/host-guide.md", "c", "guide.c"),
+                                     (self.prefix / README / "docs/host-guide.md", "cpp", "pieces.cpp"),
                                      (PROJECT / "README.md", "c", "readme.c")):
             blocks = re.findall(f"^```{language}\n(.*?)^```$", page.read_text(), re.DOTALL | re.MULTILINE)
             (source / file).write_text("".join(blocks))
@@ -169,13 +169,20 @@ class Kit(unittest.TestCase):
     @unittest.skipIf(IS_WINDOWS, "pkg-config for Windows is not installed")
     def test_pkg_config(self):
         environment = os.environ | {"PKG_CONFIG_PATH": str(self.prefix / "lib/pkgconfig")}
-        for variable, library in (("module", LIBRARY), ("listener", LISTENER)):
+        for variable, library in (("module", MODULES), ("listener", MODULES), ("simulated_module", SIMULATOR),
+                                  ("simulated_listener", SIMULATOR)):
             path = self.succeed("pkg-config", f"--variable={variable}", "spm_i1pro3", env=environment).strip()
-            self.assertEqual(Path(path.replace("\\", "")).resolve(), (self.prefix / MODULES / library).resolve())
+            expected = self.prefix / library / (LISTENER if "listener" in variable else LIBRARY)
+            self.assertTrue(Path(path.replace("\\", "")).samefile(expected), variable)
         flags = self.succeed("pkg-config", "--cflags", "spm_i1pro3", env=environment).strip()
         for include, standard in (("<IScmSPM.h>", "c++17"), ("<SPM_listener.h>", "c++11"), ("<SPM_listener.h>", "c11")):
             compiler = f"c++ -std={standard} {STRICT} {flags} -fsyntax-only -x {standard[:-2]} -"
             self.succeed("sh", "-c", f"echo '#include {include}' | {compiler}")
+
+    def test_links_lead_to_files(self):
+        for page in self.prefix.rglob("*.md"):
+            for target in re.findall(r"\]\((?!https?:)([^)#]+)", page.read_text()):
+                self.assertTrue((page.parent / target).exists(), f"{page.name} links to {target}")
 
     def test_spm_finds_the_installed_module(self):
         spm = [*WINE, self.prefix / f"bin/spm{PROGRAM}", "doctor"]

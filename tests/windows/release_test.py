@@ -24,8 +24,9 @@ MITIGATIONS = ["IMAGE_DLLCHARACTERISTICS_DYNAMIC_BASE", "IMAGE_DLLCHARACTERISTIC
 HEADERS = ["I1PRO3_Simulator.h", "IScmSPM.h", "SPM.h", "SPM_listener.h", "cap/CAPException.h", "cap/CAPLoggingHandler.h",
            "cap/ICAPLoggingListener.h", "cap/ICAPLoggingMessage.h", "cap/ICAPLoggingSource.h"]
 PACKAGE = ["spm_i1pro3-config-version.cmake", "spm_i1pro3-config.cmake"]
-ARCHIVE = ["README.md", "bin/spm.exe", "bin/spm_i1pro3.dll", "bin/spm_i1pro3_listener.dll", "docs/first-contact.md",
+ARCHIVE = ["CHANGELOG.md", "README.md", "bin/spm.exe", "bin/spm_i1pro3.dll", "bin/spm_i1pro3_listener.dll", "docs/first-contact.md",
            "docs/host-guide.md", "docs/report.png", "docs/settings.md", "docs/simulator.md", "docs/spm.md",
+           "docs/windows.md",
            *(f"include/spm_i1pro3/{name}" for name in HEADERS),
            *(f"lib/cmake/spm_i1pro3/{name}" for name in PACKAGE), "lib/libspm_i1pro3.dll.a",
            "lib/libspm_i1pro3_listener.dll.a", "lib/spm_i1pro3.def", "lib/spm_i1pro3.lib", "lib/spm_i1pro3_listener.def",
@@ -33,7 +34,8 @@ ARCHIVE = ["README.md", "bin/spm.exe", "bin/spm_i1pro3.dll", "bin/spm_i1pro3_lis
            "licenses/fmt.txt", "licenses/gcc.txt", "licenses/mingw-w64.txt", "licenses/nlohmann-json.txt",
            "recorder/i1Pro364.dll", "simulator/i1Pro364.dll", "simulator/spm_i1pro3.dll",
            "simulator/spm_i1pro3_listener.dll"]
-EXAMPLES = [str(path.relative_to(PROJECT)) for path in (PROJECT / "examples").rglob("*") if path.is_file()]
+EXAMPLES = [str(path.relative_to(PROJECT)) for path in (PROJECT / "examples").rglob("*")
+            if path.is_file() and path.suffix != ".config"]
 LOGGING = "REGEDIT4\r\n\r\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM]\r\n\"Logging\"={}\r\n"
 
 
