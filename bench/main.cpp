@@ -3,7 +3,7 @@
 // machine. The SDK library is a null implementation: the time of a call is the module's own.
 
 #include "bench/Table.h"
-#include "common/System.h"
+#include "common/Environment.h"
 #include "i1pro3/I1PRO3_SDK.h"
 #include "module/IScmSPM.h"
 

@@ -1,7 +1,8 @@
 // The recorder: a drop-in for the SDK library that forwards each call unchanged to the real library and writes a trace
 // of it. Neither the host nor the real library sees a difference.
 
-#include "common/System.h"
+#include "common/Environment.h"
+#include "common/SharedLibrary.h"
 #include "simulator/Failure.h"
 #include "simulator/I1PRO3_Simulator.h"
 #include "simulator/Trace.h"

@@ -1,6 +1,6 @@
 #include "simulator/Script.h"
 
-#include "common/System.h"
+#include "common/Files.h"
 
 #include <limits>
 #include <set>

@@ -1,6 +1,7 @@
 #include "simulator/Simulator.h"
 
-#include "common/System.h"
+#include "common/Environment.h"
+#include "common/ForeignException.h"
 #include "simulator/I1PRO3_Simulator.h"
 
 #include <algorithm>

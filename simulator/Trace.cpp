@@ -1,6 +1,6 @@
 #include "simulator/Trace.h"
 
-#include "common/System.h"
+#include "common/Files.h"
 
 #include <cerrno>
 #include <charconv>

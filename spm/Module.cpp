@@ -1,6 +1,9 @@
 #include "spm/Module.h"
 
 #include "cap/CAPFileVersionInfo.h"
+#include "common/Environment.h"
+#include "common/LibraryNames.h"
+#include "common/SharedLibrary.h"
 #include "spm/Error.h"
 
 #include <fmt/format.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "common/System.h"
+#include "common/SharedLibrary.h"
 #include "module/IScmSPM.h"
 
 #include <filesystem>

@@ -1,4 +1,3 @@
-#include "common/Spelling.h"
 #include "spm/Console.h"
 #include "spm/doctor/Doctor.h"
 #include "spm/Error.h"
@@ -12,6 +11,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 #include <iostream>
 #include <map>
 
@@ -176,7 +176,7 @@ void addList(CLI::App& app, bool& isListWanted, std::filesystem::path& module) {
     }
 }
 
-/// The error for the first word that is neither a command nor an option, with the name that was probably meant.
+/// The error for the first word that is neither a command nor an option, with the names that are.
 spm::UsageError unknownName(const CLI::App& app) {
     const std::string word = app.remaining(true).front();
     const bool hasCommand = !app.get_subcommands().empty();
@@ -186,9 +186,7 @@ spm::UsageError unknownName(const CLI::App& app) {
     }
     if (!hasCommand) known.insert(known.end(), {"doctor", "measure"});
     const char* const kind = word.starts_with('-') ? "option" : hasCommand ? "argument" : "command";
-    const auto nearest = common::nearestName(word.substr(0, word.find('=')), known);
-    return {fmt::format("unknown {} \"{}\"", kind, word),
-            nearest ? fmt::format("did you mean \"{}\"?", *nearest) : "see --help"};
+    return {fmt::format("unknown {} \"{}\"", kind, word), fmt::format("expected one of {}", fmt::join(known, ", "))};
 }
 
 int run(std::vector<std::string> arguments) {

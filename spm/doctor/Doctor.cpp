@@ -3,6 +3,8 @@
 
 #include "spm/doctor/Doctor.h"
 
+#include "common/LibraryNames.h"
+#include "common/SharedLibrary.h"
 #include "spm/doctor/SdkFunctions.h"
 #include "spm/doctor/Settings.h"
 #include "spm/Error.h"

@@ -1,10 +1,12 @@
 #include "spm/doctor/Settings.h"
 
-#include "common/Spelling.h"
 #include "module/SPMRegistry.h"
 #include "spm/doctor/StoredSettings.h"
 
+#include <algorithm>
+#include <cctype>
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 namespace spm {
 
@@ -15,7 +17,11 @@ constexpr const char* model = "xrite i1 Pro3";
 
 /// Whether a name is one of these, ignoring case.
 bool isOneOf(const std::string& name, const std::vector<std::string>& names) {
-    return common::nearestName(name, names, 0).has_value();
+    return std::ranges::any_of(names, [&](const std::string& each) {
+        return std::ranges::equal(
+            each, name, {}, [](char c) { return std::tolower(static_cast<unsigned char>(c)); },
+            [](char c) { return std::tolower(static_cast<unsigned char>(c)); });
+    });
 }
 
 /// Why the module can't read a settings file with this content.
@@ -87,20 +93,15 @@ Finding describeDevice(const std::vector<std::string>& stored) {
                     key.findString(SPMRegistry::device), stored);
 }
 
-/// Finds stored values that the module doesn't read but that are probably meant for it: unknown names in its keys, and
-/// names similar to its settings in other keys.
-void findMisplaced(const std::vector<std::string>& stored, std::vector<Finding>& findings) {
-    const std::vector<std::string> names{SPMRegistry::logging, SPMRegistry::details, SPMRegistry::device};
+/// Lists values in the module's keys that the module doesn't read.
+void listUnknown(const std::vector<std::string>& stored, std::vector<Finding>& findings) {
     const std::vector<std::string> keys{SPMRegistry::path(), SPMRegistry::path(model)};
-    const std::vector<std::string> known{keys[0] + '\\' + names[0], keys[0] + '\\' + names[1],
-                                         keys[1] + '\\' + names[2]};
+    const std::vector<std::string> known{keys[0] + '\\' + SPMRegistry::logging, keys[0] + '\\' + SPMRegistry::details,
+                                         keys[1] + '\\' + SPMRegistry::device};
     for (const std::string& path : stored) {
-        const std::size_t end = path.rfind('\\');
-        const bool isSimilar = isOneOf(path.substr(0, end), keys) || common::nearestName(path.substr(end + 1), names);
-        if (!isSimilar || isOneOf(path, known)) continue;
-        findings.push_back(
-            {Verdict::note, "Unknown", fmt::format("{} is set, but the module does not read it", path),
-             fmt::format("the most similar setting is {}", *common::nearestName(path, known, std::string::npos))});
+        if (!isOneOf(path.substr(0, path.rfind('\\')), keys) || isOneOf(path, known)) continue;
+        findings.push_back({Verdict::note, "Unknown", fmt::format("{} is set, but the module does not read it", path),
+                            fmt::format("the settings are {}", fmt::join(known, ", "))});
     }
 }
 
@@ -110,7 +111,7 @@ std::vector<Finding> examineSettings() {
     const std::vector<std::string> stored = storedValues();
     std::vector<Finding> findings{describeAccess(), describeNumber(SPMRegistry::logging, stored),
                                   describeNumber(SPMRegistry::details, stored), describeDevice(stored)};
-    findMisplaced(stored, findings);
+    listUnknown(stored, findings);
     return findings;
 }
 

@@ -1,4 +1,4 @@
-#include "common/System.h"
+#include "common/Files.h"
 #include "module/SPMRegistry.h"
 #include "spm/doctor/StoredSettings.h"
 

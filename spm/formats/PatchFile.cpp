@@ -3,7 +3,7 @@
 #include "spm/formats/PatchFile.h"
 
 #include "common/CsvReader.h"
-#include "common/System.h"
+#include "common/Files.h"
 #include "common/Text.h"
 #include "spm/Error.h"
 

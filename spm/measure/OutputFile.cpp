@@ -1,6 +1,6 @@
 #include "spm/measure/OutputFile.h"
 
-#include "common/System.h"
+#include "common/Files.h"
 #include "spm/Error.h"
 
 #include <cerrno>

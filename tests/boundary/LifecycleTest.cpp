@@ -1,3 +1,5 @@
+#include "common/LibraryNames.h"
+#include "common/SharedLibrary.h"
 #include "tests/boundary/ModuleTest.h"
 
 namespace fs = std::filesystem;

@@ -1,5 +1,5 @@
 #include "cap/CAPLoggingMessage.h"
-#include "common/System.h"
+#include "common/ForeignException.h"
 #include "listener/SPM_listener.h"
 #include "tests/boundary/ModuleTest.h"
 

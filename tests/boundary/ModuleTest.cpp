@@ -1,5 +1,8 @@
 #include "tests/boundary/ModuleTest.h"
 
+#include "common/Environment.h"
+#include "common/LibraryNames.h"
+
 namespace fs = std::filesystem;
 
 fs::path installModule(const TempFolder& folder) {

@@ -1,6 +1,8 @@
 // Faults that exist only on POSIX: settings files, file permissions and LD_LIBRARY_PATH.
 
-#include "common/System.h"
+#include "common/Environment.h"
+#include "common/LibraryNames.h"
+#include "common/SharedLibrary.h"
 #include "module/SPMRegistry.h"
 #include "spm/doctor/Settings.h"
 #include "tests/support/Support.h"
@@ -21,8 +23,6 @@ TEST(DoctorOnPosix, ExplainsWhySettingsHaveNoEffect) {
         {"text\n" + begin + "dword:1", "Logging", " is ignored", "fix the settings file first"},
         {begin + "1", "Logging", " is ignored", "write it as \"Logging\"=dword:00000001"},
         {begin + "1\n\"Logging\"=-", "Logging", "0 by default, not set", ""},
-        {"REGEDIT4\n[HKEY_CURRENT_USER\\SOFTWARE\\Kestrova\\SPM]\n\"Detials\"=1\n", "Unknown",
-         "\\SPM\\Detials is set, but", "HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM\\Details"},
     };
     const Settings settings;
     for (const auto& [content, subject, text, advice] : cases) {

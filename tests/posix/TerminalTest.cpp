@@ -1,6 +1,6 @@
 // spm on a terminal: what it shows, and how it reacts to the user.
 
-#include "common/System.h"
+#include "common/Environment.h"
 #include "tests/support/Support.h"
 #include "tests/support/System.h"
 

@@ -2,7 +2,8 @@
 
 #include "spm/doctor/Doctor.h"
 
-#include "common/System.h"
+#include "common/Environment.h"
+#include "common/LibraryNames.h"
 #include "module/SPMRegistry.h"
 #include "spm/doctor/StoredSettings.h"
 #include "tests/support/Support.h"
@@ -112,8 +113,6 @@ TEST(Doctor, DiagnosesEachFault) {
         {[](Installation& its) { its.settings.setNumber("LOGFILE", 1); },
          {{good, "Logging", "0 by default, not set in " + key, ""},
           {note, "Unknown", key + "\\LOGFILE is set, but the module does not ", key + "\\Logging"}}},
-        {[](Installation& its) { its.settings.set(R"(WOW6432Node\Kestrova\SPM)", "Logging", REG_DWORD, "\1\1\1\1"); },
-         {{note, "Unknown", R"(\WOW6432Node\Kestrova\SPM\Logging is set, but)", key + "\\Logging"}}},
         {[](Installation& its) {
              its.settings.set(commonKey, "Logging", REG_SZ, {"1\0", 2});
          },
@@ -186,15 +185,14 @@ TEST(Doctor, FormatsFindings) {
     EXPECT_TRUE(coloured.ends_with("> fix\n\nReady to measure.\n")) << coloured;
 }
 
-TEST(CommandLine, ListsTheInstrumentAndSuggestsNames) {
+TEST(CommandLine, ListsTheInstrumentAndKnownNames) {
     const std::vector<std::tuple<std::vector<std::string>, int, std::string>> cases{
         {{"--version"}, 0, "spm 5.9.0.3"},
         {{"--list"}, 0, "xrite i1 Pro3, responding, SIMULATED: "},
         {{"--list", "doctor"}, 2, "doctor excludes --list"},
         {{"--list", "--module", "missing"}, 1, "spm: can't load the module missing"},
-        {{"mesure", "--rows", "2"}, 2, "spm: unknown command \"mesure\"; did you mean \"measure\"?"},
-        {{"measure", "--ROW=2"}, 2, "spm: unknown option \"--ROW=2\"; did you mean \"--rows\"?"},
-        {{"--colour"}, 2, "spm: unknown option \"--colour\"; see --help"},
+        {{"mesure", "--rows", "2"}, 2, "spm: unknown command \"mesure\"; expected one of "},
+        {{"measure", "--ROW=2"}, 2, "spm: unknown option \"--ROW=2\"; expected one of "},
         {{}, 2, "A subcommand is required"},
     };
     const TempFolder folder;

@@ -1,6 +1,7 @@
 // Runs spm as a user would without a terminal, and tests parts that no run reaches.
 
-#include "common/System.h"
+#include "common/Environment.h"
+#include "common/LibraryNames.h"
 #include "spm/Error.h"
 #include "spm/measure/RunWriter.h"
 #include "tests/support/Support.h"

@@ -1,4 +1,4 @@
-#include "common/System.h"
+#include "common/Environment.h"
 #include "tests/support/System.h"
 
 #include <array>

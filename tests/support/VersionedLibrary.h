@@ -1,7 +1,7 @@
 #pragma once
 
 #include "cap/CAPFileVersionInfo.h"
-#include "common/System.h"
+#include "common/Environment.h"
 #include "tests/support/Support.h"
 #include "tests/support/System.h"
 

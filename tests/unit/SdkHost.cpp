@@ -1,5 +1,7 @@
 #include "tests/unit/SdkHost.h"
 
+#include "common/Environment.h"
+#include "common/LibraryNames.h"
 #include "simulator/I1PRO3_Simulator.h"
 
 #include <iterator>

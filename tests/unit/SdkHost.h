@@ -1,6 +1,6 @@
 #pragma once
 
-#include "common/System.h"
+#include "common/SharedLibrary.h"
 #include "i1pro3/I1PRO3_SDK.h"
 
 #include <exception>

@@ -1,5 +1,7 @@
 #include "simulator/Trace.h"
 
+#include "common/Environment.h"
+#include "common/LibraryNames.h"
 #include "simulator/I1PRO3_Simulator.h"
 #include "tests/support/Support.h"
 #include "tests/unit/SdkHost.h"

@@ -1,3 +1,5 @@
+#include "common/Environment.h"
+#include "common/LibraryNames.h"
 #include "tests/support/VersionedLibrary.h"
 
 namespace {

@@ -1,4 +1,5 @@
-#include "common/System.h"
+#include "common/Environment.h"
+#include "common/LibraryNames.h"
 #include "tests/support/Support.h"
 #include "tests/support/System.h"
 

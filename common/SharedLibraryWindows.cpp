@@ -1,24 +1,14 @@
 #include "common/LibraryFile.h"
-#include "common/System.h"
+#include "common/LibraryNames.h"
+#include "common/SharedLibrary.h"
 #include "platform/win32.h"
 
-#include <array>
 #include <cstddef>
-#include <cstdlib>
-#include <fcntl.h>
-#include <io.h>
-#include <string>
-#include <sys/stat.h>
 #include <system_error>
 
 namespace common {
 
-const char* const moduleFileName = "spm_i1pro3.dll";
-const char* const sdkFileName = "i1Pro364.dll";
-
 namespace {
-
-constexpr DWORD maxTextLength = 32'767;
 
 HMODULE handle(void* library) {
     return static_cast<HMODULE>(library);
@@ -103,45 +93,10 @@ void* libraryOf(const void* address) {
 std::filesystem::path fileOf(const void* address) {
     void* const module = libraryOf(address);
     if (module == nullptr) return {};
-    std::wstring file(maxTextLength, L'\0');
-    file.resize(GetModuleFileNameW(handle(module), file.data(), maxTextLength));
+    constexpr DWORD maxLength = 32'767;
+    std::wstring file(maxLength, L'\0');
+    file.resize(GetModuleFileNameW(handle(module), file.data(), maxLength));
     return file;
-}
-
-void throwForeign(const std::string& /*what*/) {
-    constexpr DWORD visualCppException = 0xE06D7363;
-    static int object = 0;
-    std::array<ULONG_PTR, 4> arguments{0x19930520, reinterpret_cast<ULONG_PTR>(&object), 0, 0};
-    RaiseException(visualCppException, EXCEPTION_NONCONTINUABLE, 4, arguments.data());
-    std::abort(); // not reached
-}
-
-std::filesystem::path programFolder() {
-    return fileOf(reinterpret_cast<const void*>(&programFolder)).parent_path();
-}
-
-std::optional<std::filesystem::path> pathFromEnvironment(const char* variable) {
-    const std::wstring name = std::filesystem::path(variable).native();
-    std::wstring value(maxTextLength, L'\0');
-    value.resize(GetEnvironmentVariableW(name.c_str(), value.data(), maxTextLength));
-    if (value.empty()) return std::nullopt;
-    return value;
-}
-
-std::FILE* createFile(const std::filesystem::path& path, const char* mode) {
-    const int translation = std::string_view(mode).ends_with('b') ? _O_BINARY : _O_TEXT;
-    const int file =
-        _wopen(path.c_str(), _O_CREAT | _O_EXCL | _O_WRONLY | _O_NOINHERIT | translation, _S_IREAD | _S_IWRITE);
-    return file >= 0 ? _fdopen(file, mode) : nullptr;
-}
-
-// Windows ignores case, and dots and spaces at the end of a name.
-bool isSameFileName(const std::filesystem::path& left, const std::filesystem::path& right) {
-    const auto stripped = [](const std::filesystem::path& name) {
-        const std::wstring& text = name.native();
-        return text.substr(0, text.find_last_not_of(L". ") + 1);
-    };
-    return CompareStringOrdinal(stripped(left).c_str(), -1, stripped(right).c_str(), -1, TRUE) == CSTR_EQUAL;
 }
 
 } // namespace common

@@ -1,5 +1,7 @@
+#include "common/Files.h"
 #include "common/LibraryFile.h"
-#include "common/System.h"
+#include "common/LibraryNames.h"
+#include "common/SharedLibrary.h"
 
 #include <cstdlib>
 #include <dlfcn.h>
@@ -10,9 +12,6 @@
 extern "C" [[gnu::visibility("hidden")]] const Elf64_Ehdr __ehdr_start; // NOLINT(bugprone-reserved-identifier)
 
 namespace common {
-
-const char* const moduleFileName = "spm_i1pro3.so";
-const char* const sdkFileName = "libi1Pro364.so";
 
 LibraryDefect findHeaderDefect(std::string_view file) {
     using enum LibraryDefect;
@@ -76,28 +75,6 @@ std::filesystem::path fileOf(const void* address) {
     Dl_info info{};
     if (dladdr(address, &info) == 0) return {};
     return std::filesystem::absolute(info.dli_fname);
-}
-
-void throwForeign(const std::string& what) {
-    throw std::runtime_error(what);
-}
-
-std::filesystem::path programFolder() {
-    return std::filesystem::read_symlink("/proc/self/exe").parent_path();
-}
-
-std::optional<std::filesystem::path> pathFromEnvironment(const char* variable) {
-    const char* const value = std::getenv(variable);
-    if (value == nullptr || *value == '\0') return std::nullopt;
-    return value;
-}
-
-std::FILE* createFile(const std::filesystem::path& path, const char* mode) {
-    return std::fopen(path.c_str(), (std::string(mode) + "xe").c_str());
-}
-
-bool isSameFileName(const std::filesystem::path& left, const std::filesystem::path& right) {
-    return left == right;
 }
 
 } // namespace common

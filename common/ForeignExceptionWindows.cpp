@@ -1,0 +1,17 @@
+#include "common/ForeignException.h"
+#include "platform/win32.h"
+
+#include <array>
+#include <cstdlib>
+
+namespace common {
+
+void throwForeign(const std::string& /*what*/) {
+    constexpr DWORD visualCppException = 0xE06D7363;
+    static int object = 0;
+    std::array<ULONG_PTR, 4> arguments{0x19930520, reinterpret_cast<ULONG_PTR>(&object), 0, 0};
+    RaiseException(visualCppException, EXCEPTION_NONCONTINUABLE, 4, arguments.data());
+    std::abort(); // not reached
+}
+
+} // namespace common
