@@ -1,92 +1,51 @@
 #include "cap/CAPFileVersionInfo.h"
 
+#include "cap/BestTranslation.h"
 #include "cap/FormatText.h"
 #include "cap/ModuleFileName.h"
 
 #include <algorithm>
 #include <cstring>
-#include <memory>
 #include <span>
-#include <string_view>
 #include <vector>
 
 namespace {
 
-constexpr std::array<const char*, CAPFileVersionInfo::textCount> textNames{
+constexpr std::array textNames{
     "CompanyName", "FileDescription", "FileVersion", "InternalName",    "LegalCopyright", "OriginalFileName",
     "ProductName", "ProductVersion",  "Comments",    "LegalTrademarks", "PrivateBuild",   "SpecialBuild",
 };
+constexpr std::size_t comments = 8;
 
-constexpr LANGID primaryLanguage(LANGID language) {
-    return language & 0xFF;
+using Block = std::vector<char>;
+
+/// Returns a file's version data, empty if it has none or can't be read.
+Block readVersionData(const char* path) {
+    Block block(GetFileVersionInfoSizeA(path, nullptr));
+    const auto size = static_cast<DWORD>(block.size());
+    if (size > 0 && GetFileVersionInfoA(path, 0, size, block.data()) != FALSE) return block;
+    return {};
 }
 
-constexpr LANGID neutral = 0;
-constexpr LANGID english = 9;
+/// Returns the value at a path, empty if there is none. Its size is in bytes, or in characters for a text.
+std::span<const char> query(const Block& block, const std::string& path) {
+    void* value = nullptr;
+    UINT length = 0;
+    if (VerQueryValueA(block.data(), path.c_str(), &value, &length) == FALSE) return {};
+    return {static_cast<const char*>(value), length};
+}
 
-/// An entry of the resource's translation table.
-struct Translation {
-    WORD language;
-    WORD codePage;
-};
+std::optional<std::string> queryText(const Block& block, const std::string& path) {
+    const std::span<const char> value = query(block, path);
+    if (value.data() == nullptr) return std::nullopt;
+    return std::string(value.begin(), std::find(value.begin(), value.end(), '\0'));
+}
 
-/// A file's version data, as GetFileVersionInfoA returns it.
-class VersionData {
-public:
-    /// Empty if the file has no version data or can't be read. Reads into a block of the maximum size: asking for the
-    /// size first would read the file twice.
-    explicit VersionData(const char* path)
-        : block(std::make_unique_for_overwrite<char[]>(maxSize)),
-          isEmpty(GetFileVersionInfoA(path, 0, maxSize, block.get()) == FALSE) {}
-
-    bool empty() const { return isEmpty; }
-
-    /// Returns the value at a path, empty if there is none. Its size is in bytes, or in characters for a text.
-    std::span<const char> query(const std::string& path) const {
-        void* value = nullptr;
-        UINT length = 0;
-        if (VerQueryValueA(block.get(), path.c_str(), &value, &length) == FALSE) return {};
-        return {static_cast<const char*>(value), length};
-    }
-
-    std::optional<std::string> text(const std::string& path) const {
-        const std::span<const char> value = query(path);
-        if (value.data() == nullptr) return std::nullopt;
-        return std::string(value.begin(), std::find(value.begin(), value.end(), '\0'));
-    }
-
-    std::vector<Translation> translations() const {
-        const std::span<const char> value = query("\\VarFileInfo\\Translation");
-        std::vector<Translation> table(value.size() / sizeof(Translation));
-        if (!table.empty()) std::memcpy(table.data(), value.data(), table.size() * sizeof(Translation));
-        return table;
-    }
-
-private:
-    /// A resource's length is a 16-bit number, and the system appends a buffer of the same size to convert texts in.
-    static constexpr DWORD maxSize = 2 * 0x10000;
-
-    std::unique_ptr<char[]> block;
-    bool isEmpty;
-};
-
-/// Returns the entry that best matches the user's language. In order of preference: the same language, the same primary
-/// language, the neutral language, English, the first entry.
-std::optional<Translation> bestTranslation(const std::vector<Translation>& table) {
-    if (table.empty()) return std::nullopt;
-    const LANGID user = GetUserDefaultLangID();
-    const auto find = [&](auto matches) {
-        return std::find_if(table.begin(), table.end(), [&](Translation entry) { return matches(entry.language); });
-    };
-    const auto same = [&](LANGID wanted) { return find([=](LANGID language) { return language == wanted; }); };
-    const auto samePrimary = [&](LANGID wanted) {
-        return find([=](LANGID language) { return primaryLanguage(language) == primaryLanguage(wanted); });
-    };
-    for (const auto found :
-         {same(user), samePrimary(user), same(neutral), samePrimary(neutral), same(english), samePrimary(english)}) {
-        if (found != table.end()) return *found;
-    }
-    return table.front();
+std::vector<Translation> queryTranslations(const Block& block) {
+    const std::span<const char> value = query(block, "\\VarFileInfo\\Translation");
+    std::vector<Translation> table(value.size() / sizeof(Translation));
+    if (!table.empty()) std::memcpy(table.data(), value.data(), table.size() * sizeof(Translation));
+    return table;
 }
 
 } // namespace
@@ -99,20 +58,20 @@ int CAPFileVersionInfo::loadFromModule(HMODULE module) {
 }
 
 int CAPFileVersionInfo::loadFromFile(const char* path) {
-    std::string newName = path; // copied first: `path` may be one of the texts that clear() frees
     clear();
-    fileName = std::move(newName);
-    const VersionData data(fileName->c_str());
-    if (data.empty()) return 0;
+    fileName = path;
+    const Block block = readVersionData(path);
+    if (block.empty()) return 0;
 
-    const std::span<const char> fixedPart = data.query("\\");
+    const std::span<const char> fixedPart = query(block, "\\");
     if (fixedPart.size() == sizeof fixedInfo) std::memcpy(&fixedInfo, fixedPart.data(), sizeof fixedInfo);
 
-    if (const std::optional<Translation> best = bestTranslation(data.translations())) {
-        const std::string table =
+    const std::vector<Translation> table = queryTranslations(block);
+    if (const Translation* const best = bestTranslation(table, GetUserDefaultLangID())) {
+        const std::string prefix =
             FormatText("\\StringFileInfo\\%04X%04X\\", unsigned{best->language}, unsigned{best->codePage});
         std::transform(textNames.begin(), textNames.end(), texts.begin(),
-                       [&](const char* name) { return data.text(table + name); });
+                       [&](const char* name) { return queryText(block, prefix + name); });
     }
     return 1;
 }
@@ -129,7 +88,6 @@ std::uint16_t CAPFileVersionInfo::getFileVersionPart(int index) const {
     return static_cast<std::uint16_t>(index % 2 == 0 ? half & 0xFFFF : half >> 16);
 }
 
-const char* CAPFileVersionInfo::getText(Text text) const {
-    const std::optional<std::string>& loaded = texts[static_cast<std::size_t>(text)];
-    return loaded ? loaded->c_str() : nullptr;
+const char* CAPFileVersionInfo::getComments() const {
+    return texts[comments] ? texts[comments]->c_str() : nullptr;
 }

@@ -11,23 +11,6 @@
 /// that best matches the user's language. After a failed loadFromFile, all numbers are 0 and all texts null.
 class CAPFileVersionInfo {
 public:
-    /// The standard texts.
-    enum class Text {
-        companyName,
-        fileDescription,
-        fileVersion,
-        internalName,
-        legalCopyright,
-        originalFileName,
-        productName,
-        productVersion,
-        comments,
-        legalTrademarks,
-        privateBuild,
-        specialBuild,
-    };
-    static constexpr std::size_t textCount = 12;
-
     CAPFileVersionInfo() = default;
     CAPFileVersionInfo(const CAPFileVersionInfo&) = delete;
     CAPFileVersionInfo& operator=(const CAPFileVersionInfo&) = delete;
@@ -48,12 +31,11 @@ public:
     /// @return 0 if the index is out of range or no version is loaded
     std::uint16_t getFileVersionPart(int index) const;
 
-    /// Returns a text, valid until the next load, clear or destruction; null if the resource doesn't have it.
-    const char* getText(Text text) const;
-    const char* getComments() const { return getText(Text::comments); }
+    /// Returns the text "Comments", valid until the next load, clear or destruction; null if there is none.
+    const char* getComments() const;
 
 private:
     std::optional<std::string> fileName;
     VS_FIXEDFILEINFO fixedInfo{};
-    std::array<std::optional<std::string>, textCount> texts;
+    std::array<std::optional<std::string>, 12> texts;
 };

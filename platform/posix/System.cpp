@@ -1,4 +1,4 @@
-// Modules, processes, threads and time.
+// Modules, processes, threads, language and time.
 
 #include "platform/posix/win32.h"
 
@@ -50,6 +50,10 @@ DWORD GetCurrentProcessId() {
 
 DWORD GetCurrentThreadId() {
     return static_cast<DWORD>(gettid());
+}
+
+LANGID GetUserDefaultLangID() {
+    return 0x0409;
 }
 
 void _ftime64(__timeb64* now) {

@@ -73,7 +73,7 @@ DWORD GetModuleFileNameA(HMODULE module, char* name, DWORD size);
 DWORD GetCurrentProcessId();
 DWORD GetCurrentThreadId();
 
-// Version resources: the tree of VS_VERSION_INFO in the section ".rsrc" of an ELF file.
+// Version resources: a section of an ELF file, see VersionEntry.h.
 
 struct VS_FIXEDFILEINFO {
     DWORD dwSignature;
@@ -93,10 +93,9 @@ struct VS_FIXEDFILEINFO {
 
 DWORD GetFileVersionInfoSizeA(const char* path, DWORD* ignored);
 BOOL GetFileVersionInfoA(const char* path, DWORD ignored, DWORD size, void* block);
-/// Texts are converted to Latin-1 inside the block, with "?" for other characters.
 BOOL VerQueryValueA(const void* block, const char* path, LPVOID* value, UINT* length);
 
-/// The language set in the environment (LC_ALL, LC_MESSAGES, LANG); US English if none is set or it is unknown.
+/// US English, the language of the version resources on these systems.
 LANGID GetUserDefaultLangID();
 
 // Time.

@@ -15,6 +15,9 @@ extern const std::string lineEnd;
 
 extern const std::string programExtension;
 
+/// How far the size of a version resource's fixed part is before the fixed part.
+extern const std::size_t distanceFromValueLength;
+
 /// Sets or removes an environment variable. A change of TZ takes effect at once.
 void setVariable(const std::string& name, const std::optional<std::string>& value);
 
@@ -31,9 +34,6 @@ int run(const std::filesystem::path& program, const std::vector<std::string>& ar
 /// The parts of run() that depend on the system: quoting a word for the command interpreter, and executing a command.
 std::string quoted(const std::string& word);
 int execute(const std::string& command);
-
-/// Writes a library file with a version resource.
-void writeLibrary(const std::filesystem::path& path, const std::string& resource);
 
 /// The module's keys below SOFTWARE.
 inline const std::string commonKey = "Kestrova\\SPM";

@@ -1,10 +1,9 @@
+#include "platform/posix/VersionEntry.h"
 #include "tests/support/Support.h"
 #include "tests/support/System.h"
 
-#include <array>
+#include <cstddef>
 #include <cstdlib>
-#include <cstring>
-#include <elf.h>
 #include <random>
 #include <sstream>
 #include <sys/fsuid.h>
@@ -15,6 +14,7 @@ namespace fs = std::filesystem;
 
 const std::string lineEnd = "\n";
 const std::string programExtension;
+const std::size_t distanceFromValueLength = offsetof(VersionEntry, value) - offsetof(VersionEntry, length);
 
 namespace {
 
@@ -39,29 +39,6 @@ std::string quoted(const std::string& word) {
 int execute(const std::string& command) {
     const int status = std::system(command.c_str());
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
-
-/// Writes an ELF file with three sections, the last of which contains the resource.
-void writeLibrary(const fs::path& path, const std::string& resource) {
-    constexpr std::string_view names("\0.names\0.rsrc\0", 14);
-    constexpr std::size_t begin = sizeof(Elf64_Ehdr) + 3 * sizeof(Elf64_Shdr);
-    Elf64_Ehdr header{};
-    std::memcpy(header.e_ident, ELFMAG, SELFMAG);
-    header.e_ident[EI_CLASS] = ELFCLASS64;
-    header.e_shoff = sizeof header;
-    header.e_shentsize = sizeof(Elf64_Shdr);
-    header.e_shnum = 3;
-    header.e_shstrndx = 1;
-    std::array<Elf64_Shdr, 3> sections{};
-    sections[1].sh_name = 1;
-    sections[1].sh_offset = begin;
-    sections[1].sh_size = names.size();
-    sections[2].sh_name = 8;
-    sections[2].sh_offset = begin + names.size();
-    sections[2].sh_size = resource.size();
-    std::string file(reinterpret_cast<const char*>(&header), sizeof header);
-    file.append(reinterpret_cast<const char*>(sections.data()), sizeof sections);
-    writeFile(path, file.append(names).append(resource));
 }
 
 Settings::Settings()

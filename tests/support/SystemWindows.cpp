@@ -11,6 +11,7 @@ namespace fs = std::filesystem;
 
 const std::string lineEnd = "\r\n";
 const std::string programExtension = ".exe";
+const std::size_t distanceFromValueLength = 38; // two more words, the name "VS_VERSION_INFO" and padding
 
 namespace {
 
@@ -55,16 +56,6 @@ std::string quoted(const std::string& word) {
 int execute(const std::string& command) {
     const std::string inQuotes = '"' + command + '"'; // the command interpreter removes the outer quotes
     return _wsystem(fs::path(std::u8string(inQuotes.begin(), inQuotes.end())).c_str());
-}
-
-void writeLibrary(const fs::path& path, const std::string& resource) {
-    fs::copy_file(common::programFolder() / "plain.dll", path, fs::copy_options::overwrite_existing);
-    const HANDLE update = BeginUpdateResourceW(path.c_str(), TRUE);
-    std::string bytes = resource;
-    constexpr WORD version = 16; // RT_VERSION
-    UpdateResourceA(update, MAKEINTRESOURCEA(version), MAKEINTRESOURCEA(VS_VERSION_INFO), 0, bytes.data(),
-                    static_cast<DWORD>(bytes.size()));
-    EndUpdateResourceW(update, FALSE);
 }
 
 Settings::Settings() : place("Software\\spm test " + std::to_string(std::random_device{}())) {
