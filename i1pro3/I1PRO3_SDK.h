@@ -22,8 +22,8 @@ enum {
 };
 
 /** Lists the connected instruments. The library owns the list; its lifetime is not documented, so read it before the
- * next call. If there is no instrument, `count` is 0 and `devices` is unspecified. The handles stay valid. */
-int32_t I1PRO3_GetDevices(I1PRO3_DeviceHandle** devices, uint32_t* count);
+ * next call. If there is no instrument, `count` is 0 and `list` is unspecified. The handles stay valid. */
+int32_t I1PRO3_GetDevices(I1PRO3_DeviceHandle** list, uint32_t* count);
 
 int32_t I1PRO3_OpenDevice(I1PRO3_DeviceHandle device);
 
@@ -60,10 +60,10 @@ int32_t I1PRO3_TriggerMeasurement(I1PRO3_DeviceHandle device);
 int32_t I1PRO3_GetNumberOfAvailableSamples(I1PRO3_DeviceHandle device);
 
 /** Reads a sample's three values in the colour space set by the options. */
-int32_t I1PRO3_GetTriStimulus(I1PRO3_DeviceHandle device, float* tristimulus, int32_t sample);
+int32_t I1PRO3_GetTriStimulus(I1PRO3_DeviceHandle device, float* values, int32_t sample);
 
 /** Reads a sample's I1PRO3_NUMBER_OF_REFLECTIONS reflectance factors; 1 is a perfect diffuser. */
-int32_t I1PRO3_GetSpectrum(I1PRO3_DeviceHandle device, float* spectrum, int32_t sample);
+int32_t I1PRO3_GetSpectrum(I1PRO3_DeviceHandle device, float* values, int32_t sample);
 
 #ifdef __cplusplus
 }

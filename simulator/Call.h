@@ -3,83 +3,86 @@
 // A call of one of the SDK library's fourteen functions, and the answer to it.
 
 #include "i1pro3/I1PRO3_SDK.h"
-#include "simulator/Json.h"
 
-#include <array>
+#include <bitset>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace simulator {
 
+/// The functions, named as in the SDK without its prefix.
 enum class Function : std::uint8_t {
-    getDevices,
-    openDevice,
-    closeDevice,
-    getConnectionStatus,
-    setOption,
-    getOption,
-    setGlobalOption,
-    getGlobalOption,
-    getButtonStatusD,
-    calibrate,
-    triggerMeasurement,
-    getNumberOfAvailableSamples,
-    getTriStimulus,
-    getSpectrum,
+#define SDK_FUNCTION(name, ...) name,
+#include "simulator/SdkFunctions.inc"
+#undef SDK_FUNCTION
 };
+
+/// The parameters, named as in the SDK.
+enum class Parameter : std::uint8_t { device, key, value, list, count, buffer, size, values, sample };
+
+constexpr std::size_t numberOfParameters = 9;
 
 struct Signature {
     const char* name;
-    std::array<std::string_view, 4> parameters;
+    /// In the order of the call.
+    std::span<const Parameter> parameters;
 };
 
 /// The functions' signatures, in the order of Function.
-extern const std::array<Signature, 14> signatures;
+extern const std::span<const Signature> signatures;
 
 const Signature& signatureOf(Function function);
-bool hasParameter(Function function, std::string_view parameter);
+const char* nameOf(Parameter parameter);
+bool hasParameter(Function function, Parameter parameter);
 /// The number of floats that a function writes to its out-parameter "values".
 std::size_t numberOfValues(Function function);
 
-/// The function named by a JSON string.
-/// @throws Json::exception  if there is no such function
-Function functionNamed(const Json& json);
-/// @param place  the JSON value that the error message points to
-Function functionNamed(const Json& place, const std::string& name);
-
+/// The arguments of a call. Those that the function doesn't have, and null pointers, have their default values.
 struct Call {
-    /// The string argument of this name; for a device, the device's name.
-    std::string text(const char* argument) const;
-    /// Whether any argument has this value; "null" stands for a null pointer.
-    bool hasArgument(const std::string& value) const;
+    bool isNull(Parameter parameter) const { return nulls[static_cast<std::size_t>(parameter)]; }
+    void setNull(Parameter parameter) { nulls.set(static_cast<std::size_t>(parameter)); }
+    /// The first argument that is a null pointer, if any.
+    std::optional<Parameter> nullArgument() const;
+    /// An argument as a text, "null" for a null pointer; nullopt if it is a pointer to an output.
+    std::optional<std::string> textOf(Parameter parameter) const;
+    /// Whether any argument is this text.
+    bool hasArgument(const std::string& text) const;
     /// The size of the text buffer in bytes; 0 if there is none.
     std::uint32_t bufferSize() const;
-    /// The name of the first argument that is null; null if none is.
-    const char* nullArgument() const;
-    /// The function and its arguments, for messages.
-    std::string describe() const;
+
+    bool operator==(const Call&) const = default;
 
     Function function{};
-    /// The arguments by name, in the order of the call: devices by name, buffers by size. Pointers are omitted unless
-    /// they are null.
-    Json arguments = Json::object();
+    /// The device's name.
+    std::string device{};
+    std::string key{};
+    std::string value{};
+    /// What the size variable contains.
+    std::uint32_t size = 0;
+    std::int32_t sample = 0;
+    std::bitset<numberOfParameters> nulls{};
+};
 
-    // The host's out-parameters; null in a call that was read from a trace.
+/// The host's out-parameters; null if the host passed a null pointer or the function doesn't have the parameter.
+struct Outputs {
     I1PRO3_DeviceHandle** list = nullptr;
     std::uint32_t* count = nullptr;
     char* buffer = nullptr;
     std::uint32_t* size = nullptr;
     float* values = nullptr;
-    /// Calls the function at this address with the host's arguments.
-    std::function<std::int32_t(void*)> forward{};
 };
 
-/// The values of "LastErrorText" and "LastErrorNumber" after a failure.
-struct ErrorReport {
+/// Calls the function at this address with the host's arguments.
+using Forward = std::function<std::int32_t(void* address)>;
+
+/// The values of "LastErrorText" and "LastErrorNumber".
+struct LastError {
     std::string text;
     std::string number;
 };
@@ -99,19 +102,19 @@ struct Answer {
     std::optional<std::string> exception{};
     /// Whether the exception is one of Visual C++'s, see common::throwForeign.
     bool isForeign = false;
-    std::optional<ErrorReport> error{};
+    /// After a failure.
+    std::optional<LastError> error{};
 };
 
-/// Writes an answer's outputs, except the list of devices, to the call's out-parameters. Truncates the text to the
-/// buffer's size.
-void writeOutputs(const Answer& answer, const Call& call);
+/// Writes an answer's outputs, except the list of devices. Truncates the text to the buffer's size.
+void writeOutputs(const Answer& answer, const Outputs& outputs);
 
 // Functions.cpp calls these two; the simulated SDK library and the recorder each define them.
 
-/// The device's name in Call::arguments; "unknown" if the handle is invalid.
+/// The name for Call::device; "unknown" if the handle is invalid.
 std::string nameOf(I1PRO3_DeviceHandle device);
 
 /// Executes a host's call and returns the function's result.
-std::int32_t perform(const Call& call);
+std::int32_t perform(const Call& call, const Outputs& outputs, const Forward& forward);
 
 } // namespace simulator

@@ -4,7 +4,8 @@
 #include "common/Text.h"
 
 #include <charconv>
-#include <fmt/format.h>
+#include <optional>
+#include <system_error>
 
 namespace simulator {
 
@@ -15,7 +16,8 @@ using Fields = common::CsvReader::Fields;
 /// The next record, which must have this many fields; none at the end.
 std::optional<Fields> nextRecord(common::CsvReader& csv, std::size_t width) {
     std::optional<Fields> fields = csv.next();
-    if (fields && fields->size() != width) csv.fail(fmt::format("{} fields; expected {}", fields->size(), width));
+    if (fields && fields->size() != width)
+        csv.fail(std::to_string(fields->size()) + " fields; expected " + std::to_string(width));
     return fields;
 }
 
@@ -24,14 +26,14 @@ double parseNumber(const std::string& field, int maximum, const common::CsvReade
     const char* const end = field.data() + field.size();
     const auto [stop, error] = std::from_chars(field.data(), end, value);
     if (error != std::errc{} || stop != end || !(value >= 0 && value <= maximum)) {
-        csv.fail(fmt::format("\"{}\" is not a number from 0 to {}", field, maximum));
+        csv.fail('"' + field + "\" is not a number from 0 to " + std::to_string(maximum));
     }
     return value;
 }
 
 void requireWavelength(std::size_t index, const std::string& field, const common::CsvReader& csv) {
     const auto wavelength = std::to_string(I1PRO3_FIRST_WAVELENGTH + I1PRO3_WAVELENGTH_STEP * index);
-    if (field != wavelength) csv.fail(fmt::format("\"{}\" is not the wavelength {}", field, wavelength));
+    if (field != wavelength) csv.fail('"' + field + "\" is not the wavelength " + wavelength);
 }
 
 } // namespace

@@ -1,118 +1,60 @@
-// The SDK library's fourteen exported functions. Each packs its arguments into a Call and passes it to perform(), so
-// that the simulator and the recorder share them.
+// The SDK library's exported functions. Each packs its arguments into a Call and passes it to perform(), so that the
+// simulator and the recorder share them.
 
 #include "simulator/Call.h"
 
-using simulator::Call;
+#include <cstdint>
+#include <type_traits>
+
 using simulator::Function;
+using simulator::Parameter;
 
 namespace {
 
-void add(Call& call, const std::string& name, I1PRO3_DeviceHandle device) {
-    call.arguments[name] = device != nullptr ? simulator::Json(simulator::nameOf(device)) : simulator::Json();
-}
-
-void add(Call& call, const std::string& name, const char* text) {
-    call.arguments[name] = text != nullptr ? simulator::jsonOf(text) : simulator::Json();
-}
-
-void add(Call& call, const std::string& name, std::int32_t sample) {
-    call.arguments[name] = sample;
-}
-
-void add(Call& call, const std::string& name, std::uint32_t* number) {
-    if (number == nullptr) call.arguments[name] = nullptr;
-    if (name == "count") {
-        call.count = number;
-    } else {
-        call.size = number;
-        if (number != nullptr) call.arguments[name] = *number;
+/// Stores the arguments that are not null.
+struct Packer {
+    void store(Parameter, I1PRO3_DeviceHandle device) { call.device = simulator::nameOf(device); }
+    void store(Parameter parameter, const char* text) { (parameter == Parameter::key ? call.key : call.value) = text; }
+    void store(Parameter, std::int32_t sample) { call.sample = sample; }
+    void store(Parameter, I1PRO3_DeviceHandle** list) { outputs.list = list; }
+    void store(Parameter, char* buffer) { outputs.buffer = buffer; }
+    void store(Parameter, float* values) { outputs.values = values; }
+    void store(Parameter parameter, std::uint32_t* number) {
+        if (parameter == Parameter::count) {
+            outputs.count = number;
+        } else {
+            outputs.size = number;
+            call.size = *number;
+        }
     }
-}
 
-template <class Element>
-void addOutput(Call& call, const std::string& name, Element* address, Element*& output) {
-    if (address == nullptr) call.arguments[name] = nullptr;
-    output = address;
-}
+    template <class Argument>
+    void pack(Parameter parameter, Argument argument) {
+        if constexpr (std::is_pointer_v<Argument>) {
+            if (argument == nullptr) return call.setNull(parameter);
+        }
+        store(parameter, argument);
+    }
 
-void add(Call& call, const std::string& name, I1PRO3_DeviceHandle** list) {
-    addOutput(call, name, list, call.list);
-}
-
-void add(Call& call, const std::string& name, char* buffer) {
-    addOutput(call, name, buffer, call.buffer);
-}
-
-void add(Call& call, const std::string& name, float* values) {
-    addOutput(call, name, values, call.values);
-}
+    simulator::Call call;
+    simulator::Outputs outputs{};
+};
 
 template <class... Arguments>
 std::int32_t perform(Function function, Arguments... arguments) {
-    Call call{.function = function};
-    const auto* name = simulator::signatureOf(function).parameters.begin();
-    (add(call, std::string(*name++), arguments), ...);
-    call.forward = [=](void* address) {
+    Packer packer{{.function = function}};
+    auto parameter = simulator::signatureOf(function).parameters.begin();
+    (packer.pack(*parameter++, arguments), ...);
+    return simulator::perform(packer.call, packer.outputs, [=](void* address) {
         return reinterpret_cast<std::int32_t (*)(Arguments...)>(address)(arguments...);
-    };
-    return simulator::perform(call);
+    });
 }
 
 } // namespace
 
-int32_t I1PRO3_GetDevices(I1PRO3_DeviceHandle** devices, uint32_t* count) {
-    return perform(Function::getDevices, devices, count);
-}
-
-int32_t I1PRO3_OpenDevice(I1PRO3_DeviceHandle device) {
-    return perform(Function::openDevice, device);
-}
-
-int32_t I1PRO3_CloseDevice(I1PRO3_DeviceHandle device) {
-    return perform(Function::closeDevice, device);
-}
-
-int32_t I1PRO3_GetConnectionStatus(I1PRO3_DeviceHandle device) {
-    return perform(Function::getConnectionStatus, device);
-}
-
-int32_t I1PRO3_SetOption(I1PRO3_DeviceHandle device, const char* key, const char* value) {
-    return perform(Function::setOption, device, key, value);
-}
-
-int32_t I1PRO3_GetOption(I1PRO3_DeviceHandle device, const char* key, char* buffer, uint32_t* size) {
-    return perform(Function::getOption, device, key, buffer, size);
-}
-
-int32_t I1PRO3_SetGlobalOption(const char* key, const char* value) {
-    return perform(Function::setGlobalOption, key, value);
-}
-
-int32_t I1PRO3_GetGlobalOption(const char* key, char* buffer, uint32_t* size) {
-    return perform(Function::getGlobalOption, key, buffer, size);
-}
-
-int32_t I1PRO3_GetButtonStatusD(I1PRO3_DeviceHandle device) {
-    return perform(Function::getButtonStatusD, device);
-}
-
-int32_t I1PRO3_Calibrate(I1PRO3_DeviceHandle device) {
-    return perform(Function::calibrate, device);
-}
-
-int32_t I1PRO3_TriggerMeasurement(I1PRO3_DeviceHandle device) {
-    return perform(Function::triggerMeasurement, device);
-}
-
-int32_t I1PRO3_GetNumberOfAvailableSamples(I1PRO3_DeviceHandle device) {
-    return perform(Function::getNumberOfAvailableSamples, device);
-}
-
-int32_t I1PRO3_GetTriStimulus(I1PRO3_DeviceHandle device, float* tristimulus, int32_t sample) {
-    return perform(Function::getTriStimulus, device, tristimulus, sample);
-}
-
-int32_t I1PRO3_GetSpectrum(I1PRO3_DeviceHandle device, float* spectrum, int32_t sample) {
-    return perform(Function::getSpectrum, device, spectrum, sample);
-}
+#define SDK_FUNCTION(name, declaration, ...)                                                                           \
+    std::int32_t I1PRO3_##name declaration {                                                                           \
+        return perform(Function::name, __VA_ARGS__);                                                                   \
+    }
+#include "simulator/SdkFunctions.inc"
+#undef SDK_FUNCTION

@@ -1,17 +1,15 @@
 #include "simulator/Instrument.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <limits>
 #include <random>
+#include <string_view>
 
 namespace simulator {
 
 namespace {
-
-/// Beyond any real lamp; keeps a drift that accumulates over many measurements from overflowing.
-constexpr double dimmestLamp = 0.01;
-constexpr double brightestLamp = 100;
 
 /// A writable option with its allowed values; without values, it takes a positive number.
 struct WritableOption {
@@ -41,16 +39,6 @@ bool accepts(const WritableOption& option, const std::string& value) {
     return !value.empty() && std::find(option.values.begin(), option.values.end(), value) != option.values.end();
 }
 
-/// A white ceramic tile.
-const Reflectance& whiteReference() {
-    static const Reflectance tile = [] {
-        Reflectance factors;
-        factors.fill(0.94);
-        return factors;
-    }();
-    return tile;
-}
-
 /// An approximately normal deviate with mean 0 and standard deviation 1: the sum of twelve uniform ones (Irwin-Hall).
 /// std::normal_distribution gives different numbers in each standard library.
 double normalDeviate(std::mt19937_64& engine) {
@@ -69,7 +57,7 @@ std::string quoted(const std::string& text) {
 } // namespace
 
 void Instrument::requireOpen() const {
-    if (!isOpen) throw SdkError(ErrorCode::deviceNotOpen, "The device " + serial + " is not open");
+    if (!isOpen) throw SdkError(SdkError::Code::deviceNotOpen, "The device " + serial + " is not open");
 }
 
 void Instrument::open() {
@@ -82,7 +70,8 @@ void Instrument::close() {
     isCalibrated = false;
     options.clear();
     polls = 0;
-    advance();
+    moveOn();
+    samples = 0;
 }
 
 void Instrument::setOption(const std::string& key, const std::string& value) {
@@ -90,10 +79,10 @@ void Instrument::setOption(const std::string& key, const std::string& value) {
     const auto* const writable = std::find_if(writableOptions.begin(), writableOptions.end(),
                                               [&](const WritableOption& option) { return option.key == key; });
     if (writable == writableOptions.end()) {
-        throw SdkError(ErrorCode::unknownOption, "There is no option " + quoted(key) + " to set");
+        throw SdkError(SdkError::Code::unknownOption, "There is no option " + quoted(key) + " to set");
     }
     if (!accepts(*writable, value)) {
-        throw SdkError(ErrorCode::invalidValue, "The option " + quoted(key) + " can't be " + quoted(value));
+        throw SdkError(SdkError::Code::invalidValue, "The option " + quoted(key) + " can't be " + quoted(value));
     }
     options[key] = value;
 }
@@ -103,7 +92,8 @@ std::string Instrument::option(const std::string& key) const {
     if (key == "AvailableIlluminationsKey") return "UVIncluded;UVExcluded";
     if (key == "SerialNumber") return serial;
     const auto found = options.find(key);
-    if (found == options.end()) throw SdkError(ErrorCode::unknownOption, "The option " + quoted(key) + " is not set");
+    if (found == options.end())
+        throw SdkError(SdkError::Code::unknownOption, "The option " + quoted(key) + " is not set");
     return found->second;
 }
 
@@ -124,26 +114,32 @@ bool Instrument::isButtonPressed() {
 void Instrument::calibrate() {
     requireOpen();
     isCalibrated = true;
-    calibratedLamp = lamp;
 }
 
 void Instrument::trigger() {
     requireOpen();
-    if (!isCalibrated) throw SdkError(ErrorCode::notCalibrated, "The device " + serial + " is not calibrated");
-    const std::int32_t found = option("MeasurementMode") == "ReflectanceScan" ? samplesPerScan() : 1;
-    advance();
-    samples = found;
+    if (!isCalibrated) throw SdkError(SdkError::Code::notCalibrated, "The device " + serial + " is not calibrated");
+    samples = option("MeasurementMode") == "ReflectanceScan" ? samplesPerScan() : 1;
+    wasRead = false;
     ++measurements;
-    light = script.light;
-    lamp = std::clamp(lamp * (1 + light.drift), dimmestLamp, brightestLamp);
-    gain = lamp / calibratedLamp;
 }
 
-/// Moves past the patches of the last measurement if it was read.
-void Instrument::advance() {
-    if (wasRead) position = (position + static_cast<std::size_t>(samples)) % script.chart.size();
-    wasRead = false;
-    samples = 0;
+/// Moves past the last strip.
+void Instrument::moveOn() {
+    strip = {.begin = (strip.begin + static_cast<std::size_t>(strip.samples)) % script.chart.size()};
+}
+
+/// Called for each sample that is read: the first one decides whether the measurement is of the last strip again.
+void Instrument::findStrip(Quantity quantity) {
+    const bool isOther = strip.firstQuantity && strip.firstQuantity != quantity;
+    if (!wasRead) {
+        const bool isAgain = isOther && !strip.isComplete && strip.samples == samples;
+        if (!isAgain) moveOn();
+        strip.samples = samples;
+        wasRead = true;
+    }
+    if (!strip.firstQuantity) strip.firstQuantity = quantity;
+    if (strip.firstQuantity != quantity) strip.isComplete = true;
 }
 
 std::int32_t Instrument::samplesPerScan() const {
@@ -158,23 +154,27 @@ std::int32_t Instrument::numberOfSamples() const {
     return samples;
 }
 
-const Reflectance& Instrument::reflectanceOf(std::int32_t sample) const {
-    if (script.isOnWhiteReference) return whiteReference();
-    return script.chart[(position + static_cast<std::size_t>(sample)) % script.chart.size()].reflectance;
+Reflectance Instrument::reflectanceOf(std::int32_t sample) const {
+    if (!script.isOnWhiteReference) {
+        return script.chart[(strip.begin + static_cast<std::size_t>(sample)) % script.chart.size()].reflectance;
+    }
+    Reflectance tile;
+    tile.fill(0.94); // white ceramic
+    return tile;
 }
 
-Reflectance Instrument::readSample(std::int32_t sample) {
+Reflectance Instrument::readSample(std::int32_t sample, Quantity quantity) {
     requireOpen();
     if (sample < 0 || sample >= samples) {
-        throw SdkError(ErrorCode::noSample, "There is no sample " + std::to_string(sample) +
-                                                "; the number of samples is " + std::to_string(samples));
+        throw SdkError(SdkError::Code::noSample, "There is no sample " + std::to_string(sample) +
+                                                     "; the number of samples is " + std::to_string(samples));
     }
-    wasRead = true;
-    std::seed_seq seed{static_cast<std::uint32_t>(light.seed), index, measurements, static_cast<std::uint32_t>(sample)};
+    findStrip(quantity);
+    std::seed_seq seed{1U, index, measurements, static_cast<std::uint32_t>(sample)};
     std::mt19937_64 engine(seed);
     Reflectance measured = reflectanceOf(sample);
     for (double& factor : measured) {
-        factor = factor * gain + light.noise * normalDeviate(engine);
+        factor += script.noise * normalDeviate(engine);
     }
     return measured;
 }

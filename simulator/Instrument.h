@@ -1,18 +1,25 @@
 #pragma once
 
 #include "simulator/Chart.h"
-#include "simulator/Failure.h"
 #include "simulator/Script.h"
+#include "simulator/SdkError.h"
 
 #include <chrono>
+#include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
+#include <utility>
 
 namespace simulator {
 
-/// A simulated instrument. It moves over the chart in reading order and starts again after the last patch; a
-/// measurement whose samples were never read is repeated on the same patches. A sample is the patch's reflectance,
-/// multiplied by the drift of the lamp since the last calibration, plus pseudo-random noise that repeats in every run.
+/// What a host reads of a sample.
+enum class Quantity : std::uint8_t { lab, spectrum };
+
+/// A simulated instrument. It moves over the chart in reading order and starts again after the last patch. A
+/// measurement is of the same patches as the one before if that was never read, or if the host reads the patches first
+/// in one quantity and then, from as many samples, in the other one. A sample is the patch's reflectance plus
+/// pseudo-random noise that repeats in every run.
 class Instrument {
 public:
     /// @param instrumentIndex  makes the noise differ between instruments
@@ -33,16 +40,26 @@ public:
     void trigger();
     /// The number of samples of the last measurement; a script can make it negative.
     std::int32_t numberOfSamples() const;
-    Reflectance readSample(std::int32_t sample);
+    Reflectance readSample(std::int32_t sample, Quantity quantity);
 
     /// Allows the next button press; matters only if the script sets "once per measurement".
     void rearmButton() { isPressUsed = false; }
 
 private:
+    /// Consecutive patches of the chart that were measured and read, perhaps twice.
+    struct Strip {
+        std::size_t begin = 0;
+        std::int32_t samples = 0;
+        std::optional<Quantity> firstQuantity{};
+        /// Whether the patches were read in both quantities.
+        bool isComplete = false;
+    };
+
     void requireOpen() const;
-    void advance();
+    void moveOn();
+    void findStrip(Quantity quantity);
     std::int32_t samplesPerScan() const;
-    const Reflectance& reflectanceOf(std::int32_t sample) const;
+    Reflectance reflectanceOf(std::int32_t sample) const;
 
     std::string serial;
     std::uint32_t index;
@@ -54,20 +71,13 @@ private:
     std::uint32_t polls = 0;
     std::chrono::steady_clock::time_point firstPoll;
     bool isPressUsed = false;
-    /// The lamp's brightness after the last measurement and at the last calibration, relative to the initial one.
-    double lamp = 1;
-    double calibratedLamp = 1;
-    std::uint32_t measurements = 0;
-    /// The chart's patch under the first sample of the last measurement.
-    std::size_t position = 0;
 
-    // The last measurement.
-    /// The drift of the lamp since the last calibration, as a factor.
-    double gain = 1;
-    Light light;
+    std::uint32_t measurements = 0;
+    /// The number of samples of the last measurement, and whether any was read.
     std::int32_t samples = 0;
-    /// Whether any sample was read.
     bool wasRead = false;
+    /// The last one that was read.
+    Strip strip;
 };
 
 } // namespace simulator

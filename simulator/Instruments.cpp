@@ -10,10 +10,10 @@ namespace simulator {
 namespace {
 
 void requireNoNullArgument(const Call& call) {
-    const char* const name = call.nullArgument();
-    if (name == nullptr) return;
-    throw SdkError(std::string_view(name) == "device" ? ErrorCode::invalidDevice : ErrorCode::invalidArgument,
-                   fmt::format("The argument \"{}\" is null", name));
+    const std::optional<Parameter> parameter = call.nullArgument();
+    if (!parameter) return;
+    throw SdkError(parameter == Parameter::device ? SdkError::Code::invalidDevice : SdkError::Code::invalidArgument,
+                   std::string("The argument \"") + nameOf(*parameter) + "\" is null");
 }
 
 } // namespace
@@ -27,49 +27,56 @@ void Instruments::attach(const Script& script) {
     isUnplugged = false;
 }
 
+void Instruments::setUnplugged(bool areUnplugged) {
+    isUnplugged = areUnplugged;
+    for (const auto& instrument : instruments) {
+        instrument->close();
+    }
+}
+
 Answer Instruments::answer(const Call& call) try {
     requireNoNullArgument(call);
     return perform(call);
 } catch (const SdkError& error) {
-    return failureOf(call, error.code, error.what());
+    return error.answer(call);
 }
 
 Answer Instruments::perform(const Call& call) {
     switch (call.function) {
-    case Function::getDevices:
+    case Function::GetDevices:
         return listDevices();
-    case Function::openDevice:
+    case Function::OpenDevice:
         instrumentOf(call).open();
         break;
-    case Function::closeDevice:
+    case Function::CloseDevice:
         instrumentOf(call).close();
         break;
-    case Function::getConnectionStatus:
+    case Function::GetConnectionStatus:
         instrumentOf(call);
         break;
-    case Function::setOption:
-        instrumentOf(call).setOption(call.text("key"), call.text("value"));
+    case Function::SetOption:
+        instrumentOf(call).setOption(call.key, call.value);
         break;
-    case Function::getOption:
-        return textAnswer(call, instrumentOf(call).option(call.text("key")));
-    case Function::setGlobalOption:
-        setGlobalOption(call.text("key"), call.text("value"));
+    case Function::GetOption:
+        return textAnswer(call, instrumentOf(call).option(call.key));
+    case Function::SetGlobalOption:
+        setGlobalOption(call);
         break;
-    case Function::getGlobalOption:
+    case Function::GetGlobalOption:
         return globalOption(call);
-    case Function::getButtonStatusD:
+    case Function::GetButtonStatusD:
         return {.result = instrumentOf(call).isButtonPressed() ? 0 : I1PRO3_BUTTON_NOT_PRESSED};
-    case Function::calibrate:
+    case Function::Calibrate:
         instrumentOf(call).calibrate();
         break;
-    case Function::triggerMeasurement:
+    case Function::TriggerMeasurement:
         instrumentOf(call).trigger();
         break;
-    case Function::getNumberOfAvailableSamples:
+    case Function::GetNumberOfAvailableSamples:
         return {.result = instrumentOf(call).numberOfSamples()};
-    case Function::getTriStimulus:
+    case Function::GetTriStimulus:
         return tristimulus(call);
-    case Function::getSpectrum:
+    case Function::GetSpectrum:
         return spectrum(call);
     }
     return {};
@@ -77,10 +84,10 @@ Answer Instruments::perform(const Call& call) {
 
 void Instruments::rearmButton(const Call& call) {
     switch (call.function) {
-    case Function::openDevice:
-    case Function::closeDevice:
-    case Function::calibrate:
-    case Function::triggerMeasurement:
+    case Function::OpenDevice:
+    case Function::CloseDevice:
+    case Function::Calibrate:
+    case Function::TriggerMeasurement:
         if (Instrument* const instrument = find(call)) instrument->rearmButton();
         break;
     default:
@@ -89,22 +96,21 @@ void Instruments::rearmButton(const Call& call) {
 }
 
 void Instruments::storeError(const Call& call, const Answer& answer) {
-    if (answer.error && call.function != Function::getGlobalOption) lastError = *answer.error;
+    if (answer.error && call.function != Function::GetGlobalOption) lastError = *answer.error;
 }
 
 /// The instrument that the call is for; null if the device handle is invalid.
 Instrument* Instruments::find(const Call& call) const {
-    const auto found = std::find_if(instruments.begin(), instruments.end(), [&](const auto& instrument) {
-        return call.arguments.at("device") == instrument->name();
-    });
+    const auto found = std::find_if(instruments.begin(), instruments.end(),
+                                    [&](const auto& instrument) { return call.device == instrument->name(); });
     return found != instruments.end() ? found->get() : nullptr;
 }
 
 Instrument& Instruments::instrumentOf(const Call& call) const {
     Instrument* const instrument = find(call);
-    if (instrument == nullptr) throw SdkError(ErrorCode::invalidDevice, "There is no such device");
+    if (instrument == nullptr) throw SdkError(SdkError::Code::invalidDevice, "There is no such device");
     if (isUnplugged) {
-        throw SdkError(ErrorCode::unplugged, "The device " + instrument->name() + " was unplugged");
+        throw SdkError(SdkError::Code::unplugged, "The device " + instrument->name() + " was unplugged");
     }
     return *instrument;
 }
@@ -118,29 +124,28 @@ Answer Instruments::listDevices() const {
 }
 
 Answer Instruments::globalOption(const Call& call) const {
-    const std::string key = call.text("key");
-    if (key == "SDKVersion") return textAnswer(call, "simulated i1Pro 3 SDK " SPM_VERSION_TEXT);
-    if (key == "LastErrorText") return textAnswer(call, lastError.text);
-    if (key == "LastErrorNumber") return textAnswer(call, lastError.number);
-    throw SdkError(ErrorCode::unknownOption, "There is no global option \"" + key + '"');
+    if (call.key == "SDKVersion") return textAnswer(call, "simulated i1Pro 3 SDK " SPM_VERSION_TEXT);
+    if (call.key == "LastErrorText") return textAnswer(call, lastError.text);
+    if (call.key == "LastErrorNumber") return textAnswer(call, lastError.number);
+    throw SdkError(SdkError::Code::unknownOption, "There is no global option \"" + call.key + '"');
 }
 
-void Instruments::setGlobalOption(const std::string& key, const std::string& value) {
-    if (key != "Reset" || value != "All") {
-        throw SdkError(ErrorCode::unknownOption,
-                       "There is no global option \"" + key + "\" = \"" + value + "\" to set");
+void Instruments::setGlobalOption(const Call& call) {
+    if (call.key != "Reset" || call.value != "All") {
+        throw SdkError(SdkError::Code::unknownOption,
+                       "There is no global option \"" + call.key + "\" = \"" + call.value + "\" to set");
     }
     clearError();
 }
 
 Answer Instruments::tristimulus(const Call& call) const {
-    const auto [L, a, b] = cieLab(instrumentOf(call).readSample(call.arguments.at("sample")), d65TenDegree);
+    const auto [L, a, b] = cieLab(instrumentOf(call).readSample(call.sample, Quantity::lab), d65TenDegree);
     return {.values = {static_cast<float>(L), static_cast<float>(a), static_cast<float>(b)}};
 }
 
 Answer Instruments::spectrum(const Call& call) const {
     Answer answer;
-    for (const double factor : instrumentOf(call).readSample(call.arguments.at("sample"))) {
+    for (const double factor : instrumentOf(call).readSample(call.sample, Quantity::spectrum)) {
         answer.values.push_back(static_cast<float>(factor));
     }
     return answer;

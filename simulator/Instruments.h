@@ -4,6 +4,8 @@
 #include "simulator/Instrument.h"
 
 #include <memory>
+#include <string>
+#include <vector>
 
 namespace simulator {
 
@@ -13,8 +15,8 @@ public:
     /// Replaces all instruments by those of the script.
     /// @param script  must outlive the instruments
     void attach(const Script& script);
-    /// Removes all instruments, as if unplugged.
-    void unplug() { isUnplugged = true; }
+    /// Unplugs all instruments, which lose their connection and calibration, or plugs them in again.
+    void setUnplugged(bool areUnplugged);
 
     Answer answer(const Call& call);
 
@@ -33,14 +35,14 @@ private:
     Instrument& instrumentOf(const Call& call) const;
     Answer listDevices() const;
     Answer globalOption(const Call& call) const;
-    void setGlobalOption(const std::string& key, const std::string& value);
+    void setGlobalOption(const Call& call);
     Answer tristimulus(const Call& call) const;
     Answer spectrum(const Call& call) const;
 
     const Weights d65TenDegree = parseWeights(d65TenDegreeCsv);
     std::vector<std::unique_ptr<Instrument>> instruments;
     bool isUnplugged = false;
-    ErrorReport lastError;
+    LastError lastError;
 };
 
 } // namespace simulator

@@ -3,13 +3,21 @@
 
 #include "common/Environment.h"
 #include "common/SharedLibrary.h"
-#include "simulator/Failure.h"
 #include "simulator/I1PRO3_Simulator.h"
+#include "simulator/SdkError.h"
 #include "simulator/Trace.h"
 
+#include <chrono>
 #include <cstring>
+#include <exception>
+#include <filesystem>
 #include <map>
 #include <mutex>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <system_error>
+#include <vector>
 
 namespace simulator {
 
@@ -23,20 +31,18 @@ constexpr const char* traceVariable = "I1PRO3_RECORDER_TRACE";
 /// The real library.
 class RecordedLibrary {
 public:
-    /// @throws ScriptError or common::LoadError
+    /// @throws std::runtime_error  if it can't be loaded or is not an SDK library
     explicit RecordedLibrary(const std::filesystem::path& file) : library(file) {
         for (const Signature& signature : signatures) {
             void* const address = library.find(signature.name);
             if (address == nullptr) {
-                throw ScriptError(file.string() + " is not an SDK library: it has no " + signature.name);
+                throw std::runtime_error(file.string() + " is not an SDK library: it has no " + signature.name);
             }
             addresses.push_back(address);
         }
     }
 
-    std::int32_t perform(const Call& call) const {
-        return call.forward(addresses[static_cast<std::size_t>(call.function)]);
-    }
+    void* addressOf(Function function) const { return addresses[static_cast<std::size_t>(function)]; }
 
     /// Its I1PRO3_SimulatorDescription; null if it isn't a simulation.
     const char* description() const {
@@ -53,34 +59,32 @@ private:
 /// first byte is compared: the host may pass a size larger than its buffer.
 class OutputSnapshot {
 public:
-    explicit OutputSnapshot(const Call& pending)
-        : call(pending), size(pending.size != nullptr ? *pending.size : 0),
-          count(pending.count != nullptr ? *pending.count : 0), hasBuffer(pending.buffer != nullptr && size > 0),
-          firstByte(hasBuffer ? *pending.buffer : '\0') {
-        if (pending.values != nullptr) {
-            values.assign(pending.values, pending.values + numberOfValues(pending.function));
-        }
+    OutputSnapshot(Function function, const Outputs& hostOutputs)
+        : outputs(hostOutputs), size(outputs.size != nullptr ? *outputs.size : 0),
+          count(outputs.count != nullptr ? *outputs.count : 0), hasBuffer(outputs.buffer != nullptr && size > 0),
+          firstByte(hasBuffer ? *outputs.buffer : '\0') {
+        if (outputs.values != nullptr) values.assign(outputs.values, outputs.values + numberOfValues(function));
     }
 
     /// The call's result and outputs, except the devices. After a failure, only outputs that changed count.
     Answer answer(std::int32_t result) const {
         const bool isSuccess = result == 0;
         Answer made{.result = result};
-        if (call.size != nullptr && *call.size != size) made.size = *call.size;
-        if (hasBuffer && (isSuccess || *call.buffer != firstByte)) {
-            made.text.emplace(call.buffer, strnlen(call.buffer, size));
+        if (outputs.size != nullptr && *outputs.size != size) made.size = *outputs.size;
+        if (hasBuffer && (isSuccess || *outputs.buffer != firstByte)) {
+            made.text.emplace(outputs.buffer, strnlen(outputs.buffer, size));
             made.isTerminated = made.text->size() < size;
         }
         const std::size_t bytes = values.size() * sizeof(float);
-        if (bytes > 0 && (isSuccess || std::memcmp(values.data(), call.values, bytes) != 0)) {
-            made.values.assign(call.values, call.values + values.size());
+        if (bytes > 0 && (isSuccess || std::memcmp(values.data(), outputs.values, bytes) != 0)) {
+            made.values.assign(outputs.values, outputs.values + values.size());
         }
-        if (call.count != nullptr && (isSuccess || *call.count != count)) made.count = *call.count;
+        if (outputs.count != nullptr && (isSuccess || *outputs.count != count)) made.count = *outputs.count;
         return made;
     }
 
 private:
-    const Call& call;
+    const Outputs& outputs;
     std::uint32_t size;
     std::uint32_t count;
     bool hasBuffer;
@@ -91,7 +95,7 @@ private:
 std::filesystem::path requiredFile(const char* variable, const char* purpose) {
     const auto file = common::pathFromEnvironment(variable);
     if (file) return *file;
-    throw ScriptError(fmt::format("the environment variable {} is not set; it names {}", variable, purpose));
+    throw std::runtime_error(std::string("the environment variable ") + variable + " is not set; it names " + purpose);
 }
 
 std::filesystem::path recorderFile() {
@@ -104,7 +108,7 @@ std::filesystem::path recordedFile() {
                                  requiredFile(libraryVariable, "the vendor's library that the recorder forwards to");
     std::error_code ignored;
     if (std::filesystem::equivalent(file, recorderFile(), ignored)) {
-        throw ScriptError(fmt::format("{} names the recorder itself, {}", libraryVariable, file.string()));
+        throw std::runtime_error(std::string(libraryVariable) + " names the recorder itself, " + file.string());
     }
     return file;
 }
@@ -113,7 +117,9 @@ class Recorder {
 public:
     static Recorder& instance();
 
-    std::int32_t perform(const Call& call) { return failure ? fail(call) : record(call); }
+    std::int32_t perform(const Call& call, const Outputs& outputs, const Forward& forward) {
+        return failure ? fail(call, outputs) : record(call, outputs, forward);
+    }
     const char* description() const { return library ? library->description() : nullptr; }
 
     std::string nameOf(I1PRO3_DeviceHandle device) const {
@@ -132,17 +138,19 @@ private:
             trace.emplace(requiredFile(traceVariable, "the file that the recorder writes its trace to"), name,
                           simulation != nullptr);
         } catch (const std::runtime_error& error) {
-            failure.emplace(ErrorCode::invalidSetup, std::string("Recorder: ") + error.what());
+            failure.emplace(SdkError::Code::invalidSetup, std::string("Recorder: ") + error.what());
         }
     }
 
-    std::int32_t record(const Call& call) {
-        const OutputSnapshot before(call);
+    std::int32_t record(const Call& call, const Outputs& outputs, const Forward& forward) {
+        const OutputSnapshot before(call.function, outputs);
         const Trace::Time begin = std::chrono::steady_clock::now();
         try {
-            const std::int32_t result = library->perform(call);
+            const std::int32_t result = forward(library->addressOf(call.function));
             Answer answer = before.answer(result);
-            if (result == 0 && call.list != nullptr && call.count != nullptr) answer.devices = nameDevices(call);
+            if (result == 0 && outputs.list != nullptr && outputs.count != nullptr) {
+                answer.devices = nameDevices(*outputs.list, *outputs.count);
+            }
             trace->write(call, answer, begin);
             return result;
         } catch (const std::exception& error) {
@@ -154,19 +162,19 @@ private:
         }
     }
 
-    std::int32_t fail(const Call& call) const {
-        const Answer answer = failure->answer(call);
-        writeOutputs(answer, call);
+    std::int32_t fail(const Call& call, const Outputs& outputs) const {
+        const Answer answer = failure->persistentAnswer(call);
+        writeOutputs(answer, outputs);
         return answer.result;
     }
 
     /// The names of the devices that a call listed: "device 1" and so on, in the order of their first appearance.
-    std::vector<std::string> nameDevices(const Call& call) {
+    std::vector<std::string> nameDevices(const I1PRO3_DeviceHandle* list, std::uint32_t count) {
         const std::lock_guard<std::mutex> lock(mutex);
         std::vector<std::string> listed;
-        for (std::uint32_t i = 0; i < *call.count && *call.list != nullptr; ++i) {
-            const std::string next = fmt::format("device {}", names.size() + 1);
-            listed.push_back(names.try_emplace((*call.list)[i], next).first->second);
+        for (std::uint32_t i = 0; i < count && list != nullptr; ++i) {
+            const std::string next = "device " + std::to_string(names.size() + 1);
+            listed.push_back(names.try_emplace(list[i], next).first->second);
         }
         return listed;
     }
@@ -174,7 +182,7 @@ private:
     std::optional<RecordedLibrary> library;
     std::optional<Trace> trace;
     /// Answers all calls if the recorder can't be set up.
-    std::optional<PermanentFailure> failure;
+    std::optional<SdkError> failure;
     mutable std::mutex mutex;
     std::map<I1PRO3_DeviceHandle, std::string> names;
 };
@@ -199,8 +207,8 @@ std::string nameOf(I1PRO3_DeviceHandle device) {
     return Recorder::instance().nameOf(device);
 }
 
-std::int32_t perform(const Call& call) {
-    return Recorder::instance().perform(call);
+std::int32_t perform(const Call& call, const Outputs& outputs, const Forward& forward) {
+    return Recorder::instance().perform(call, outputs, forward);
 }
 
 } // namespace simulator

@@ -3,21 +3,21 @@
 namespace simulator {
 
 Answer Replay::answer(const Call& call) {
-    if (failure) return failure->answer(call);
+    if (difference) return difference->persistentAnswer(call);
     if (next == recording.calls.size()) return failFromHere(call, "ends before it");
     const auto& [recorded, answer, line] = recording.calls[next];
-    if (recorded.function != call.function || recorded.arguments != call.arguments) {
-        return failFromHere(call, fmt::format("has {} in line {}", recorded.describe(), line));
+    if (recorded != call) {
+        return failFromHere(call, "has " + describe(recorded) + " in line " + std::to_string(line));
     }
     ++next;
     return answer;
 }
 
-Answer Replay::failFromHere(const Call& call, const std::string& difference) {
-    failure.emplace(ErrorCode::replayMismatch,
-                    fmt::format("Call {} departs from the trace {}: the host called {}, the trace {}", next + 1,
-                                recording.fileName, call.describe(), difference));
-    return failure->answer(call);
+Answer Replay::failFromHere(const Call& call, const std::string& found) {
+    difference.emplace(SdkError::Code::replayMismatch, "Call " + std::to_string(next + 1) + " departs from the trace " +
+                                                           recording.fileName + ": the host called " + describe(call) +
+                                                           ", the trace " + found);
+    return difference->persistentAnswer(call);
 }
 
 } // namespace simulator

@@ -1,7 +1,12 @@
 #pragma once
 
-#include "simulator/Failure.h"
+#include "simulator/SdkError.h"
 #include "simulator/Trace.h"
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <utility>
 
 namespace simulator {
 
@@ -13,11 +18,11 @@ public:
     Answer answer(const Call& call);
 
 private:
-    Answer failFromHere(const Call& call, const std::string& difference);
+    Answer failFromHere(const Call& call, const std::string& found);
 
     Recording recording;
     std::size_t next = 0;
-    std::optional<PermanentFailure> failure;
+    std::optional<SdkError> difference;
 };
 
 } // namespace simulator

@@ -1,22 +1,24 @@
 #include "simulator/Script.h"
 
 #include "common/Files.h"
+#include "simulator/Json.h"
 
 #include <limits>
 #include <set>
+#include <string_view>
+#include <utility>
 
 namespace simulator {
 
 namespace {
-
-constexpr std::int32_t largestInt32 = std::numeric_limits<std::int32_t>::max();
 
 std::uint32_t readCount(const Json& json, std::uint32_t minimum) {
     return numberIn(json, minimum, 1'000'000'000U);
 }
 
 std::int32_t readInt32(const Json& json) {
-    return numberIn(json, std::numeric_limits<std::int32_t>::min(), largestInt32);
+    using Limits = std::numeric_limits<std::int32_t>;
+    return numberIn(json, Limits::min(), Limits::max());
 }
 
 std::chrono::milliseconds readTime(const Json& json) {
@@ -49,31 +51,21 @@ void readPlace(const Json& json, Script& script) {
     }
 }
 
-void readLatency(const Json& json, Script& script) {
-    script.latency.clear();
-    for (const auto& [function, time] : membersOf(json)) {
-        script.latency[functionNamed(time, function)] = readTime(time);
-    }
-}
+constexpr auto lightFields = std::to_array<Field<Script>>({
+    {"noise", [](const Json& json, Script& script) { script.noise = numberIn(json, 0.0, 0.1); }},
+});
 
-const std::vector<Field<Light>> lightFields{
-    {"noise", [](const Json& json, Light& light) { light.noise = numberIn(json, 0.0, 0.1); }},
-    {"drift", [](const Json& json, Light& light) { light.drift = numberIn(json, -0.1, 0.1); }},
-    {"seed",
-     [](const Json& json, Light& light) { light.seed = static_cast<std::uint32_t>(numberIn(json, 0, largestInt32)); }},
-};
-
-const std::vector<Field<Button>> buttonFields{
+constexpr auto buttonFields = std::to_array<Field<Button>>({
     {"polls", [](const Json& json, Button& button) { button.polls = readCount(json, 0); }},
     {"milliseconds", [](const Json& json, Button& button) { button.time = readTime(json); }},
     {"never", [](const Json& json, Button& button) { button.never = json.get<bool>(); }},
     {"once per measurement", [](const Json& json, Button& button) { button.oncePerMeasurement = json.get<bool>(); }},
-};
+});
 
-const std::vector<Field<Samples>> samplesFields{
+constexpr auto samplesFields = std::to_array<Field<Samples>>({
     {"count", [](const Json& json, Samples& samples) { samples.count = readInt32(json); }},
     {"more", [](const Json& json, Samples& samples) { samples.more = readInt32(json); }},
-};
+});
 
 void readSamples(const Json& json, Script& script) {
     Samples samples;
@@ -82,16 +74,11 @@ void readSamples(const Json& json, Script& script) {
     script.samples = samples;
 }
 
-const std::vector<Field<Unplug>> unplugFields{
-    {"function", [](const Json& json, Unplug& unplug) { unplug.function = functionNamed(json); }},
-    {"call", [](const Json& json, Unplug& unplug) { unplug.call = readCount(json, 1); }},
-};
-
-void readUnplug(const Json& json, Script& script) {
-    Unplug unplug;
-    readMembers(json, unplugFields, unplug);
-    if (!unplug.function) throw ValueError(json, R"("function" is missing)");
-    script.unplug = unplug;
+void readLatency(const Json& json, Script& script) {
+    script.latency.clear();
+    for (const auto& [function, time] : membersOf(json)) {
+        script.latency[functionNamed(function, time)] = readTime(time);
+    }
 }
 
 void readTimes(const Json& json, Fault& fault) {
@@ -103,11 +90,12 @@ void readSize(const Json& json, Fault& fault) {
     fault.answer.size = numberIn(json, 0U, std::numeric_limits<std::uint32_t>::max());
 }
 
-const std::vector<Field<Fault>> faultFields{
+constexpr auto faultFields = std::to_array<Field<Fault>>({
     {"function", [](const Json& json, Fault& fault) { fault.function = functionNamed(json); }},
     {"key", [](const Json& json, Fault& fault) { fault.key = json.get<std::string>(); }},
     {"call", [](const Json& json, Fault& fault) { fault.call = readCount(json, 1); }},
     {"times", readTimes},
+    {"unplug", [](const Json& json, Fault& fault) { fault.unplug = json.get<bool>(); }},
     {"result", [](const Json& json, Fault& fault) { fault.answer.result = readInt32(json); }},
     {"text", [](const Json& json, Fault& fault) { fault.errorText = json.get<std::string>(); }},
     {"number", [](const Json& json, Fault& fault) { fault.errorNumber = json.get<std::string>(); }},
@@ -115,19 +103,21 @@ const std::vector<Field<Fault>> faultFields{
     {"size", readSize},
     {"exception", [](const Json& json, Fault& fault) { fault.answer.exception = json.get<std::string>(); }},
     {"foreign", [](const Json& json, Fault& fault) { fault.answer.isForeign = json.get<bool>(); }},
-};
+});
 
 /// Rejects a fault with keys that would have no effect.
 void requireEffect(const Json& json, const Fault& fault) {
     if (json.empty()) throw ValueError(json, "an empty fault would apply to every call");
+    const std::size_t events = json.size() - json.count("function") - json.count("key") - json.count("call");
+    if (fault.unplug && events > 1) throw ValueError(json, R"(only "function", "key" and "call" go with "unplug")");
     if (fault.answer.result == 0 && (fault.errorText || fault.errorNumber)) {
         throw ValueError(json, R"("text" and "number" need a "result" other than 0)");
     }
     if (fault.answer.isForeign && !fault.answer.exception) throw ValueError(json, R"("foreign" needs an "exception")");
-    if (!fault.function || hasParameter(*fault.function, "buffer")) return;
+    if (!fault.function || hasParameter(*fault.function, Parameter::buffer)) return;
     const char* const function = signatureOf(*fault.function).name;
     if (fault.answer.text) throw ValueError(json, fmt::format("{} has no \"output\"", function));
-    if (fault.answer.size && !hasParameter(*fault.function, "count")) {
+    if (fault.answer.size && !hasParameter(*fault.function, Parameter::count)) {
         throw ValueError(json, fmt::format("{} has no \"size\"", function));
     }
 }
@@ -152,19 +142,18 @@ void readReplay(const Json& json, Script& script) try {
     throw ValueError(json, error.what());
 }
 
-const std::vector<Field<Script>> scriptFields{
+constexpr auto scriptFields = std::to_array<Field<Script>>({
     {"instruments", readInstruments},
     {"chart", readChart},
     {"place", readPlace},
-    {"light", [](const Json& json, Script& script) { readMembers(json, lightFields, script.light); }},
+    {"light", [](const Json& json, Script& script) { readMembers(json, lightFields, script); }},
     {"button", [](const Json& json, Script& script) { readMembers(json, buttonFields, script.button); }},
     {"samples", readSamples},
     {"latency", readLatency},
-    {"unplug", readUnplug},
     {"faults", readFaults},
     {"trace", readTracePath},
     {"replay", readReplay},
-};
+});
 
 void requireReplayAlone(const Json& script) {
     if (!script.contains("replay")) return;
@@ -201,11 +190,16 @@ std::string descriptionOf(const Script& script) {
 
 std::vector<std::string> scriptKeys() {
     std::vector<std::string> keys;
-    for (const auto& names :
-         {namesOf(scriptFields), namesOf(lightFields, "light."), namesOf(buttonFields, "button."),
-          namesOf(samplesFields, "samples."), namesOf(unplugFields, "unplug."), namesOf(faultFields, "faults.")}) {
-        keys.insert(keys.end(), names.begin(), names.end());
-    }
+    const auto add = [&](const std::string& prefix, const auto& fields) {
+        for (const auto& field : fields) {
+            keys.push_back(prefix + std::string(field.name));
+        }
+    };
+    add("", scriptFields);
+    add("light.", lightFields);
+    add("button.", buttonFields);
+    add("samples.", samplesFields);
+    add("faults.", faultFields);
     return keys;
 }
 

@@ -3,11 +3,16 @@
 // The configuration of a simulation, read from a JSON script; docs/simulator.md describes each key.
 
 #include "simulator/Chart.h"
-#include "simulator/Faults.h"
+#include "simulator/Fault.h"
 #include "simulator/Trace.h"
 
 #include <chrono>
+#include <cstdint>
+#include <filesystem>
 #include <map>
+#include <optional>
+#include <string>
+#include <vector>
 
 namespace simulator {
 
@@ -21,24 +26,10 @@ struct Button {
     bool oncePerMeasurement = false;
 };
 
-struct Light {
-    /// Standard deviation of each reflectance factor.
-    double noise = 0.0001;
-    /// The relative increase of the lamp's brightness with each measurement; a calibration compensates for it.
-    double drift = 0;
-    std::uint64_t seed = 1;
-};
-
 /// The number of samples that a scan finds: a fixed count, or a number added to what the host requested.
 struct Samples {
     std::optional<std::int32_t> count;
     std::int32_t more = 0;
-};
-
-/// The call at which the instruments are unplugged.
-struct Unplug {
-    std::optional<Function> function;
-    std::uint32_t call = 1;
 };
 
 struct Script {
@@ -49,11 +40,11 @@ struct Script {
     /// The end of the description: "simulated i1Pro 3 with the ColorChecker Classic chart".
     std::string subject = "with the ColorChecker Classic chart";
     bool isOnWhiteReference = false;
-    Light light;
+    /// Standard deviation of each reflectance factor.
+    double noise = 0.0001;
     Button button;
     Samples samples;
     std::map<Function, std::chrono::milliseconds> latency;
-    std::optional<Unplug> unplug;
     std::optional<std::vector<Fault>> faults;
     /// The trace to write; an empty path for none.
     std::optional<std::filesystem::path> trace;
@@ -63,11 +54,10 @@ struct Script {
 
 /// Applies a JSON text to a script. Keys that the text doesn't have keep their values.
 /// @param fileName  used in error messages; file names in the text are relative to its folder
-/// @throws ScriptError  and leaves the script unchanged
+/// @throws std::runtime_error  with the file, the value or the line, and the reason; leaves the script unchanged
 void applyScript(const std::string& fileName, const std::string& text, Script& script);
 
-/// @throws ScriptError        if the script is invalid
-/// @throws std::system_error  if it can't be read
+/// @throws std::runtime_error  if the script is invalid or can't be read
 Script readScript(const std::filesystem::path& file);
 
 /// What is simulated, for I1PRO3_SimulatorDescription.

@@ -5,7 +5,10 @@
 #include "simulator/I1PRO3_Simulator.h"
 
 #include <algorithm>
-#include <mutex>
+#include <chrono>
+#include <exception>
+#include <iterator>
+#include <stdexcept>
 #include <thread>
 #include <utility>
 
@@ -38,7 +41,7 @@ const char* Simulator::use(const char* text) {
         if (text == nullptr) {
             reset();
         } else {
-            if (failure) throw ScriptError(description);
+            if (failure) throw std::runtime_error(description);
             Script next = script;
             applyScript("script", text, next);
             activate(std::move(next));
@@ -55,7 +58,6 @@ void Simulator::reset() {
     failure.reset();
     replay.reset();
     trace.reset();
-    unplug.reset();
     faults.clear();
     script = {};
     instruments.clearError();
@@ -67,12 +69,12 @@ void Simulator::reset() {
         activate(std::move(first));
     } catch (const std::exception& error) {
         description = std::string("simulated i1Pro 3, not set up: ") + error.what();
-        failure.emplace(ErrorCode::invalidSetup, error.what());
+        failure.emplace(SdkError::Code::invalidSetup, error.what());
         throw;
     }
 }
 
-/// Makes a script the current one. Moves its faults and other one-time events out of it, so that applying another
+/// Makes a script the current one. Moves its one-time events out of it, so that applying another
 /// script later doesn't repeat them.
 void Simulator::activate(Script next) {
     if (next.trace) {
@@ -82,7 +84,6 @@ void Simulator::activate(Script next) {
     description = descriptionOf(next);
     if (next.replay) replay.emplace(*std::exchange(next.replay, std::nullopt));
     if (next.faults) faults = *std::exchange(next.faults, std::nullopt);
-    if (next.unplug) unplug = std::exchange(next.unplug, std::nullopt);
     const bool hasSameInstruments = next.instruments == script.instruments;
     script = std::move(next);
     if (!hasSameInstruments) instruments.attach(script);
@@ -100,14 +101,14 @@ std::string Simulator::nameOf(I1PRO3_DeviceHandle device) const {
     return found != handles.end() ? found->first : "unknown";
 }
 
-Answer Simulator::perform(const Call& call) {
+Answer Simulator::perform(const Call& call, const Outputs& outputs) {
     const auto begin = std::chrono::steady_clock::now();
     simulateLatency(call.function);
     const Lock lock(mutex);
     Answer answer = answerTo(call);
     if (trace) trace->write(call, answer, begin);
-    writeOutputs(answer, call);
-    if (answer.devices && call.list != nullptr) *call.list = handlesOf(*answer.devices);
+    writeOutputs(answer, outputs);
+    if (answer.devices && outputs.list != nullptr) *outputs.list = handlesOf(*answer.devices);
     return answer;
 }
 
@@ -122,19 +123,27 @@ void Simulator::simulateLatency(Function function) const {
 }
 
 Answer Simulator::answerTo(const Call& call) {
-    if (failure) return failure->answer(call);
-    countDownToUnplug(call.function);
+    if (failure) return failure->persistentAnswer(call);
     instruments.rearmButton(call);
-    std::optional<Answer> answer = answerOf(faults, call);
+    std::optional<Answer> answer = applyFaults(call);
     if (!answer) answer = replay ? replay->answer(call) : instruments.answer(call);
     instruments.storeError(call, *answer);
     return *answer;
 }
 
-void Simulator::countDownToUnplug(Function function) {
-    if (!unplug || unplug->function != function || --unplug->call > 0) return;
-    instruments.unplug();
-    unplug.reset();
+/// Counts the call for every fault that it matches.
+/// @return the answer of the first fault that has one, if any
+std::optional<Answer> Simulator::applyFaults(const Call& call) {
+    std::optional<Answer> answer;
+    for (Fault& fault : faults) {
+        if (!fault.countAndTest(call)) continue;
+        if (fault.unplug) {
+            instruments.setUnplugged(*fault.unplug);
+        } else if (!answer) {
+            answer = fault.answerTo(call);
+        }
+    }
+    return answer;
 }
 
 I1PRO3_DeviceHandle* Simulator::handlesOf(const std::vector<std::string>& names) {
@@ -151,8 +160,8 @@ std::string nameOf(I1PRO3_DeviceHandle device) {
 }
 
 /// Throws only after all locks are released: a foreign exception skips this compiler's destructors.
-std::int32_t perform(const Call& call) {
-    const Answer answer = Simulator::instance().perform(call);
+std::int32_t perform(const Call& call, const Outputs& outputs, const Forward& /*forward*/) {
+    const Answer answer = Simulator::instance().perform(call, outputs);
     if (answer.isForeign) common::throwForeign(*answer.exception);
     if (answer.exception) throw std::runtime_error(*answer.exception);
     return answer.result;

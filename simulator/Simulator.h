@@ -3,8 +3,12 @@
 #include "simulator/Instruments.h"
 #include "simulator/Replay.h"
 
+#include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
 
 namespace simulator {
 
@@ -20,7 +24,7 @@ public:
     const char* describe() const;
     std::string nameOf(I1PRO3_DeviceHandle device) const;
     /// Answers a call and writes its outputs. Leaves it to the caller to throw the answer's exception.
-    Answer perform(const Call& call);
+    Answer perform(const Call& call, const Outputs& outputs);
 
 private:
     Simulator() { use(nullptr); }
@@ -28,18 +32,16 @@ private:
     void activate(Script next);
     void simulateLatency(Function function) const;
     Answer answerTo(const Call& call);
-    void countDownToUnplug(Function function);
+    std::optional<Answer> applyFaults(const Call& call);
     I1PRO3_DeviceHandle* handlesOf(const std::vector<std::string>& names);
 
     mutable std::mutex mutex;
     /// The error message of the last call of use; empty if it succeeded.
     std::string scriptError;
     /// Answers all calls while the script or trace named by the environment has an error.
-    std::optional<PermanentFailure> failure;
+    std::optional<SdkError> failure;
     std::string description;
     Script script;
-    /// The pending unplug; its call counts down.
-    std::optional<Unplug> unplug;
     std::vector<Fault> faults;
     std::optional<Replay> replay;
     Instruments instruments;

@@ -1,14 +1,17 @@
 #include "simulator/Trace.h"
 
 #include "common/Files.h"
+#include "simulator/Json.h"
 
+#include <array>
 #include <cerrno>
 #include <charconv>
 #include <cmath>
-#include <fmt/chrono.h>
 #include <limits>
+#include <optional>
 #include <sstream>
 #include <system_error>
+#include <utility>
 
 namespace simulator {
 
@@ -28,7 +31,7 @@ std::FILE* createNumbered(std::filesystem::path& path) {
         const int error = errno;
         if (error != EEXIST || !std::filesystem::is_regular_file(path)) {
             const std::string reason = std::generic_category().message(error);
-            throw ScriptError("the trace " + path.string() + " can't be created: " + reason);
+            throw std::runtime_error("the trace " + path.string() + " can't be created: " + reason);
         }
         path.replace_filename(wanted.stem() += "." + std::to_string(number) + wanted.extension().string());
     }
@@ -36,9 +39,12 @@ std::FILE* createNumbered(std::filesystem::path& path) {
 
 /// In UTC, as ISO 8601.
 std::string timestamp(std::chrono::system_clock::time_point time) {
-    const auto since = duration_cast<microseconds>(time.time_since_epoch());
-    return fmt::format("{:%Y-%m-%dT%H:%M:%S}.{:06}Z", fmt::gmtime(std::chrono::system_clock::to_time_t(time)),
-                       since.count() % 1'000'000);
+    const auto day = std::chrono::floor<std::chrono::days>(time);
+    const std::chrono::year_month_day date(day);
+    const std::chrono::hh_mm_ss clock(std::chrono::floor<microseconds>(time - day));
+    return fmt::format("{}-{:02}-{:02}T{:02}:{:02}:{:02}.{:06}Z", static_cast<int>(date.year()),
+                       static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()), clock.hours().count(),
+                       clock.minutes().count(), clock.seconds().count(), clock.subseconds().count());
 }
 
 /// A number with the fewest digits that restore the same float; the string "inf", "-inf" or "nan" if it isn't finite.
@@ -48,6 +54,23 @@ Json jsonOfValue(float value) {
     double readable = 0;
     std::from_chars(digits.data(), digits.data() + digits.size(), readable);
     return readable;
+}
+
+Json argumentsOf(const Call& call) {
+    Json json = Json::object();
+    for (const Parameter parameter : signatureOf(call.function).parameters) {
+        const char* const name = nameOf(parameter);
+        if (call.isNull(parameter)) {
+            json[name] = nullptr;
+        } else if (parameter == Parameter::size) {
+            json[name] = call.size;
+        } else if (parameter == Parameter::sample) {
+            json[name] = call.sample;
+        } else if (const std::optional<std::string> text = call.textOf(parameter)) {
+            json[name] = jsonOf(*text);
+        }
+    }
+    return json;
 }
 
 Json outputsOf(const Answer& answer) {
@@ -82,37 +105,75 @@ void readValues(const Json& json, Answer& answer) {
     }
 }
 
-const std::vector<Field<Answer>> outputFields{
+constexpr auto outputFields = std::to_array<Field<Answer>>({
     {"count", [](const Json& json, Answer& answer) { answer.count = readCount(json); }},
     {"devices", [](const Json& json, Answer& answer) { answer.devices = json.get<std::vector<std::string>>(); }},
     {"size", [](const Json& json, Answer& answer) { answer.size = readCount(json); }},
     {"text", [](const Json& json, Answer& answer) { answer.text = textOf(json); }},
     {"terminated", [](const Json& json, Answer& answer) { answer.isTerminated = json.get<bool>(); }},
     {"values", readValues},
-};
+});
 
-void readResult(const Json& json, TracedCall& line) {
+std::int32_t readInt32(const Json& json) {
     using Limits = std::numeric_limits<std::int32_t>;
-    line.answer.result = numberIn(json, Limits::min(), Limits::max());
+    return numberIn(json, Limits::min(), Limits::max());
+}
+
+void readArgument(const Json& json, Parameter parameter, Call& call) {
+    if (json.is_null()) return call.setNull(parameter);
+    switch (parameter) {
+    case Parameter::device:
+        call.device = textOf(json);
+        break;
+    case Parameter::key:
+        call.key = textOf(json);
+        break;
+    case Parameter::value:
+        call.value = textOf(json);
+        break;
+    case Parameter::size:
+        call.size = readCount(json);
+        break;
+    case Parameter::sample:
+        call.sample = readInt32(json);
+        break;
+    default:
+        throw ValueError(json, "a pointer to an output can only be null or missing");
+    }
+}
+
+void readArguments(const Json& json, Call& call) {
+    std::size_t found = 0;
+    for (const Parameter parameter : signatureOf(call.function).parameters) {
+        const auto argument = json.find(nameOf(parameter));
+        if (argument != json.end()) {
+            readArgument(*argument, parameter, call);
+            ++found;
+        } else if (call.textOf(parameter)) {
+            throw ValueError(json, fmt::format("\"{}\" is missing", nameOf(parameter)));
+        }
+    }
+    if (found == membersOf(json).size()) return;
+    throw ValueError(json, fmt::format("{} does not have these arguments", signatureOf(call.function).name));
 }
 
 void ignore(const Json& /*json*/, TracedCall& /*line*/) {}
 
-const std::vector<Field<TracedCall>> callFields{
+constexpr auto callFields = std::to_array<Field<TracedCall>>({
     {"call", ignore},
     {"time", ignore},
     {"microseconds", ignore},
     {"function", [](const Json& json, TracedCall& line) { line.call.function = functionNamed(json); }},
-    {"arguments", [](const Json& json, TracedCall& line) { line.call.arguments = membersOf(json); }},
-    {"result", readResult},
+    {"arguments", ignore}, // read once the function is known
+    {"result", [](const Json& json, TracedCall& line) { line.answer.result = readInt32(json); }},
     {"exception", [](const Json& json, TracedCall& line) { line.answer.exception = textOf(json); }},
     {"outputs", [](const Json& json, TracedCall& line) { readMembers(json, outputFields, line.answer); }},
-};
+});
 
 /// Requires outputs that the function has, with the right number of values.
 void requireMatchingOutputs(const Json& json, const Call& call, const Answer& answer) {
-    const bool hasList = hasParameter(call.function, "list");
-    const bool hasBuffer = hasParameter(call.function, "buffer");
+    const bool hasList = hasParameter(call.function, Parameter::list);
+    const bool hasBuffer = hasParameter(call.function, Parameter::buffer);
     if (((answer.count || answer.devices) && !hasList) || ((answer.size || answer.text) && !hasBuffer)) {
         throw ValueError(json, fmt::format("{} does not have these outputs", signatureOf(call.function).name));
     }
@@ -132,8 +193,9 @@ TracedCall readCall(const Json& json, std::size_t number) {
     if (json.contains("result") == json.contains("exception")) {
         throw ValueError(json, R"(expected either a "result" or an "exception")");
     }
-    json.at("arguments"); // throws if it is missing
-    requireMatchingOutputs(json.at("function"), line.call, line.answer);
+    const Json& function = json.at("function"); // throws if it is missing
+    readArguments(json.at("arguments"), line.call);
+    requireMatchingOutputs(function, line.call, line.answer);
     return line;
 }
 
@@ -141,11 +203,11 @@ TracedCall readCall(const Json& json, std::size_t number) {
 
 Trace::Trace(std::filesystem::path file, const std::string& library, bool isSimulated)
     : path(std::move(file)), stream(createNumbered(path)) {
-    const bool isWritten = writeLine({{"trace", version},
-                                      {"simulated", isSimulated},
-                                      {"library", jsonOf(library)},
-                                      {"time", timestamp(std::chrono::system_clock::now())}});
-    if (!isWritten) throw ScriptError("the trace " + path.string() + " can't be written to");
+    const Json heading{{"trace", version},
+                       {"simulated", isSimulated},
+                       {"library", jsonOf(library)},
+                       {"time", timestamp(std::chrono::system_clock::now())}};
+    if (!writeLine(heading.dump())) throw std::runtime_error("the trace " + path.string() + " can't be written to");
 }
 
 void Trace::write(const Call& call, const Answer& answer, Time begin) {
@@ -155,20 +217,20 @@ void Trace::write(const Call& call, const Answer& answer, Time begin) {
               {"time", timestamp(std::chrono::system_clock::now() - took)},
               {"microseconds", took.count()},
               {"function", signatureOf(call.function).name},
-              {"arguments", call.arguments}};
+              {"arguments", argumentsOf(call)}};
     if (answer.exception) {
         line["exception"] = jsonOf(*answer.exception);
     } else {
         line["result"] = answer.result;
     }
     if (Json outputs = outputsOf(answer); !outputs.is_null()) line["outputs"] = std::move(outputs);
-    writeLine(line);
+    writeLine(line.dump());
 }
 
 /// Writes a whole line or none: if it fails, truncates the file to the lines before and closes it.
-bool Trace::writeLine(const Json& line) {
+bool Trace::writeLine(const std::string& line) {
     if (!stream) return false;
-    const std::string text = line.dump() + '\n';
+    const std::string text = line + '\n';
     const bool isWritten = std::fwrite(text.data(), 1, text.size(), stream.get()) == text.size();
     if (isWritten && std::fflush(stream.get()) == 0) {
         written += text.size();
@@ -197,6 +259,10 @@ Recording readTrace(const std::filesystem::path& path) {
         }
     }
     return recording;
+}
+
+std::string describe(const Call& call) {
+    return fmt::format("{} {}", signatureOf(call.function).name, argumentsOf(call).dump());
 }
 
 } // namespace simulator

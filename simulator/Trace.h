@@ -6,10 +6,14 @@
 #include "simulator/Call.h"
 
 #include <chrono>
+#include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <filesystem>
 #include <memory>
 #include <mutex>
+#include <string>
+#include <vector>
 
 namespace simulator {
 
@@ -21,7 +25,7 @@ public:
     /// Creates the file. If one of this name exists, the new name gets a number: "trace.2.jsonl".
     /// @param library      the traced library
     /// @param isSimulated  whether that library is a simulation
-    /// @throws ScriptError  if the file can't be created or written to
+    /// @throws std::runtime_error  if the file can't be created or written to
     Trace(std::filesystem::path file, const std::string& library, bool isSimulated);
 
     /// Writes a call right after its return.
@@ -33,7 +37,7 @@ private:
         void operator()(std::FILE* file) const { std::fclose(file); }
     };
 
-    bool writeLine(const Json& line);
+    bool writeLine(const std::string& line);
 
     std::mutex mutex;
     std::filesystem::path path;
@@ -56,8 +60,10 @@ struct Recording {
     std::vector<TracedCall> calls;
 };
 
-/// @throws ScriptError        with the file, the line and the reason
-/// @throws std::system_error  if the file can't be read
+/// @throws std::runtime_error  with the file, the line and the reason
 Recording readTrace(const std::filesystem::path& path);
+
+/// The function and its arguments as in a trace, for messages.
+std::string describe(const Call& call);
 
 } // namespace simulator

@@ -53,8 +53,8 @@ static int plug_in(void) {
     return calls++ == 0 ? '\\n' : 'q';
 }
 """
-UNPLUG = """{"unplug": {"function": "I1PRO3_TriggerMeasurement"},
-             "faults": [{"function": "I1PRO3_CloseDevice", "result": 5, "times": "always"}]}"""
+UNPLUG = """{"faults": [{"function": "I1PRO3_TriggerMeasurement", "unplug": true},
+                        {"function": "I1PRO3_CloseDevice", "result": 5, "times": "always"}]}"""
 
 
 def run(*command, **options):

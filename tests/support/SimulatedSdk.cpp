@@ -1,18 +1,18 @@
 #include "tests/support/SimulatedSdk.h"
 
-#include <fstream>
-#include <nlohmann/json.hpp>
-#include <stdexcept>
+#include "simulator/Trace.h"
 
-using Json = nlohmann::ordered_json;
+#include <iomanip>
+#include <sstream>
+#include <stdexcept>
 
 SimulatedSdk::SimulatedSdk(const spm::Module& module)
     : applyScript(reinterpret_cast<decltype(I1PRO3_SimulatorUse)*>(module.findInSdk("I1PRO3_SimulatorUse"))) {
-    use(Json{{"trace", trace.string()}}.dump());
+    beginTrace();
 }
 
 SimulatedSdk::~SimulatedSdk() {
-    applyScript(R"({"trace": null})"); // closes the file, so that it can be removed
+    applyScript(endTrace); // closes the file, so that it can be removed
 }
 
 void SimulatedSdk::use(const std::string& script) {
@@ -20,18 +20,27 @@ void SimulatedSdk::use(const std::string& script) {
     if (error != nullptr) throw std::runtime_error(error);
 }
 
+void SimulatedSdk::beginTrace() {
+    std::ostringstream script;
+    script << "{\"trace\": " << std::quoted(trace.string()) << '}';
+    use(script.str());
+}
+
 std::vector<std::string> SimulatedSdk::takeCalls() {
-    std::ifstream lines(trace, std::ios::binary);
-    lines.seekg(taken);
+    use(endTrace);
     std::vector<std::string> calls;
-    for (std::string line; std::getline(lines, line); taken += static_cast<std::streamoff>(line.size()) + 1) {
-        const Json json = Json::parse(line);
-        if (!json.contains("call")) continue;
-        std::string& call =
-            calls.emplace_back(json.at("function").get<std::string>().substr(std::string("I1PRO3_").size()));
-        for (const Json& argument : json.at("arguments")) {
-            call += ' ' + (argument.is_string() ? argument.get<std::string>() : argument.dump());
-        }
+    for (const simulator::TracedCall& line : simulator::readTrace(trace).calls) {
+        calls.push_back(wordsOf(line.call));
     }
+    std::filesystem::remove(trace);
+    beginTrace();
     return calls;
+}
+
+std::string wordsOf(const simulator::Call& call) {
+    std::string words = std::string(simulator::signatureOf(call.function).name).substr(std::string("I1PRO3_").size());
+    for (const simulator::Parameter parameter : simulator::signatureOf(call.function).parameters) {
+        if (const auto text = call.textOf(parameter)) words += ' ' + *text;
+    }
+    return words;
 }

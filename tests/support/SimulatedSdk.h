@@ -1,10 +1,10 @@
 #pragma once
 
+#include "simulator/Call.h"
 #include "simulator/I1PRO3_Simulator.h"
 #include "spm/Module.h"
 #include "tests/support/Support.h"
 
-#include <ios>
 #include <string>
 #include <vector>
 
@@ -24,8 +24,14 @@ public:
     std::vector<std::string> takeCalls();
 
 private:
+    static constexpr const char* endTrace = R"({"trace": null})";
+
+    void beginTrace();
+
     decltype(I1PRO3_SimulatorUse)* const applyScript;
     TempFolder folder;
     std::filesystem::path trace = folder / "calls.jsonl";
-    std::streamoff taken = 0;
 };
+
+/// A call without its outputs, such as "SetOption SIM1 MeasurementMode ReflectanceSpot".
+std::string wordsOf(const simulator::Call& call);

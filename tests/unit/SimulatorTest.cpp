@@ -2,6 +2,7 @@
 
 #include "common/CsvReader.h"
 #include "simulator/Chart.h"
+#include "simulator/Colour.h"
 #include "simulator/I1PRO3_Simulator.h"
 #include "tests/support/Support.h"
 #include "tests/unit/SdkHost.h"
@@ -37,6 +38,19 @@ protected:
         return host.values;
     }
 
+    /// Measures, reads the first sample, and returns the letter of its patch.
+    char measure(char quantity) {
+        EXPECT_EQ(host.call("TriggerMeasurement SIM1"), 0);
+        EXPECT_EQ(host.call(quantity == 'L' ? "GetTriStimulus SIM1 0" : "GetSpectrum SIM1 0"), 0);
+        const auto weights = simulator::parseWeights(simulator::d65TenDegreeCsv);
+        for (std::size_t i = 0; i < chart.size(); ++i) {
+            const double expected =
+                quantity == 'L' ? simulator::cieLab(chart[i].reflectance, weights)[0] : chart[i].reflectance[0];
+            if (host.values[0] == static_cast<float>(expected)) return static_cast<char>('A' + i);
+        }
+        return '?';
+    }
+
     const std::vector<simulator::Patch> chart = simulator::parseChart(simulator::colorCheckerCsv, "the chart");
     SdkHost host;
 };
@@ -64,6 +78,43 @@ TEST_F(Simulator, MeasuresTheChartInOrder) {
         EXPECT_EQ(host.call("TriggerMeasurement SIM1"), 0) << "a sample that was not read is measured again";
         EXPECT_FLOAT_EQ(read()[0], factor);
     }
+}
+
+TEST_F(Simulator, StaysOnPatchesThatAreReadInTheOtherQuantity) {
+    // L and S measure and read CIELab values and spectra, t measures only, c reopens, 2 begins scans of two patches.
+    const std::vector<std::pair<std::string, std::string>> cases{{"LL", "AB"},   {"LS", "AA"},     {"SL", "AA"},
+                                                                 {"LSL", "AAB"}, {"LSSL", "AABB"}, {"LtS", "AA"},
+                                                                 {"LcS", "AB"},  {"L2S", "AB"},    {"2LSLS", "AACC"}};
+    for (const auto& [steps, patches] : cases) {
+        begin(R"({"light": {"noise": 0}})");
+        std::string seen;
+        const auto prepare = [&](const std::string& mode) {
+            host.call("Calibrate SIM1");
+            EXPECT_EQ(host.call("SetOption SIM1 MeasurementMode " + mode), 0);
+        };
+        prepare("ReflectanceSpot");
+        for (const char step : steps) {
+            if (step == 'L' || step == 'S') seen += measure(step);
+            if (step == 't') host.call("TriggerMeasurement SIM1");
+            if (step == '2') prepare("ReflectanceScan");
+            if (step == '2') host.call("SetOption SIM1 PatchesPerLine 2");
+            if (step == 'c') host.call("OpenDevice SIM1");
+            if (step == 'c') prepare("ReflectanceSpot");
+        }
+        EXPECT_EQ(seen, patches) << steps;
+    }
+}
+
+TEST_F(Simulator, CanBePluggedInAgain) {
+    begin(R"({"faults": [{"function": "I1PRO3_Calibrate", "unplug": true},
+                         {"function": "I1PRO3_GetDevices", "call": 3, "unplug": false}]})");
+    EXPECT_EQ(host.call("Calibrate SIM1"), 8);
+    EXPECT_EQ(host.call("GetDevices"), 0);
+    EXPECT_EQ(host.call("OpenDevice SIM1"), 8);
+    EXPECT_EQ(host.call("GetDevices"), 0);
+    EXPECT_EQ(host.call("Calibrate SIM1"), 2) << "it is not open";
+    EXPECT_EQ(host.call("OpenDevice SIM1"), 0);
+    EXPECT_EQ(host.call("Calibrate SIM1"), 0);
 }
 
 TEST_F(Simulator, AddsSlightNoise) {

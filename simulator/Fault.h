@@ -4,15 +4,26 @@
 
 namespace simulator {
 
-/// Replaces the simulated answer to certain calls.
+/// An event at certain calls: the instruments are unplugged or plugged in again, or another answer replaces the
+/// simulated one.
 struct Fault {
+    /// Counts the call if it matches.
+    /// @return whether the fault applies to it
+    bool countAndTest(const Call& made);
+
+    /// The answer to a call, without the outputs that the call's function doesn't have.
+    Answer answerTo(const Call& made) const;
+
     /// The function and an argument that a call must have to match; unset and empty match every call.
     std::optional<Function> function{};
     std::string key{};
-    /// The first matching call to fail, counted from 1, and how many fail; without a value, all later ones.
+    /// The first matching call to which it applies, counted from 1, and to how many; without a value, to all later
+    /// ones.
     std::uint32_t call = 1;
     std::optional<std::uint32_t> times = 1;
 
+    /// Unplugs the instruments (true) or plugs them in again (false), and leaves the answer to them.
+    std::optional<bool> unplug{};
     /// For I1PRO3_GetDevices, the size is the device count. The text is not NUL-terminated.
     Answer answer{};
     /// "LastErrorText" and "LastErrorNumber" if the result is not 0.
@@ -22,8 +33,5 @@ struct Fault {
     /// The number of matching calls so far.
     std::uint32_t matches = 0;
 };
-
-/// The answer of the first fault that applies to the call, if any. Counts the call for every fault that it matches.
-std::optional<Answer> answerOf(std::vector<Fault>& faults, const Call& call);
 
 } // namespace simulator
