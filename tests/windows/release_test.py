@@ -4,6 +4,7 @@ Usage: release_test.py BUILD_FOLDER CLASS: the build folder of the preset "windo
 Needs pefile, cpack and Wine.
 """
 
+import fnmatch
 import re
 import subprocess
 import sys
@@ -21,21 +22,7 @@ EXPORTS = (PROJECT / "module/exports.txt").read_text().split()
 IMPORTS = {"ADVAPI32.dll", "KERNEL32.dll", "VERSION.dll", "i1Pro364.dll", "msvcrt.dll"}
 MITIGATIONS = ["IMAGE_DLLCHARACTERISTICS_DYNAMIC_BASE", "IMAGE_DLLCHARACTERISTICS_HIGH_ENTROPY_VA",
                "IMAGE_DLLCHARACTERISTICS_NX_COMPAT"]
-HEADERS = ["I1PRO3_Simulator.h", "IScmSPM.h", "SPM.h", "SPM_listener.h", "cap/CAPException.h", "cap/CAPLoggingHandler.h",
-           "cap/ICAPLoggingListener.h", "cap/ICAPLoggingMessage.h", "cap/ICAPLoggingSource.h"]
-PACKAGE = ["spm_i1pro3-config-version.cmake", "spm_i1pro3-config.cmake"]
-ARCHIVE = ["CHANGELOG.md", "README.md", "bin/spm.exe", "bin/spm_i1pro3.dll", "bin/spm_i1pro3_listener.dll", "docs/first-contact.md",
-           "docs/host-guide.md", "docs/report.png", "docs/settings.md", "docs/simulator.md", "docs/spm.md",
-           "docs/windows.md",
-           *(f"include/spm_i1pro3/{name}" for name in HEADERS),
-           *(f"lib/cmake/spm_i1pro3/{name}" for name in PACKAGE), "lib/libspm_i1pro3.dll.a",
-           "lib/libspm_i1pro3_listener.dll.a", "lib/spm_i1pro3.def", "lib/spm_i1pro3.lib", "lib/spm_i1pro3_listener.def",
-           "lib/spm_i1pro3_listener.lib", "licenses/CLI11.txt", "licenses/GPL-3.txt", "licenses/Mustache.txt",
-           "licenses/fmt.txt", "licenses/gcc.txt", "licenses/mingw-w64.txt", "licenses/nlohmann-json.txt",
-           "recorder/i1Pro364.dll", "simulator/i1Pro364.dll", "simulator/spm_i1pro3.dll",
-           "simulator/spm_i1pro3_listener.dll"]
-EXAMPLES = [str(path.relative_to(PROJECT)) for path in (PROJECT / "examples").rglob("*")
-            if path.is_file() and path.suffix != ".config"]
+CONTENTS = re.findall(r"^\| (`.*?) \|", (PROJECT / "docs/windows.md").read_text().split("## Try it")[0], re.MULTILINE)
 LOGGING = "REGEDIT4\r\n\r\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM]\r\n\"Logging\"={}\r\n"
 
 
@@ -58,20 +45,16 @@ class Library(unittest.TestCase):
             self.assertTrue(hasattr(library, "DIRECTORY_ENTRY_BASERELOC"))
             self.assertEqual(library.FILE_HEADER.TimeDateStamp, 0)
 
-    def test_reports_its_version(self):
-        texts = self.library.FileInfo[0][0].StringTable[0].entries
-        version = re.search(r"VERSION ([\d.]+) DESC", (PROJECT / "CMakeLists.txt").read_text())[1]
-        self.assertEqual((texts[b"InternalName"], texts[b"FileVersion"]), (b"spm_i1pro3", version.encode()))
-        self.assertNotIn(b"Comments", texts)
 
-
-class StandIns(unittest.TestCase):
-    def test_describe_themselves(self):
-        for file, description in [("i1Pro364.dll", b"Simulated i1Pro 3 SDK library"),
-                                  ("recorder/i1Pro364.dll", b"Recorder of the calls to the i1Pro 3 SDK library")]:
-            library = pefile.PE(BUILD / "bin" / file)
-            texts = library.FileInfo[0][0].StringTable[0].entries
-            self.assertEqual((texts[b"FileDescription"], texts[b"OriginalFilename"]), (description, b"i1Pro364.dll"))
+class Versions(unittest.TestCase):
+    def test_say_what_each_library_is(self):
+        version = re.search(r"VERSION ([\d.]+) DESC", (PROJECT / "CMakeLists.txt").read_text())[1].encode()
+        for file, description in [("spm_i1pro3.dll", b"Spectro"), ("spm_i1pro3_listener.dll", b"Listener"),
+                                  ("i1Pro364.dll", b"Simulated"), ("recorder/i1Pro364.dll", b"Recorder")]:
+            texts = pefile.PE(BUILD / "bin" / file).FileInfo[0][0].StringTable[0].entries
+            self.assertTrue(texts[b"FileDescription"].startswith(description), file)
+            self.assertEqual((texts[b"OriginalFilename"], texts[b"FileVersion"]), (Path(file).name.encode(), version))
+            self.assertNotIn(b"Comments", texts)
 
 
 class Archive(unittest.TestCase):
@@ -96,8 +79,12 @@ class Archive(unittest.TestCase):
         settings.write_bytes(LOGGING.format(value).encode())
         self.assertEqual(self.run_in_wine("regedit", "/S", settings).returncode, 0)
 
-    def test_contains_only_the_release(self):
-        self.assertEqual(sorted(self.files), sorted(f"{self.release.name}/{name}" for name in ARCHIVE + EXAMPLES))
+    def test_contains_what_the_page_lists(self):
+        listed = [pattern for line in CONTENTS for pattern in re.findall("`(.*?)`", line)]
+        names = [name.removeprefix(f"{self.release.name}/") for name in self.files]
+        found = {pattern: fnmatch.filter(names, f"{pattern}*" if pattern[-1] == "/" else pattern) for pattern in listed}
+        self.assertEqual([pattern for pattern in listed if not found[pattern]], [])
+        self.assertEqual(set(names) - set().union(*found.values()), set())
 
     def test_measures_and_logs_on_the_simulator(self):
         self.set_logging("dword:00000001")
