@@ -99,9 +99,7 @@ class Spectrophotometer:
             if not self._subscription:
                 raise MemoryError
             if not self._module.SPM_open(self._handle, b"USB"):
-                if not self._errors:
-                    raise NoInstrument("not opened: no instrument was found")
-                raise self._failure("not opened")
+                raise self._failure("not opened") if self._errors else NoInstrument("not opened: no instrument was found")
         except BaseException:
             self.close()
             raise
