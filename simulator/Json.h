@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <fmt/format.h>
 #include <iterator>
+#include <limits>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 #include <string>
@@ -81,6 +82,13 @@ Number numberIn(const Json& json, Number minimum, Number maximum) {
             json, fmt::format("must be a {} from {} to {}", isWhole ? "whole number" : "number", minimum, maximum));
     }
     return static_cast<Number>(number);
+}
+
+/// @throws Json::exception  if the value isn't a whole number in the range of this type
+template <class Integer>
+Integer integerIn(const Json& json) {
+    using Limits = std::numeric_limits<Integer>;
+    return numberIn(json, Limits::min(), Limits::max());
 }
 
 /// A string as JSON: a JSON string if it is UTF-8, otherwise an array of its bytes.

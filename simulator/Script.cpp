@@ -3,7 +3,6 @@
 #include "common/Files.h"
 #include "simulator/Json.h"
 
-#include <limits>
 #include <set>
 #include <string_view>
 #include <utility>
@@ -14,11 +13,6 @@ namespace {
 
 std::uint32_t readCount(const Json& json, std::uint32_t minimum) {
     return numberIn(json, minimum, 1'000'000'000U);
-}
-
-std::int32_t readInt32(const Json& json) {
-    using Limits = std::numeric_limits<std::int32_t>;
-    return numberIn(json, Limits::min(), Limits::max());
 }
 
 std::chrono::milliseconds readTime(const Json& json) {
@@ -63,8 +57,8 @@ constexpr auto buttonFields = std::to_array<Field<Button>>({
 });
 
 constexpr auto samplesFields = std::to_array<Field<Samples>>({
-    {"count", [](const Json& json, Samples& samples) { samples.count = readInt32(json); }},
-    {"more", [](const Json& json, Samples& samples) { samples.more = readInt32(json); }},
+    {"count", [](const Json& json, Samples& samples) { samples.count = integerIn<std::int32_t>(json); }},
+    {"more", [](const Json& json, Samples& samples) { samples.more = integerIn<std::int32_t>(json); }},
 });
 
 void readSamples(const Json& json, Script& script) {
@@ -86,21 +80,17 @@ void readTimes(const Json& json, Fault& fault) {
     if (json != "always") fault.times = readCount(json, 1);
 }
 
-void readSize(const Json& json, Fault& fault) {
-    fault.answer.size = numberIn(json, 0U, std::numeric_limits<std::uint32_t>::max());
-}
-
 constexpr auto faultFields = std::to_array<Field<Fault>>({
     {"function", [](const Json& json, Fault& fault) { fault.function = functionNamed(json); }},
     {"key", [](const Json& json, Fault& fault) { fault.key = json.get<std::string>(); }},
     {"call", [](const Json& json, Fault& fault) { fault.call = readCount(json, 1); }},
     {"times", readTimes},
     {"unplug", [](const Json& json, Fault& fault) { fault.unplug = json.get<bool>(); }},
-    {"result", [](const Json& json, Fault& fault) { fault.answer.result = readInt32(json); }},
+    {"result", [](const Json& json, Fault& fault) { fault.answer.result = integerIn<std::int32_t>(json); }},
     {"text", [](const Json& json, Fault& fault) { fault.errorText = json.get<std::string>(); }},
     {"number", [](const Json& json, Fault& fault) { fault.errorNumber = json.get<std::string>(); }},
     {"output", [](const Json& json, Fault& fault) { fault.answer.text = json.get<std::string>(); }},
-    {"size", readSize},
+    {"size", [](const Json& json, Fault& fault) { fault.answer.size = integerIn<std::uint32_t>(json); }},
     {"exception", [](const Json& json, Fault& fault) { fault.answer.exception = json.get<std::string>(); }},
     {"foreign", [](const Json& json, Fault& fault) { fault.answer.isForeign = json.get<bool>(); }},
 });

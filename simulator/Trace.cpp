@@ -86,10 +86,6 @@ Json outputsOf(const Answer& answer) {
     return json;
 }
 
-std::uint32_t readCount(const Json& json) {
-    return numberIn(json, 0U, std::numeric_limits<std::uint32_t>::max());
-}
-
 float readValue(const Json& json) {
     if (!json.is_string()) return json.get<float>();
     for (const float special : {std::numeric_limits<float>::infinity(), -std::numeric_limits<float>::infinity(),
@@ -106,18 +102,13 @@ void readValues(const Json& json, Answer& answer) {
 }
 
 constexpr auto outputFields = std::to_array<Field<Answer>>({
-    {"count", [](const Json& json, Answer& answer) { answer.count = readCount(json); }},
+    {"count", [](const Json& json, Answer& answer) { answer.count = integerIn<std::uint32_t>(json); }},
     {"devices", [](const Json& json, Answer& answer) { answer.devices = json.get<std::vector<std::string>>(); }},
-    {"size", [](const Json& json, Answer& answer) { answer.size = readCount(json); }},
+    {"size", [](const Json& json, Answer& answer) { answer.size = integerIn<std::uint32_t>(json); }},
     {"text", [](const Json& json, Answer& answer) { answer.text = textOf(json); }},
     {"terminated", [](const Json& json, Answer& answer) { answer.isTerminated = json.get<bool>(); }},
     {"values", readValues},
 });
-
-std::int32_t readInt32(const Json& json) {
-    using Limits = std::numeric_limits<std::int32_t>;
-    return numberIn(json, Limits::min(), Limits::max());
-}
 
 void readArgument(const Json& json, Parameter parameter, Call& call) {
     if (json.is_null()) return call.setNull(parameter);
@@ -132,10 +123,10 @@ void readArgument(const Json& json, Parameter parameter, Call& call) {
         call.value = textOf(json);
         break;
     case Parameter::size:
-        call.size = readCount(json);
+        call.size = integerIn<std::uint32_t>(json);
         break;
     case Parameter::sample:
-        call.sample = readInt32(json);
+        call.sample = integerIn<std::int32_t>(json);
         break;
     default:
         throw ValueError(json, "a pointer to an output can only be null or missing");
@@ -165,7 +156,7 @@ constexpr auto callFields = std::to_array<Field<TracedCall>>({
     {"microseconds", ignore},
     {"function", [](const Json& json, TracedCall& line) { line.call.function = functionNamed(json); }},
     {"arguments", ignore}, // read once the function is known
-    {"result", [](const Json& json, TracedCall& line) { line.answer.result = readInt32(json); }},
+    {"result", [](const Json& json, TracedCall& line) { line.answer.result = integerIn<std::int32_t>(json); }},
     {"exception", [](const Json& json, TracedCall& line) { line.answer.exception = textOf(json); }},
     {"outputs", [](const Json& json, TracedCall& line) { readMembers(json, outputFields, line.answer); }},
 });
