@@ -30,13 +30,6 @@ std::string withLogExtension(const std::string& path) {
     return path.substr(0, hasExtension ? dot : path.size()) + ".log";
 }
 
-std::string makeTimestamp(__time64_t now, const std::string& zone) {
-    std::tm local{};
-    _localtime64_s(&local, &now);
-    return FormatText("%04d-%02d-%02d %02d:%02d:%02d (%s) ", local.tm_year + 1900, local.tm_mon + 1, local.tm_mday,
-                      local.tm_hour, local.tm_min, local.tm_sec, zone.c_str());
-}
-
 } // namespace
 
 CAPLoggingFile::CAPLoggingFile() : zoneText(currentZoneText()) {}
@@ -65,7 +58,6 @@ void CAPLoggingFile::OpenForModule(HMODULE module, const char* mode) {
 void CAPLoggingFile::OpenFile(const char* path, const char* mode) {
     CloseFile();
     if (path != nullptr) stream.reset(openLogStream(path, mode));
-    isLastLineIncomplete = stream != nullptr && endsWithIncompleteLine(stream.get());
     LogText(CAPLevel::debug, bannerModuleNumber, "----- Started Logging -----");
 }
 
@@ -93,29 +85,16 @@ void CAPLoggingFile::HandleMessage(ICAPLoggingSource* source, const ICAPLoggingM
     writeLine(FormatText(":%X", unsigned{sourceNumber}), message);
 }
 
+/// Hands the line over as a whole, so that lines of several threads don't mix.
 void CAPLoggingFile::writeLine(const std::string& source, const ICAPLoggingMessage& message) {
-    std::string line = isLastLineIncomplete ? "\n" : "";
-    appendTimestamp(line);
-    line += FormatText("[%X:%X%s] ", static_cast<unsigned>(GetCurrentProcessId()),
-                       static_cast<unsigned>(GetCurrentThreadId()), source.c_str());
-    const std::string text = message.ToString();
-    line.append(text, 0, text.find('\0')).append("\n");
-    const Written written = appendText(stream.get(), line);
-    if (written != Written::nothing) isLastLineIncomplete = written == Written::part;
-}
-
-/// Appends date, time and zone. The text is cached for a second; a thread that finds the cache in use formats its own
-/// text instead of waiting.
-void CAPLoggingFile::appendTimestamp(std::string& line) {
     const __time64_t now = std::time(nullptr);
-    if (isTimestampInUse.test_and_set(std::memory_order_acquire)) {
-        line += makeTimestamp(now, zoneText);
-        return;
-    }
-    if (now != timestampSecond) {
-        timestamp = makeTimestamp(now, zoneText);
-        timestampSecond = now;
-    }
-    line += timestamp;
-    isTimestampInUse.clear(std::memory_order_release);
+    std::tm local{};
+    _localtime64_s(&local, &now);
+    std::string line = FormatText("%04d-%02d-%02d %02d:%02d:%02d (%s) [%X:%X%s] ", local.tm_year + 1900,
+                                  local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec,
+                                  zoneText.c_str(), static_cast<unsigned>(GetCurrentProcessId()),
+                                  static_cast<unsigned>(GetCurrentThreadId()), source.c_str());
+    line.append(message.ToString().c_str()).append("\n"); // NOLINT(readability-redundant-string-cstr): up to a NUL
+    std::fputs(line.c_str(), stream.get());
+    std::fflush(stream.get());
 }

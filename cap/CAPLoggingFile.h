@@ -3,7 +3,6 @@
 #include "cap/ICAPLoggingListener.h"
 #include "platform/win32.h"
 
-#include <atomic>
 #include <cstdint>
 #include <cstdio>
 #include <memory>
@@ -15,9 +14,7 @@
 /// time, the zone's offset without daylight saving, and hexadecimal numbers in brackets. No operation reports a
 /// failure: if the file can't be opened or written, its lines are lost.
 ///
-/// Each line is one write, so lines of several threads, objects and processes never mix. Only regular files are opened.
-/// If another process keeps the file locked, a line is delayed briefly but still written. If the file ends with an
-/// incomplete line, as a full disk may leave it, a line break is written before the next line.
+/// Each line is appended as a whole, without a lock, so lines of several threads, objects and processes don't mix.
 class CAPLoggingFile : public ICAPLoggingListener {
 public:
     CAPLoggingFile();
@@ -33,7 +30,7 @@ public:
     void SetDetailLevel(std::int32_t level);
 
     /// Opens the log file beside the module's file: the same name with the extension ".log".
-    /// @param mode  "a" to append, "w" to truncate the file first
+    /// @param mode  as for std::fopen, such as "a" to append
     void OpenForModule(HMODULE module, const char* mode);
 
     /// Closes the open file, if any, opens another and writes the start banner.
@@ -52,7 +49,6 @@ public:
 private:
     bool accepts(std::int32_t level) const { return stream != nullptr && level <= detailLevel; }
     void writeLine(const std::string& source, const ICAPLoggingMessage& message);
-    void appendTimestamp(std::string& line);
 
     struct CloseStream {
         void operator()(std::FILE* open) const { std::fclose(open); }
@@ -61,8 +57,4 @@ private:
     std::unique_ptr<std::FILE, CloseStream> stream;
     std::string zoneText;
     std::int32_t detailLevel = 2;
-    std::atomic<bool> isLastLineIncomplete = false;
-    std::atomic_flag isTimestampInUse;
-    __time64_t timestampSecond = -1;
-    std::string timestamp;
 };

@@ -4,9 +4,10 @@
 #include "module/Device.h"
 #include "platform/ForeignCall.h"
 
+#include <algorithm>
 #include <array>
-#include <charconv>
 #include <stdexcept>
+#include <string>
 #include <utility>
 
 namespace {
@@ -20,26 +21,7 @@ constexpr std::uint32_t whiteReference = 1;
 constexpr std::uint32_t spotMode = 1;
 constexpr std::uint32_t scanMode = 2;
 
-constexpr std::int32_t numberOfReflections = I1PRO3_NUMBER_OF_REFLECTIONS;
 constexpr float percent = 100.0F;
-
-/// A number as decimal text, without an allocation.
-class Decimal {
-public:
-    explicit Decimal(std::int32_t number) { std::to_chars(digits.data(), digits.data() + digits.size() - 1, number); }
-    const char* text() const { return digits.data(); }
-
-private:
-    std::array<char, 12> digits{};
-};
-
-/// Always inline, so that the usual call with all entries becomes a loop of constant length.
-[[gnu::always_inline]] inline void writeReflections(const float* factors, SPM_REFLECTION* reflections,
-                                                    std::int32_t entries) {
-    for (std::int32_t j = 0; j < entries; ++j) {
-        reflections[j] = {I1PRO3_FIRST_WAVELENGTH + I1PRO3_WAVELENGTH_STEP * j, factors[j] * percent};
-    }
-}
 
 /// Runs an operation for the destructor, which must not throw.
 template <class Operation>
@@ -158,8 +140,10 @@ SPM_OPTIONS_EX SPM_i1PRO3::getStatus() {
 
 SPM_CALIBRATION_EX SPM_i1PRO3::calibrate(const SPM_CALIBRATION_EX& request) {
     SPM_CALIBRATION_EX reply;
-    if (!isOpened()) return resolved(reply);
+    bool wasOpened = false;
     attempt([&] {
+        wasOpened = isOpened();
+        if (!wasOpened) return;
         switch (request.step) {
         case SPM_STEP_BEGIN:
             deviceState = CalibrationPending;
@@ -176,7 +160,7 @@ SPM_CALIBRATION_EX SPM_i1PRO3::calibrate(const SPM_CALIBRATION_EX& request) {
         }
     });
     if (reply.step == SPM_STEP_CONTINUE) reply.reference = whiteReference;
-    if (reply.step == SPM_STEP_NOTHING) deviceState = Open;
+    if (wasOpened && reply.step == SPM_STEP_NOTHING) deviceState = Open;
     return resolved(reply);
 }
 
@@ -208,13 +192,13 @@ bool SPM_i1PRO3::isCalibrated() {
 // Measurement
 
 std::int32_t SPM_i1PRO3::getNumberOfReflections() const {
-    return numberOfReflections;
+    return I1PRO3_NUMBER_OF_REFLECTIONS;
 }
 
 bool SPM_i1PRO3::read(SPM_LAB* values, std::int32_t* count) {
     const std::int32_t patches = std::exchange(*count, 0);
     return attempt([&] {
-        if (isOpened() && patches >= 1) measure(patches, values, count);
+        if (isOpened() && patches >= 1) measure<3>(patches, values, count);
     });
 }
 
@@ -222,18 +206,21 @@ bool SPM_i1PRO3::readSpectrum(SPM_SPECTRUM* spectra, std::int32_t* count) {
     const std::int32_t patches = std::exchange(*count, 0);
     return attempt([&] {
         if (!isOpened() || patches < 1) return;
-        if (spectra->numberOfReflections == getNumberOfReflections()) measure(patches, spectra, count);
+        if (spectra == nullptr || spectra->numberOfReflections == getNumberOfReflections())
+            measure<I1PRO3_NUMBER_OF_REFLECTIONS>(patches, spectra, count);
     });
 }
 
 /// Measures if the button was pressed. Increments `count` with each record, so that it is correct after a failure, too.
-template <class Record>
+/// @tparam size  the number of values that the vendor's library gives for a sample
+template <std::size_t size, class Record>
 void SPM_i1PRO3::measure(std::int32_t patches, Record* records, std::int32_t* count) {
     setMeasurementMode(patches);
     if (callForeign(I1PRO3_GetButtonStatusD, deviceHandle) == I1PRO3_BUTTON_NOT_PRESSED) return;
+    if (records == nullptr) throw SPMException(spmErrorNumber, "no array for the samples");
     checkSdkResult(callForeign(I1PRO3_TriggerMeasurement, deviceHandle));
     const std::int32_t samples = numberOfSamples(patches);
-    std::array<float, numberOfReflections> buffer{}; // for a spectrum or the three CIELab values of one sample
+    std::array<float, size> buffer{};
     for (std::int32_t sample = 0; sample < samples; ++sample) {
         readSample(sample, buffer.data(), records[sample]);
         *count = sample + 1;
@@ -247,7 +234,7 @@ void SPM_i1PRO3::setMeasurementMode(std::int32_t patches) {
         return;
     }
     setOption("RecognitionKey", "RecognitionPositionDark");
-    setOption("PatchesPerLine", Decimal(patches).text());
+    setOption("PatchesPerLine", std::to_string(patches).c_str()); // short enough to need no allocation
     setOption("MeasurementMode", "ReflectanceScan");
 }
 
@@ -265,12 +252,9 @@ void SPM_i1PRO3::readSample(std::int32_t sample, float* buffer, SPM_LAB& values)
 
 void SPM_i1PRO3::readSample(std::int32_t sample, float* buffer, const SPM_SPECTRUM& spectrum) {
     checkSdkResult(callForeign(I1PRO3_GetSpectrum, deviceHandle, buffer, sample));
-    const std::int32_t capacity = spectrum.numberOfReflections;
-    if (capacity > 0 && spectrum.reflections == nullptr)
-        throw SPMException(spmErrorNumber, "a spectrum record has no array of reflections");
-    if (capacity >= numberOfReflections) {
-        writeReflections(buffer, spectrum.reflections, numberOfReflections);
-    } else {
-        writeReflections(buffer, spectrum.reflections, capacity);
+    const std::int32_t entries = std::min<std::int32_t>(spectrum.numberOfReflections, I1PRO3_NUMBER_OF_REFLECTIONS);
+    if (entries > 0 && spectrum.reflections == nullptr) throw SPMException(spmErrorNumber, "no array for a spectrum");
+    for (std::int32_t j = 0; j < entries; ++j) {
+        spectrum.reflections[j] = {I1PRO3_FIRST_WAVELENGTH + I1PRO3_WAVELENGTH_STEP * j, buffer[j] * percent};
     }
 }

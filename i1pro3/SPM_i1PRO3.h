@@ -37,7 +37,7 @@ private:
     void connect();
     std::uint32_t continueCalibration();
 
-    template <class Record>
+    template <std::size_t size, class Record>
     void measure(std::int32_t patches, Record* records, std::int32_t* count);
     void setMeasurementMode(std::int32_t patches);
     std::int32_t numberOfSamples(std::int32_t patches);

@@ -26,12 +26,12 @@ auto withModule(SPM_HANDLE handle, Operation operation) noexcept {
     return guarded([&] { return handle != nullptr ? operation(static_cast<SPM_BASE&>(*handle)) : Result(); });
 }
 
-/// Checks the arguments of a read for null. If one is missing, sets the count, if there is one, to 0.
-bool checkReadArguments(SPM_HANDLE handle, const void* records, std::int32_t* count) noexcept {
+/// Runs a read on a handle's object. The count is needed, and 0 also if the handle is null.
+template <class Record>
+bool runRead(SPM_HANDLE handle, bool (IScmSPM::*read)(Record*, int32_t*), Record* records, int32_t* count) noexcept {
     if (count == nullptr) return false;
-    if (handle != nullptr && records != nullptr) return true;
-    *count = 0;
-    return false;
+    if (handle == nullptr) *count = 0;
+    return withModule(handle, [&](SPM_BASE& module) { return (module.*read)(records, count); });
 }
 
 template <class Read>
@@ -84,7 +84,7 @@ void SPM_setOptions(SPM_HANDLE handle, const SPM_OPTIONS* options) {
 }
 
 bool SPM_open(SPM_HANDLE handle, const char* device) {
-    return withModule(handle, [&](SPM_BASE& module) { return device != nullptr && module.open(device); });
+    return withModule(handle, [&](SPM_BASE& module) { return module.open(device != nullptr ? device : ""); });
 }
 
 void SPM_close(SPM_HANDLE handle) {
@@ -119,11 +119,9 @@ int32_t SPM_getNumberOfReflections(SPM_HANDLE handle) {
 }
 
 bool SPM_read(SPM_HANDLE handle, SPM_LAB* values, int32_t* count) {
-    return checkReadArguments(handle, values, count) &&
-           withModule(handle, [&](SPM_BASE& module) { return module.read(values, count); });
+    return runRead(handle, &IScmSPM::read, values, count);
 }
 
 bool SPM_readSpectrum(SPM_HANDLE handle, SPM_SPECTRUM* spectra, int32_t* count) {
-    return checkReadArguments(handle, spectra, count) &&
-           withModule(handle, [&](SPM_BASE& module) { return module.readSpectrum(spectra, count); });
+    return runRead(handle, &IScmSPM::readSpectrum, spectra, count);
 }

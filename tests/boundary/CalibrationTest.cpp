@@ -56,3 +56,12 @@ TEST_F(Calibration, FollowsTheStateTable) {
         EXPECT_EQ(sdk.takeCalls(), each.calls) << "case " << (&each - dialogue.data());
     }
 }
+
+TEST_F(Calibration, LogsAFailedCloseOfALostConnection) {
+    open();
+    sdk.use(R"({"faults": [{"function": "I1PRO3_GetConnectionStatus", "exception": "lost"},
+                           {"function": "I1PRO3_CloseDevice", "result": 9}]})");
+    EXPECT_EQ(step(0), nothing);
+    EXPECT_EQ(listener.lines.size(), 1U);
+    EXPECT_FALSE(module.isOpened(handle));
+}

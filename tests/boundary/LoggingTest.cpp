@@ -1,8 +1,6 @@
 #include "cap/CAPLoggingMessage.h"
 #include "tests/boundary/ModuleTest.h"
 
-#include <future>
-
 using Logging = ModuleTest;
 
 TEST_F(Logging, WritesWhatTheSettingsSelect) {
@@ -44,34 +42,4 @@ TEST_F(Logging, OmitsMessagesThatTheListenerRejects) {
     EXPECT_THROW(handle->LogMessage(CAPLoggingMessage(2, 7, "refused")), CAPException);
     handle->LogMessage(CAPLoggingMessage(3, 7, "trace"));
     EXPECT_EQ(log(), Texts{"M7 D: trace"});
-}
-
-// Each object opens the file itself, as separate processes do.
-TEST_F(Logging, KeepsLinesOfConcurrentWritersWhole) {
-    constexpr int writers = 8;
-    constexpr int times = 10;
-    const std::string text(20'000, 'x');
-    sdk.use(R"({"faults": [{"function": "I1PRO3_GetDevices", "times": "always", "result": 9},
-        {"function": "I1PRO3_GetGlobalOption", "times": "always", "output": ")" +
-            text + R"("}]})");
-    std::vector<std::future<void>> ends;
-    for (int writer = 0; writer < writers; ++writer) {
-        ends.push_back(std::async(std::launch::async, [&] {
-            RecordingListener recorder;
-            SPM_HANDLE const other = module.create();
-            other->AddListener(&recorder);
-            for (int i = 0; i < times; ++i) {
-                module.open(other, "USB");
-            }
-            module.destroy(other);
-        }));
-    }
-    ends.clear(); // waits for them
-    const std::string message = "] M7 E1539: " + text + "\nErrorNumber: " + text + "\n2";
-    std::string written = readText(logFile());
-    int whole = 0;
-    for (; written.find(message) != std::string::npos; ++whole) {
-        written.erase(0, written.find(message) + message.size());
-    }
-    EXPECT_EQ(whole, writers * times);
 }

@@ -110,5 +110,47 @@ TEST_F(Measurement, FillsLaterRecordsUpToTheirSize) {
     EXPECT_EQ(readSpectrum(5), (Reading{false, 3}));
     spectra[3] = {1, nullptr};
     EXPECT_EQ(readSpectrum(5), (Reading{false, 3}));
-    EXPECT_EQ(listener.lines.front(), "M7 E1539: a spectrum record has no array of reflections");
+    EXPECT_EQ(listener.lines.size(), 2U);
+}
+
+TEST_F(Measurement, NeedsAnArrayOnlyForWhatItMeasured) {
+    const auto expect = [&](int32_t patches, bool answer, const Texts& calls) {
+        int32_t count = patches;
+        EXPECT_EQ(module.read(handle, nullptr, &count), answer);
+        EXPECT_EQ(std::exchange(count, patches), 0);
+        EXPECT_EQ(sdk.takeCalls(), calls);
+        EXPECT_EQ(module.readSpectrum(handle, nullptr, &count), answer);
+        EXPECT_EQ(count, 0);
+        EXPECT_EQ(sdk.takeCalls(), calls);
+        EXPECT_EQ(std::exchange(listener.lines, {}).size(), answer ? 0U : 2U);
+    };
+    const Texts polling{"GetConnectionStatus SIM1", "SetOption SIM1 MeasurementMode ReflectanceSpot",
+                        "GetButtonStatusD SIM1"};
+    expect(1, true, {});
+    openAndCalibrate();
+    expect(0, true, {"GetConnectionStatus SIM1"});
+    expect(-1, true, {"GetConnectionStatus SIM1"});
+    expect(1, false, polling);
+    sdk.use(R"({"button": {"never": true}})");
+    expect(1, true, polling);
+}
+
+// The objects share the SDK library and the instrument, but not their state.
+TEST_F(Measurement, GoesOnWhileAnotherObjectUsesTheSdk) {
+    openAndCalibrate();
+    SPM_HANDLE const other = module.create();
+    EXPECT_EQ(read(24), (Reading{true, 24}));
+    EXPECT_TRUE(module.open(other, "USB"));
+    EXPECT_EQ(read(24), (Reading{false, 0})) << "opening ended the calibration";
+    module.close(other);
+    EXPECT_TRUE(module.isOpened(handle));
+    EXPECT_EQ(read(24), (Reading{false, 0})) << "the instrument is closed";
+    EXPECT_EQ(listener.lines.size(), 2U);
+    openAndCalibrate();
+    EXPECT_EQ(read(24), (Reading{true, 24}));
+    sdk.takeCalls();
+    module.destroy(other);
+    EXPECT_EQ(sdk.takeCalls(), Texts{"SetGlobalOption Reset All"});
+    EXPECT_TRUE(module.isOpened(handle));
+    EXPECT_EQ(read(24), (Reading{true, 24})) << "after the reset";
 }

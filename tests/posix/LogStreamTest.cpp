@@ -1,5 +1,3 @@
-// Which files a log stream opens, and that child processes don't inherit it.
-
 #include "platform/LogStream.h"
 
 #include "tests/support/Support.h"
@@ -9,15 +7,11 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-TEST(LogStream, MustBeARegularFile) {
+TEST(LogStream, DoesNotWaitForTheReaderOfAFifo) {
     const TempFolder folder;
     const std::string pipe = (folder / "pipe").string();
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
-    EXPECT_EQ(openLogStream(pipe.c_str(), "a"), nullptr) << "and doesn't wait for a reader";
-    const int reader = open(pipe.c_str(), O_RDONLY | O_NONBLOCK);
     EXPECT_EQ(openLogStream(pipe.c_str(), "a"), nullptr);
-    close(reader);
-    EXPECT_EQ(openLogStream("/dev/full", "a"), nullptr);
 }
 
 TEST(LogStream, IsNotInheritedByChildProcesses) {

@@ -1,8 +1,10 @@
 // Makes each of the module's heap allocations fail in turn, on an SDK library that does nothing.
 
-#include "module/SPM.h"
+#include "i1pro3/I1PRO3_SDK.h"
+#include "module/IScmSPM.h"
 #include "tests/support/System.h"
 
+#include <array>
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <new>
@@ -46,4 +48,42 @@ TEST(Allocation, CreateSurvivesEveryFailure) {
         }
         EXPECT_GT(created, 5U);
     }
+}
+
+// A read that has no array for its samples fails, logs and allocates; one that succeeds makes no allocation.
+TEST(Allocation, OpenAndReadsSurviveEveryFailure) {
+    class Listener : public ICAPLoggingListener {
+        void HandleMessage(ICAPLoggingSource* /*source*/, const ICAPLoggingMessage& /*message*/) override {}
+    } listener;
+    Settings settings;
+    settings.setNumber("Logging", 1);
+    SPM_HANDLE const handle = SPM_create();
+    handle->AddListener(&listener);
+    std::array<SPM_LAB, 2> values{};
+    std::array<std::array<SPM_REFLECTION, I1PRO3_NUMBER_OF_REFLECTIONS>, 2> reflections{};
+    std::array<SPM_SPECTRUM, 2> spectra{{{36, reflections[0].data()}, {36, reflections[1].data()}}};
+    int32_t count = 0;
+    for (int operation = 0; operation < 3; ++operation) {
+        std::size_t made = 0;
+        for (std::size_t successes = 0; successes == 0 || made >= successes; ++successes) {
+            const std::size_t before = allocations;
+            firstToFail = before + successes + 1;
+            count = 2;
+            const bool answer = operation == 0   ? SPM_open(handle, "USB")
+                                : operation == 1 ? SPM_read(handle, nullptr, &count)
+                                                 : SPM_readSpectrum(handle, nullptr, &count);
+            made = allocations - before;
+            firstToFail = SIZE_MAX;
+            EXPECT_EQ(answer, operation == 0 && made <= successes) << operation << ", " << successes;
+
+            ASSERT_TRUE(SPM_open(handle, "USB"));
+            const std::size_t opened = allocations;
+            count = 2;
+            EXPECT_TRUE(SPM_read(handle, values.data(), &count) && count == 2);
+            EXPECT_TRUE(SPM_readSpectrum(handle, spectra.data(), &count) && count == 2);
+            EXPECT_EQ(allocations, opened);
+        }
+        EXPECT_GT(made, 1U);
+    }
+    SPM_destroy(handle);
 }

@@ -106,16 +106,3 @@ TEST_F(LogFile, WritesLocalTimeAndStandardOffset) {
         EXPECT_GE(after, head.substr(0, before.size())) << zone.name;
     }
 }
-
-TEST_F(LogFile, EndsAnIncompleteLineOfAnEarlierObject) {
-    for (const auto& [left, ended] : {std::pair{"torn", "torn" + lineEnd}, std::pair{"", std::string()}}) {
-        writeFile(path, left);
-        CAPLoggingFile next;
-        next.OpenFile(path.c_str(), "a");
-        next.LogText(0, 7, "whole");
-        next.LogText(0, 7, "whole");
-        const std::string text = readFile(path);
-        EXPECT_TRUE(text.starts_with(ended + "2")) << text;
-        EXPECT_EQ(linesOf(text).size(), ended.empty() ? 2U : 3U) << text;
-    }
-}
