@@ -37,8 +37,8 @@
  *   memory only during the call and keeps no pointer to it.
  *
  * Threads
- *   The module creates no threads. It waits only inside the vendor's library and, briefly, to write to a log file that
- *   another process has locked. Calls on one object must not overlap.
+ *   The module creates no threads and takes no locks; it waits only inside the vendor's library. Calls on one object
+ *   must not overlap.
  *
  * Several objects
  *   Use one object at a time. Objects share the vendor's library and its instruments: SPM_close of one object closes
@@ -204,10 +204,9 @@ void SPM_setOptions(SPM_HANDLE handle, const SPM_OPTIONS* options);
 /**
  * Connects the first instrument that the vendor's library finds, and sets it to CIELab, D65 and 10 degrees. If the
  * object already has a connection, it is closed first, which also discards its calibration.
- * @param device  name of the device connection, "USB". Only logged; it does not select an instrument
+ * @param device  name of the device connection, "USB"; may be null. Only logged; it does not select an instrument
  * @return true if connected; false if there is no instrument, an earlier connection can't be closed (see "Errors"), or
- *         a step failed. After false, the object has no connection, with two exceptions: if `device` is null, nothing
- *         changes; if a listener threw, it may have one
+ *         a step failed. After false, the object has no connection, unless a listener threw: then it may have one
  */
 bool SPM_open(SPM_HANDLE handle, const char* device);
 
@@ -260,7 +259,8 @@ int32_t SPM_getNumberOfReflections(SPM_HANDLE handle);
  *
  * If the function returns true with `count` 0, nothing was measured: the button was not pressed, no instrument is open,
  * the count was below 1, or the scan found no patch. A scan that finds fewer patches than requested returns those.
- * @param values  array of `count` records, of which only the measured ones are written
+ * @param values  array of `count` records, of which only the measured ones are written; may be null if `count` is below
+ *                1. With the button pressed, null is a failure, which is logged
  * @param count   in: number of patches, 1 for a spot, 2 or more for a scan; out: number of patches measured
  * @return true on success; false on failure, with `count` set to the number of patches measured before it
  */
