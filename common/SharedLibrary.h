@@ -1,36 +1,18 @@
 #pragma once
 
 #include <filesystem>
-#include <optional>
-#include <stdexcept>
-#include <string>
 
 namespace common {
 
-/// A failure to load a library: its path and the system's error message.
-class LoadError : public std::runtime_error {
-public:
-    using std::runtime_error::runtime_error;
-};
-
-/// Why a library can't be loaded, and what the user can do.
-struct LibraryFault {
-    std::string text;
-    std::string advice;
-};
-
-/// Examines a library's file without loading it: loading a truncated library can crash the process.
-/// @return nullopt if the file looks loadable; also if it doesn't exist, since loading it reports that
-std::optional<LibraryFault> findFault(const std::filesystem::path& library);
-
-/// Returns the vendor's library that the system would load with a module: the one beside the module, unless
-/// LD_LIBRARY_PATH (on Linux) has another.
-std::filesystem::path sdkOf(const std::filesystem::path& module);
+/// Checks that a library's file isn't truncated. On Linux, loading such a file can end the program with a signal; on
+/// Windows, the system reports it.
+/// @throws Error
+void requireComplete(const std::filesystem::path& library);
 
 /// A library loaded at run time; unloaded by the destructor.
 class SharedLibrary {
 public:
-    /// @throws LoadError  if the library can't be loaded
+    /// @throws Error  with the system's error message, if the library can't be loaded
     explicit SharedLibrary(const std::filesystem::path& path);
     SharedLibrary(const SharedLibrary&) = delete;
     SharedLibrary& operator=(const SharedLibrary&) = delete;

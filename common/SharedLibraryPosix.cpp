@@ -1,57 +1,34 @@
-#include "common/Files.h"
-#include "common/LibraryFile.h"
-#include "common/LibraryNames.h"
+#include "common/Error.h"
 #include "common/SharedLibrary.h"
 
-#include <cstdlib>
+#include <array>
+#include <cstring>
 #include <dlfcn.h>
 #include <elf.h>
-#include <sstream>
-
-/// The header of this program in memory; defined by the linker.
-extern "C" [[gnu::visibility("hidden")]] const Elf64_Ehdr __ehdr_start; // NOLINT(bugprone-reserved-identifier)
+#include <fstream>
+#include <system_error>
 
 namespace common {
 
-LibraryDefect findHeaderDefect(std::string_view file) {
-    using enum LibraryDefect;
-    if (!file.empty() && !file.starts_with(ELFMAG)) return notALibrary;
-    const auto header = readRecord<Elf64_Ehdr>(file, 0);
-    if (!header) return truncated;
-    if (header->e_ident[EI_CLASS] != ELFCLASS64 || header->e_machine != __ehdr_start.e_machine)
-        return wrongArchitecture;
-    if (header->e_type != ET_DYN) return notALibrary;
-    for (std::uint64_t i = 0; i < header->e_phnum; ++i) {
-        const auto segment = readRecord<Elf64_Phdr>(file, header->e_phoff + i * sizeof(Elf64_Phdr));
-        if (!segment || !isInside(file, segment->p_offset, segment->p_filesz)) return truncated;
-    }
-    return isInside(file, header->e_shoff, header->e_shnum * sizeof(Elf64_Shdr)) ? none : truncated;
+void requireComplete(const std::filesystem::path& library) {
+    std::error_code ignored;
+    if (!std::filesystem::is_regular_file(library, ignored)) return; // reading a pipe might never end
+    const std::uintmax_t size = std::filesystem::file_size(library, ignored);
+    std::array<char, sizeof(Elf64_Ehdr)> bytes{};
+    if (!std::ifstream(library, std::ios::binary).read(bytes.data(), bytes.size())) return;
+    Elf64_Ehdr header{};
+    std::memcpy(&header, bytes.data(), sizeof header);
+    if (std::memcmp(bytes.data(), ELFMAG, SELFMAG) != 0 || header.e_ident[EI_CLASS] != ELFCLASS64) return;
+    if (header.e_shoff + header.e_shnum * sizeof(Elf64_Shdr) <= size) return;
+    throw Error(library.string() + ": it is truncated to " + std::to_string(size) + " bytes",
+                "copy or install it again");
 }
 
-namespace {
-
-/// Whether the loader picks a file that it finds on its search path. It skips those for another architecture.
-bool isPickedByLoader(const std::filesystem::path& library) try {
-    return findHeaderDefect(readFile(library)) != LibraryDefect::wrongArchitecture;
-} catch (const std::system_error&) {
-    return false;
-}
-
-} // namespace
-
-std::filesystem::path sdkOf(const std::filesystem::path& module) {
-    const char* const list = std::getenv("LD_LIBRARY_PATH");
-    std::istringstream folders(list != nullptr ? list : "");
-    for (std::string folder; std::getline(folders, folder, ':');) {
-        std::filesystem::path sdk = std::filesystem::absolute(std::filesystem::path(folder) / sdkFileName);
-        if (isPickedByLoader(sdk)) return sdk;
-    }
-    return std::filesystem::absolute(module).parent_path() / sdkFileName;
-}
-
-SharedLibrary::SharedLibrary(const std::filesystem::path& path)
-    : library(dlopen(std::filesystem::absolute(path).c_str(), RTLD_NOW | RTLD_LOCAL)) {
-    if (library == nullptr) throw LoadError(path.string() + ": " + dlerror());
+SharedLibrary::SharedLibrary(const std::filesystem::path& path) {
+    requireComplete(path);
+    library = dlopen(std::filesystem::absolute(path).c_str(), RTLD_NOW | RTLD_LOCAL);
+    if (library != nullptr) return;
+    throw Error(path.string() + ": " + dlerror(), "replace the library, or install what it needs");
 }
 
 SharedLibrary::~SharedLibrary() {

@@ -1,9 +1,9 @@
-#include "common/LibraryFile.h"
+#include "common/Error.h"
 #include "common/LibraryNames.h"
 #include "common/SharedLibrary.h"
 #include "platform/win32.h"
 
-#include <cstddef>
+#include <string>
 #include <system_error>
 
 namespace common {
@@ -21,6 +21,14 @@ std::wstring exactPath(const std::filesystem::path& path) {
     return path.has_extension() ? absolute : absolute + L'.';
 }
 
+std::string adviceFor(DWORD error, const std::filesystem::path& path) {
+    std::error_code ignored;
+    if (error == ERROR_BAD_EXE_FORMAT) return "it is a 32-bit library or damaged; replace it with the 64-bit library";
+    if (error != ERROR_MOD_NOT_FOUND) return "replace the library";
+    if (!std::filesystem::exists(path, ignored)) return "put the library there";
+    return "a library that it needs is missing; put it into " + path.parent_path().string();
+}
+
 /// Prevents the system's dialog box for damaged files during the object's lifetime; loading one just fails.
 class SuppressErrorDialogs {
 public:
@@ -35,28 +43,7 @@ private:
 
 } // namespace
 
-LibraryDefect findHeaderDefect(std::string_view file) {
-    using enum LibraryDefect;
-    if (!file.empty() && !file.starts_with("MZ")) return notALibrary;
-    const auto dos = readRecord<IMAGE_DOS_HEADER>(file, 0);
-    const auto start = dos ? static_cast<std::uint64_t>(dos->e_lfanew) : 0;
-    const auto header = readRecord<IMAGE_NT_HEADERS64>(file, start);
-    if (!dos || !header) return truncated;
-    const IMAGE_FILE_HEADER& kind = header->FileHeader;
-    if (header->Signature != IMAGE_NT_SIGNATURE || (kind.Characteristics & IMAGE_FILE_DLL) == 0) return notALibrary;
-    if (kind.Machine != IMAGE_FILE_MACHINE_AMD64) return wrongArchitecture;
-    if (header->OptionalHeader.Magic != IMAGE_NT_OPTIONAL_HDR64_MAGIC) return wrongArchitecture;
-    std::uint64_t next = start + offsetof(IMAGE_NT_HEADERS64, OptionalHeader) + kind.SizeOfOptionalHeader;
-    for (int i = 0; i < kind.NumberOfSections; ++i, next += sizeof(IMAGE_SECTION_HEADER)) {
-        const auto section = readRecord<IMAGE_SECTION_HEADER>(file, next);
-        if (!section || !isInside(file, section->PointerToRawData, section->SizeOfRawData)) return truncated;
-    }
-    return none;
-}
-
-std::filesystem::path sdkOf(const std::filesystem::path& module) {
-    return std::filesystem::absolute(module).parent_path() / sdkFileName;
-}
+void requireComplete(const std::filesystem::path& /*library*/) {}
 
 // The library's dependencies are searched for beside it and in the system folder only, not in the working folder or on
 // the path, where an attacker could plant a library of the same name.
@@ -65,9 +52,10 @@ SharedLibrary::SharedLibrary(const std::filesystem::path& path) {
     library = LoadLibraryExW(exactPath(path).c_str(), nullptr,
                              LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_SYSTEM32);
     if (library != nullptr) return;
-    const auto error = static_cast<int>(GetLastError());
-    throw LoadError(path.string() + ": " + std::system_category().message(error) + " (error " + std::to_string(error) +
-                    ')');
+    const DWORD error = GetLastError();
+    const auto code = static_cast<int>(error);
+    throw Error(path.string() + ": " + std::system_category().message(code) + " (error " + std::to_string(code) + ')',
+                adviceFor(error, path));
 }
 
 SharedLibrary::~SharedLibrary() {

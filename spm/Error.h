@@ -1,26 +1,12 @@
 #pragma once
 
-#include <stdexcept>
+#include "common/Error.h"
+
 #include <string>
 
 namespace spm {
 
-/// An error message for the user: what happened, with what, and what to do.
-class Error : public std::runtime_error {
-public:
-    using std::runtime_error::runtime_error;
-
-    /// @param failure  what happened, with what
-    /// @param advice   what to do
-    Error(const std::string& failure, const std::string& advice)
-        : std::runtime_error(failure + "; " + advice), failureLength(failure.size()) {}
-
-    /// The message without the advice, if that was given separately.
-    std::string failure() const { return std::string(what()).substr(0, failureLength); }
-
-private:
-    std::size_t failureLength = std::string::npos;
-};
+using common::Error;
 
 /// An invalid command line.
 class UsageError : public Error {

@@ -23,7 +23,7 @@ Instrument::Instrument(const Module& loaded) : module(loaded), handle(loaded.cre
     if (module.open(handle, "USB")) return;
     const std::string reason = listener.take("");
     module.destroy(handle);
-    if (reason.empty()) throw Error("no instrument was found", "connect one by USB and try again");
+    if (reason.empty()) throw Error("no instrument was found", module.instrumentAdvice());
     throw Error("the instrument could not be opened: " + reason);
 }
 

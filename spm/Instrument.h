@@ -48,6 +48,9 @@ public:
     /// The status of an instrument that doesn't respond is all zeros.
     bool isResponding() const { return module.getStatus(handle).aperture != 0; }
 
+    /// Returns and clears the last error that the module logged; the fallback if there is none.
+    std::string takeError(const std::string& fallback) { return listener.take(fallback); }
+
     /// Takes a trial measurement: the SDK library offers no other way to find out.
     bool isCalibrated() const { return module.isCalibrated(handle); }
 

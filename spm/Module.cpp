@@ -7,6 +7,8 @@
 #include "spm/Error.h"
 
 #include <fmt/format.h>
+#include <sstream>
+#include <system_error>
 
 namespace spm {
 
@@ -20,18 +22,12 @@ Function Module::find(const char* name) const {
 
 namespace {
 
-void requireLoadable(const char* what, const std::filesystem::path& path) {
-    const std::optional<common::LibraryFault> fault = common::findFault(path);
-    if (fault) throw Error(fmt::format("can't load the {} {}", what, fault->text), fault->advice);
-}
-
 common::SharedLibrary load(const std::filesystem::path& path) try {
-    requireLoadable("module", path);
-    requireLoadable("SDK library", common::sdkOf(path));
+    common::requireComplete(sdkOf(path));
     return common::SharedLibrary(path);
-} catch (const common::LoadError& error) {
-    throw Error("can't load the module " + std::string(error.what()),
-                "choose another one with --module, or run \"spm doctor\" for details");
+} catch (const Error& error) {
+    throw Error("can't load the module: " + error.failure(),
+                error.advice() + "; choose another module with --module, or run \"spm doctor\" for details");
 }
 
 } // namespace
@@ -40,6 +36,17 @@ std::filesystem::path defaultModule() {
     std::filesystem::path adjacent = common::programFolder() / common::moduleFileName;
     if (std::filesystem::exists(adjacent)) return adjacent;
     return (common::programFolder() / SPM_INSTALLED_MODULE_FOLDER / common::moduleFileName).lexically_normal();
+}
+
+std::filesystem::path sdkOf(const std::filesystem::path& module) {
+    const auto folders = common::pathFromEnvironment("LD_LIBRARY_PATH");
+    std::istringstream list(folders ? folders->string() : "");
+    for (std::string folder; std::getline(list, folder, ':');) {
+        std::filesystem::path sdk = std::filesystem::path(folder) / common::sdkFileName;
+        std::error_code ignored;
+        if (std::filesystem::exists(sdk, ignored)) return sdk;
+    }
+    return std::filesystem::absolute(module).parent_path() / common::sdkFileName;
 }
 
 // Takes the function pointer's type from the declaration in SPM.h, so that a member of another type doesn't compile.
@@ -68,6 +75,17 @@ std::string Module::simulation() const {
     const auto description = reinterpret_cast<Description>(findInSdk("I1PRO3_SimulatorDescription"));
     const char* const text = description != nullptr ? description() : nullptr;
     return text != nullptr ? text : "";
+}
+
+std::string Module::instrumentAdvice() const {
+    if (simulation().empty()) return "connect one by USB, close other programs that use it, and try again";
+    std::string files;
+    for (const char* const variable : {"I1PRO3_SIMULATOR", "I1PRO3_TRACE"}) {
+        if (!common::pathFromEnvironment(variable)) continue;
+        files += fmt::format("{}{}", files.empty() ? "" : " or ", variable);
+    }
+    return files.empty() ? "it is simulated: try again"
+                         : fmt::format("it is simulated: check the file that {} names", files);
 }
 
 } // namespace spm

@@ -11,10 +11,14 @@ namespace spm {
 /// The module in this program's folder or, if there is none, the one installed with the program.
 std::filesystem::path defaultModule();
 
+/// The SDK library that is likely to be loaded with a module: the one beside it or, on Linux, the first in the folders
+/// of LD_LIBRARY_PATH.
+std::filesystem::path sdkOf(const std::filesystem::path& module);
+
 /// The spectrophotometer module, loaded at run time, with its sixteen functions.
 class Module {
 public:
-    /// Checks the file headers of the module and its SDK library first: loading a truncated file can crash the program.
+    /// Reports truncated files before loading them: on Linux, that can end the program with a signal.
     /// @throws Error  if the module can't be loaded or lacks a function
     explicit Module(const std::filesystem::path& path);
 
@@ -27,6 +31,9 @@ public:
 
     /// The SDK library's description of the simulation; empty if it isn't a simulation.
     std::string simulation() const;
+
+    /// What to do about an instrument that can't be found, opened or used.
+    std::string instrumentAdvice() const;
 
 private:
     template <class Function>

@@ -3,6 +3,7 @@
 
 #include "spm/doctor/Doctor.h"
 
+#include "common/Environment.h"
 #include "common/LibraryNames.h"
 #include "common/SharedLibrary.h"
 #include "spm/doctor/SdkFunctions.h"
@@ -11,6 +12,7 @@
 #include "spm/Instrument.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <fmt/color.h>
 #include <fstream>
 #include <memory>
@@ -32,6 +34,13 @@ bool isPresent(const fs::path& file) {
     return fs::status(file, ignored).type() != fs::file_type::not_found; // also true for a file this user may not see
 }
 
+std::string describeMissing(const fs::path& file) {
+    std::error_code ignored;
+    const fs::path target = fs::read_symlink(file, ignored);
+    if (target.empty()) return fmt::format("{} is missing", file.string());
+    return fmt::format("{} is a link to {}, which is missing", file.string(), target.string());
+}
+
 // The SDK library
 
 Finding wrongSdk(const fs::path& file, const std::string& text) {
@@ -51,16 +60,15 @@ std::optional<Finding> findMissingFunction(const fs::path& file, const Find& fin
 
 /// Checks the SDK library of a module that could not be loaded.
 Finding examineSdkFile(const fs::path& file) {
-    if (!isPresent(file)) return wrongSdk(file, fmt::format("{} is missing", file.string()));
-    if (const auto fault = common::findFault(file)) {
-        return {Verdict::wrong, "SDK library", fmt::format("can't load {}", fault->text), fault->advice};
-    }
+    if (!isPresent(file)) return wrongSdk(file, describeMissing(file));
     try {
         const common::SharedLibrary library(file);
         const auto missing = findMissingFunction(file, [&](const char* name) { return library.find(name); });
         return missing.value_or(Finding{Verdict::good, "SDK library", file.string(), ""});
-    } catch (const common::LoadError& error) {
-        return wrongSdk(file, fmt::format("can't be loaded: {}", error.what()));
+    } catch (const Error& error) {
+        const bool isNamed = common::pathFromEnvironment("LD_LIBRARY_PATH").has_value();
+        return {Verdict::wrong, "SDK library", fmt::format("can't load {}", error.failure()),
+                error.advice() + (isNamed ? "; LD_LIBRARY_PATH is set, and names the folders that come first" : "")};
     }
 }
 
@@ -91,14 +99,16 @@ Finding examineSdk(const Module& module, const fs::path& expected) {
 constexpr const char* moveAdvice = "move the module to a folder with a short path of ASCII letters";
 
 /// Whether the module can't find its own file: it gets the path as a single-byte string of at most 259 characters.
-bool hasUnusablePath(const Module& module, const std::string& file) {
-    const auto isAscii = [](char c) { return static_cast<unsigned char>(c) < 0x80; };
-    return module.getVersion(nullptr) == 0 && (file.size() >= 260 || !std::all_of(file.begin(), file.end(), isAscii));
+bool hasUnusablePath(const Module& module, const fs::path& file) {
+    const auto isAscii = [](auto c) { return c > 0 && c < 0x80; };
+    return module.getVersion(nullptr) == 0 &&
+           (file.native().size() >= 260 || !std::ranges::all_of(file.native(), isAscii));
 }
 
 Finding describeModule(const Module& module) {
-    const std::string file = common::fileOf(reinterpret_cast<const void*>(module.create)).string();
-    if (hasUnusablePath(module, file)) {
+    const fs::path path = common::fileOf(reinterpret_cast<const void*>(module.create));
+    const std::string file = path.string();
+    if (hasUnusablePath(module, path)) {
         return {
             Verdict::note, "Module",
             fmt::format("{}\nno version and no log file: the path is too long, or has characters outside the system's "
@@ -116,8 +126,8 @@ Finding describeModule(const Module& module) {
 /// @return null if it can't be loaded, or is unusable without the right SDK library
 std::unique_ptr<Module> examineModule(const fs::path& file, Findings& findings) {
     if (!isPresent(file)) {
-        findings.push_back({Verdict::wrong, "Module", fmt::format("{} is missing", file.string()),
-                            "put it there, or choose another one with --module"});
+        findings.push_back(
+            {Verdict::wrong, "Module", describeMissing(file), "put it there, or choose another one with --module"});
         return nullptr;
     }
     try {
@@ -127,10 +137,13 @@ std::unique_ptr<Module> examineModule(const fs::path& file, Findings& findings) 
         if (findings.back().verdict == Verdict::wrong) return nullptr;
         return module;
     } catch (const Error& error) {
-        const Finding sdk = examineSdkFile(common::sdkOf(file));
-        const auto fault = common::findFault(file);
-        const std::string otherwise = sdk.verdict == Verdict::good ? reinstallAdvice : "fix the SDK library first";
-        findings.push_back({Verdict::wrong, "Module", error.failure(), fault ? fault->advice : otherwise});
+        const Finding sdk = examineSdkFile(sdkOf(file));
+        if (sdk.verdict == Verdict::good) {
+            findings.push_back({Verdict::wrong, "Module", error.failure(), reinstallAdvice});
+        } else {
+            findings.push_back({Verdict::note, "Module", fmt::format("{} can't be checked", file.string()),
+                                "fix the SDK library first"});
+        }
         findings.push_back(sdk);
         return nullptr;
     }
@@ -138,38 +151,48 @@ std::unique_ptr<Module> examineModule(const fs::path& file, Findings& findings) 
 
 // The log file
 
-/// Whether a line could be appended to the file, or the file be created. Leaves everything as it was.
-bool isWritable(const fs::path& file) {
-    std::error_code ignored;
+struct Problem {
+    std::string text;
+    std::string advice;
+};
+
+/// Finds out why no line can be appended to a file, or the file can't be created. Leaves everything as it was.
+std::optional<Problem> findWritingProblem(const fs::path& file) {
+    std::error_code error;
     const bool isNew = !isPresent(file);
-    if (!isNew && !fs::is_regular_file(file, ignored)) return false;
-    const bool isOpen = std::ofstream(file, std::ios::app).is_open();
-    if (isOpen && isNew) fs::remove(file, ignored);
-    return isOpen;
+    if (fs::is_directory(file, error)) return Problem{"is a folder", "remove or rename it"};
+    if (!isNew && !fs::is_regular_file(file, error)) return Problem{"is not a regular file", "remove or rename it"};
+    errno = 0;
+    if (!std::ofstream(file, std::ios::app).is_open()) {
+        return Problem{fmt::format("can't be written: {}", std::generic_category().message(errno)),
+                       "give this user write permission for it and its folder"};
+    }
+    if (isNew) fs::remove(file, error);
+    const fs::space_info space = fs::space(file.parent_path(), error);
+    if (!error && space.available == 0) return Problem{"can't be written: the disk is full", "make room on the disk"};
+    return std::nullopt;
 }
 
 Finding examineLogFile(fs::path module, bool isPathUnusable) {
-    const std::string file = module.replace_extension(".log").string();
+    const fs::path file = fs::absolute(module.replace_extension(".log"));
     const bool isEnabled = isLoggingEnabled();
-    if (isPathUnusable || !isWritable(file)) {
-        return {isEnabled ? Verdict::wrong : Verdict::note, "Log file", fmt::format("{} can't be written", file),
-                isPathUnusable ? moveAdvice : "give this user write permission for it and its folder"};
+    const auto problem =
+        isPathUnusable ? Problem{"can't be written: the path is unusable", moveAdvice} : findWritingProblem(file);
+    if (problem) {
+        return {isEnabled ? Verdict::wrong : Verdict::note, "Log file",
+                fmt::format("{} {}", file.string(), problem->text), problem->advice};
     }
-    return {Verdict::good, "Log file", fmt::format("{}, logging is {}", file, isEnabled ? "on" : "off"), ""};
+    return {Verdict::good, "Log file", fmt::format("{}, logging is {}", file.string(), isEnabled ? "on" : "off"), ""};
 }
 
 // The instrument
 
-std::string instrumentAdvice(const Module& module) {
-    return module.simulation().empty()
-               ? "connect one by USB, close other programs that use it, and try again"
-               : "it is simulated: check the script that the environment variable I1PRO3_SIMULATOR names";
-}
-
-Finding examineCalibration(const Instrument& instrument, const Module& module) {
+Finding examineCalibration(Instrument& instrument, const Module& module) {
     const bool isCalibrated = instrument.isCalibrated();
     if (!instrument.isResponding()) {
-        return {Verdict::wrong, "Calibration", "the connection to the instrument was lost", instrumentAdvice(module)};
+        const char* const fallback = module.simulation().empty() ? "the connection to the instrument was lost"
+                                                                 : "the simulated instrument doesn't respond";
+        return {Verdict::wrong, "Calibration", instrument.takeError(fallback), module.instrumentAdvice()};
     }
     if (isCalibrated) return {Verdict::good, "Calibration", "done", ""};
     return {Verdict::note, "Calibration", "not done",
@@ -178,11 +201,11 @@ Finding examineCalibration(const Instrument& instrument, const Module& module) {
 
 void examineInstrument(const Module& module, Findings& findings) {
     try {
-        const Instrument instrument(module);
+        Instrument instrument(module);
         findings.push_back({Verdict::good, "Instrument", fmt::format("found and opened\n{}", Instrument::caveat), ""});
         findings.push_back(examineCalibration(instrument, module));
     } catch (const Error& error) {
-        findings.push_back({Verdict::wrong, "Instrument", error.failure(), instrumentAdvice(module)});
+        findings.push_back({Verdict::wrong, "Instrument", error.failure(), module.instrumentAdvice()});
     }
 }
 
@@ -233,7 +256,7 @@ std::vector<Finding> examine(const fs::path& module) {
     const Findings settings = examineSettings();
     const std::unique_ptr<Module> loaded = examineModule(module, findings);
     findings.insert(findings.end(), settings.begin(), settings.end());
-    findings.push_back(examineLogFile(module, loaded && hasUnusablePath(*loaded, fs::absolute(module).string())));
+    findings.push_back(examineLogFile(module, loaded && hasUnusablePath(*loaded, fs::absolute(module))));
     if (loaded != nullptr) {
         examineInstrument(*loaded, findings);
     } else {

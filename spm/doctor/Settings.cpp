@@ -1,122 +1,188 @@
+// Reads the settings with the system functions that the module reads them with, so that both see the same.
+
 #include "spm/doctor/Settings.h"
 
-#include "module/SPMRegistry.h"
-#include "spm/doctor/StoredSettings.h"
+#include "platform/RegistryPlace.h"
+#include "platform/win32.h"
 
 #include <algorithm>
-#include <cctype>
+#include <array>
+#include <cstring>
+#include <filesystem>
 #include <fmt/format.h>
 #include <fmt/ranges.h>
+#include <fstream>
+#include <optional>
+#include <string>
+#include <system_error>
 
 namespace spm {
 
 namespace {
 
-/// The module's getName, which is also the name of the key with the instrument's settings.
-constexpr const char* model = "xrite i1 Pro3";
-
-/// Whether a name is one of these, ignoring case.
-bool isOneOf(const std::string& name, const std::vector<std::string>& names) {
-    return std::ranges::any_of(names, [&](const std::string& each) {
-        return std::ranges::equal(
-            each, name, {}, [](char c) { return std::tolower(static_cast<unsigned char>(c)); },
-            [](char c) { return std::tolower(static_cast<unsigned char>(c)); });
-    });
-}
-
-/// Why the module can't read a settings file with this content.
-const char* findDefect(const std::string& text) {
-    if (text.empty()) return "can't be read";
-    if (text.starts_with("\xFF\xFE")) return "is UTF-16 text, written by a newer version of regedit";
-    if (text.starts_with("Windows Registry Editor")) return "has the format of a newer version of regedit";
-    return "does not start with the line REGEDIT4";
-}
-
-Finding describeAccess() {
-    const std::string place = SPMRegistry::place();
-    switch (SPMRegistry::access()) {
-    case SPMRegistry::Access::granted:
-        return {Verdict::good, "Settings", place, ""};
-    case SPMRegistry::Access::denied:
-        return {Verdict::note, "Settings",
-                fmt::format("the defaults apply, because {} can't be opened for reading and writing", place),
-                fmt::format("to use settings, {}", settingsAccessAdvice)};
-    default:
-        return {Verdict::wrong, "Settings",
-                fmt::format("the defaults apply, because {} {}", place, findDefect(settingsText())),
-                "export it as \"Win9x/NT4 Registration Files (REGEDIT4)\", or save it as single-byte text whose first "
-                "line is REGEDIT4"};
-    }
-}
+namespace fs = std::filesystem;
 
 struct Setting {
+    const char* key;
     const char* name;
-    const char* type;
+    DWORD type;
+    const char* typeName;
     const char* defaultValue;
-    /// A value as written in the settings file.
+    /// The setting as written in a settings file.
     const char* example;
-    std::string keyPath;
 };
 
-/// A value that is stored, but that the module doesn't find.
-Finding describeIgnored(const Setting& setting) {
-    const auto& [name, type, defaultValue, example, keyPath] = setting;
-    std::string advice = fmt::format("write it as \"{}\"={}", name, example);
-    if (SPMRegistry::access() == SPMRegistry::Access::denied) advice = settingsAccessAdvice;
-    if (SPMRegistry::access() == SPMRegistry::Access::failed) advice = "fix the settings file first";
-    return {Verdict::wrong, name, fmt::format("{} by default: the value in {} is ignored", defaultValue, keyPath),
-            advice};
+constexpr const char* root = "HKEY_LOCAL_MACHINE\\";
+constexpr const char* commonKey = "SOFTWARE\\Kestrova\\SPM";
+constexpr const char* deviceKey = "SOFTWARE\\Kestrova\\SPM\\xrite i1 Pro3";
+constexpr std::array<Setting, 3> settings{{
+    {commonKey, "Logging", REG_DWORD, "REG_DWORD", "0", "\"Logging\"=dword:00000001"},
+    {commonKey, "Details", REG_DWORD, "REG_DWORD", "0", "\"Details\"=dword:00000001"},
+    {deviceKey, "Device", REG_SZ, "REG_SZ of at most 1023 characters", "the first", "\"Device\"=\"USB\""},
+}};
+
+bool isSame(std::string_view left, std::string_view right) {
+    const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
+    return std::ranges::equal(left, right, {}, lower, lower);
 }
 
-template <class Value>
-Finding describe(const Setting& setting, const SPMRegistry& key, const std::optional<Value>& value,
-                 const std::vector<std::string>& stored) {
-    const auto& [name, type, defaultValue, example, keyPath] = setting;
-    if (value) return {Verdict::good, name, fmt::format("{}, from {}", *value, keyPath), ""};
-    if (key.hasValue(name)) {
-        return {Verdict::wrong, name,
-                fmt::format("{} by default: the value in {} is not a {}", defaultValue, keyPath, type),
-                fmt::format("set it as a {}, or remove it", type)};
+/// An open key below HKEY_LOCAL_MACHINE; it has no values if it can't be opened.
+class Key {
+public:
+    explicit Key(const char* path, REGSAM access = KEY_READ)
+        : status(RegOpenKeyExA(HKEY_LOCAL_MACHINE, path, 0, access, &key)) {}
+    Key(const Key&) = delete;
+    Key& operator=(const Key&) = delete;
+    ~Key() {
+        if (status == ERROR_SUCCESS) RegCloseKey(key);
     }
-    if (isOneOf(keyPath + '\\' + name, stored)) return describeIgnored(setting);
-    return {Verdict::good, name, fmt::format("{} by default, not set in {}", defaultValue, keyPath), ""};
+
+    LSTATUS openStatus() const { return status; }
+
+    std::vector<std::string> names() const {
+        std::vector<std::string> found;
+        std::array<char, 16'384> name{}; // Windows' limit
+        auto length = static_cast<DWORD>(name.size());
+        for (DWORD i = 0; status == ERROR_SUCCESS && RegEnumValueA(key, i, name.data(), &length, nullptr, nullptr,
+                                                                   nullptr, nullptr) == ERROR_SUCCESS;
+             ++i) {
+            found.emplace_back(name.data(), length);
+            length = static_cast<DWORD>(name.size());
+        }
+        return found;
+    }
+
+    /// The value in words; nullopt if the module reads the default instead.
+    std::optional<std::string> read(const Setting& setting) const {
+        std::array<char, 1024> data{};
+        auto size = static_cast<DWORD>(setting.type == REG_DWORD ? sizeof(DWORD) : data.size());
+        DWORD type = 0;
+        if (status != ERROR_SUCCESS || RegQueryValueExA(key, setting.name, nullptr, &type,
+                                                        reinterpret_cast<LPBYTE>(data.data()), &size) != ERROR_SUCCESS)
+            return std::nullopt;
+        if (type != setting.type || size == 0) return std::nullopt;
+        if (type == REG_SZ) return std::string(data.data(), strnlen(data.data(), size - 1));
+        DWORD number = 0;
+        std::memcpy(&number, data.data(), sizeof number);
+        return std::to_string(number);
+    }
+
+private:
+    HKEY key = nullptr;
+    LSTATUS status;
+};
+
+/// The module opens this key for reading and writing, or reads no settings.
+LSTATUS accessStatus() {
+    return Key("SOFTWARE", KEY_READ | KEY_WRITE).openStatus();
 }
 
-Finding describeNumber(const char* name, const std::vector<std::string>& stored) {
-    const SPMRegistry key;
-    return describe({name, "REG_DWORD", "0", "dword:00000001", SPMRegistry::path()}, key, key.findNumber(name), stored);
+Finding describeAccess(LSTATUS status) {
+    const std::string place = registryPlace();
+    if (status == ERROR_SUCCESS) return {Verdict::good, "Settings", place, ""};
+    if (status == ERROR_BADDB) {
+        return {
+            Verdict::wrong, "Settings",
+            fmt::format("the defaults apply, because {} does not start with the line REGEDIT4", place),
+            "export it as \"Win9x/NT4 Registration Files (REGEDIT4)\", or save it as single-byte text with that line"};
+    }
+    const fs::path folder = fs::path(place).parent_path();
+    std::error_code ignored;
+    if (!folder.empty() && !fs::exists(folder, ignored)) {
+        return {Verdict::note, "Settings",
+                fmt::format("the defaults apply, because the folder {} is missing", folder.string()),
+                "to use settings, create the folder, or set SPM_REGISTRY to another file"};
+    }
+    return {Verdict::note, "Settings",
+            fmt::format("the defaults apply, because {} can't be opened for reading and writing", place),
+            fmt::format("to use settings, {}", registryAdvice)};
 }
 
-Finding describeDevice(const std::vector<std::string>& stored) {
-    const SPMRegistry key(model);
-    return describe({SPMRegistry::device, "REG_SZ", "the first", "\"USB\"", SPMRegistry::path(model)}, key,
-                    key.findString(SPMRegistry::device), stored);
+/// The number of the first line of the settings file, if there is one, that names a setting.
+std::optional<int> findLine(std::string_view name) {
+    std::error_code ignored;
+    if (!fs::is_regular_file(registryPlace(), ignored)) return std::nullopt;
+    std::ifstream file(registryPlace());
+    int number = 0;
+    for (std::string line; std::getline(file, line);) {
+        ++number;
+        const std::size_t begin = line.find_first_not_of(" \t\"");
+        if (begin == std::string::npos || line.find("=-") != std::string::npos) continue;
+        if (isSame(std::string_view(line).substr(begin, name.size()), name)) return number;
+    }
+    return std::nullopt;
 }
 
-/// Lists values in the module's keys that the module doesn't read.
-void listUnknown(const std::vector<std::string>& stored, std::vector<Finding>& findings) {
-    const std::vector<std::string> keys{SPMRegistry::path(), SPMRegistry::path(model)};
-    const std::vector<std::string> known{keys[0] + '\\' + SPMRegistry::logging, keys[0] + '\\' + SPMRegistry::details,
-                                         keys[1] + '\\' + SPMRegistry::device};
-    for (const std::string& path : stored) {
-        if (!isOneOf(path.substr(0, path.rfind('\\')), keys) || isOneOf(path, known)) continue;
-        findings.push_back({Verdict::note, "Unknown", fmt::format("{} is set, but the module does not read it", path),
-                            fmt::format("the settings are {}", fmt::join(known, ", "))});
+Finding describe(const Setting& setting, bool isAccessible) {
+    const std::string path = std::string(root) + setting.key;
+    const Key key(setting.key);
+    const auto value = isAccessible ? key.read(setting) : std::nullopt;
+    if (value) return {Verdict::good, setting.name, fmt::format("{}, from {}", *value, path), ""};
+    const std::string isDefault = fmt::format("{} by default", setting.defaultValue);
+    const auto isIt = [&](const std::string& name) { return isSame(name, setting.name); };
+    if (isAccessible && std::ranges::any_of(key.names(), isIt)) {
+        return {Verdict::wrong, setting.name,
+                fmt::format("{}: the value in {} is not a {}", isDefault, path, setting.typeName),
+                fmt::format("set it as a {}, or remove it", setting.typeName)};
+    }
+    if (const auto line = findLine(setting.name)) {
+        return {Verdict::note, setting.name,
+                fmt::format("{}: line {} of {} has no effect", isDefault, *line, registryPlace()),
+                isAccessible ? fmt::format("write {} below [{}]", setting.example, path)
+                             : "make the settings readable first"};
+    }
+    return {Verdict::good, setting.name, fmt::format("{}, not set in {}", isDefault, path), ""};
+}
+
+/// Lists the values in a key that the module doesn't read.
+void listUnknown(const char* key, std::vector<Finding>& findings) {
+    std::vector<std::string> known;
+    for (const Setting& setting : settings) {
+        if (setting.key == std::string_view(key)) known.emplace_back(setting.name);
+    }
+    for (const std::string& name : Key(key).names()) {
+        if (std::ranges::any_of(known, [&](const std::string& each) { return isSame(each, name); })) continue;
+        findings.push_back({Verdict::note, "Unknown",
+                            fmt::format("the module does not read {} in {}{}", name, root, key),
+                            fmt::format("it reads {} there", fmt::join(known, " and "))});
     }
 }
 
 } // namespace
 
 std::vector<Finding> examineSettings() {
-    const std::vector<std::string> stored = storedValues();
-    std::vector<Finding> findings{describeAccess(), describeNumber(SPMRegistry::logging, stored),
-                                  describeNumber(SPMRegistry::details, stored), describeDevice(stored)};
-    listUnknown(stored, findings);
+    const LSTATUS status = accessStatus();
+    std::vector<Finding> findings{describeAccess(status)};
+    for (const Setting& setting : settings) {
+        findings.push_back(describe(setting, status == ERROR_SUCCESS));
+    }
+    listUnknown(commonKey, findings);
+    listUnknown(deviceKey, findings);
     return findings;
 }
 
 bool isLoggingEnabled() {
-    return SPMRegistry().readNumber(SPMRegistry::logging, 0) != 0;
+    return accessStatus() == ERROR_SUCCESS && Key(commonKey).read(settings[0]).value_or("0") != "0";
 }
 
 } // namespace spm
