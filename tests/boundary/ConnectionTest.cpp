@@ -7,8 +7,6 @@ protected:
     bool hasSelectedOptions() { return handle->setOptionsByName(nullptr, nullptr, nullptr); }
 };
 
-const Texts closing{"GetConnectionStatus SIM1", "CloseDevice SIM1", "SetGlobalOption Reset All"};
-
 } // namespace
 
 // FaultSweep checks the calls of opening.

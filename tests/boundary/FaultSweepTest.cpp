@@ -44,7 +44,6 @@ const Texts scan{"GetConnectionStatus SIM1",
                  "!GetNumberOfAvailableSamples SIM1",
                  "!GetSpectrum SIM1 0",
                  "!GetSpectrum SIM1 1"};
-const Texts closing{"GetConnectionStatus SIM1", "CloseDevice SIM1", "SetGlobalOption Reset All"};
 
 const std::vector<Operation> operations{
     {"open", "1", "0", "0", opening},

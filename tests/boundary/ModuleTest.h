@@ -9,6 +9,9 @@
 
 using Texts = std::vector<std::string>;
 
+/// The calls that close a connection.
+inline const Texts closing{"GetConnectionStatus SIM1", "CloseDevice SIM1", "SetGlobalOption Reset All"};
+
 /// Copies the built module and the simulated SDK library to a folder.
 /// @return the copy of the module
 std::filesystem::path installModule(const TempFolder& folder);

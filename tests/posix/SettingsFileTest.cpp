@@ -9,8 +9,8 @@
 
 namespace {
 
-const std::string commonKey = "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM]\n";
-const std::string headings = "\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova]\n\n" + commonKey;
+const std::string commonHeading = "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM]\n";
+const std::string headings = "\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova]\n\n" + commonHeading;
 
 class SettingsFile : public testing::Test {
 protected:
@@ -48,7 +48,7 @@ TEST_F(SettingsFile, ReadsNumbers) {
         {"; " + std::string(10'000, 'x') + "\n" + seven, 7},
     };
     for (const Case& each : cases) {
-        writeFile(path, "REGEDIT4\n\n" + commonKey + each.lines);
+        writeFile(path, "REGEDIT4\n\n" + commonHeading + each.lines);
         EXPECT_EQ(SPMRegistry().readNumber("Number", 5), each.number) << each.lines;
     }
 }
@@ -67,7 +67,7 @@ TEST_F(SettingsFile, ReadsTexts) {
         {"\"USB", "default"},
     };
     for (const Case& each : cases) {
-        writeFile(path, "REGEDIT4\r\n" + commonKey + "\"Text\"=" + each.value + "\n[next]\n");
+        writeFile(path, "REGEDIT4\r\n" + commonHeading + "\"Text\"=" + each.value + "\n[next]\n");
         EXPECT_EQ(SPMRegistry().readString("Text", "default"), each.text) << each.value;
     }
 }
