@@ -102,14 +102,14 @@ bool isSettingsText(std::string_view text) {
     return text.empty() || takeUntil('\n', text) == signature;
 }
 
-bool isSameOrBelow(std::string_view key, std::string_view other) {
-    if (!equalIgnoringCase(key.substr(0, other.size()), other)) return false;
-    return key.size() == other.size() || key[other.size()] == '\\';
+bool isSameOrBelow(std::string_view path, std::string_view top) {
+    if (!equalIgnoringCase(path.substr(0, top.size()), top)) return false;
+    return path.size() == top.size() || path[top.size()] == '\\';
 }
 
 bool hasKey(std::string_view text, std::string_view key) {
     bool found = false;
-    forEachLine(text, [&](std::string_view current, std::string_view) { found |= isSameOrBelow(current, key); });
+    forEachLine(text, [&](std::string_view heading, std::string_view) { found |= isSameOrBelow(heading, key); });
     return found;
 }
 

@@ -25,8 +25,8 @@ bool isSettingsText(std::string_view text);
 /// Whether the key or a key below it has a heading. Keys are full paths: "HKEY_LOCAL_MACHINE\SOFTWARE\...".
 bool hasKey(std::string_view text, std::string_view key);
 
-/// Whether `key` is the key `other` or a key below it.
-bool isSameOrBelow(std::string_view key, std::string_view other);
+/// Whether a path is the key `top` or a key below it.
+bool isSameOrBelow(std::string_view path, std::string_view top);
 
 /// The values of a key, each name once.
 std::vector<Value> valuesOf(std::string_view text, std::string_view key);
