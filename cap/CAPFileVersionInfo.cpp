@@ -50,8 +50,6 @@ std::vector<Translation> queryTranslations(const Block& block) {
 
 } // namespace
 
-CAPFileVersionInfo::~CAPFileVersionInfo() = default;
-
 int CAPFileVersionInfo::loadFromModule(HMODULE module) {
     const std::string path = ModuleFileName(module);
     return path.empty() ? 0 : loadFromFile(path.c_str());

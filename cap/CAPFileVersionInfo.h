@@ -14,7 +14,7 @@ public:
     CAPFileVersionInfo() = default;
     CAPFileVersionInfo(const CAPFileVersionInfo&) = delete;
     CAPFileVersionInfo& operator=(const CAPFileVersionInfo&) = delete;
-    virtual ~CAPFileVersionInfo();
+    virtual ~CAPFileVersionInfo() = default;
 
     /// Loads the version resource of a loaded module's file. If the module has no file name, the object stays
     /// unchanged.

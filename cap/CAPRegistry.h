@@ -4,7 +4,6 @@
 
 #include <cstdint>
 #include <memory>
-#include <optional>
 #include <string>
 #include <type_traits>
 
@@ -19,7 +18,7 @@ public:
     explicit CAPRegistry(std::string subkey);
     CAPRegistry(const CAPRegistry&) = delete;
     CAPRegistry& operator=(const CAPRegistry&) = delete;
-    virtual ~CAPRegistry();
+    virtual ~CAPRegistry() = default;
 
     /// Returns the value of a REG_DWORD.
     std::uint32_t readNumber(const std::string& name, std::uint32_t defaultValue) const;
@@ -28,32 +27,12 @@ public:
     /// last character; a value of 0 bytes reads as the default.
     std::string readString(const std::string& name, const std::string& defaultValue) const;
 
-    /// Like readNumber and readString, but nullopt in place of the default.
-    std::optional<std::uint32_t> findNumber(const std::string& name) const;
-    std::optional<std::string> findString(const std::string& name) const;
-
-    /// Whether the key has a value of this name, whatever its type.
-    bool hasValue(const std::string& name) const;
-
-    /// Whether this process can open HKEY_LOCAL_MACHINE\SOFTWARE for reading and writing.
-    enum class Access { granted, denied, failed };
-    static Access access();
-
-    /// Where the values are stored, in words for the user: the path of the settings file, or "the registry".
-    static std::string place();
-
-    /// Returns the full path of a key, beginning with HKEY_LOCAL_MACHINE.
-    /// @param subkey  path below SOFTWARE\Kestrova
-    static std::string pathOf(const std::string& subkey);
-
 private:
     struct CloseKey {
         using pointer = HKEY;
         void operator()(HKEY open) const { RegCloseKey(open); }
     };
     using OpenKey = std::unique_ptr<std::remove_pointer_t<HKEY>, CloseKey>;
-
-    static LSTATUS openSoftware(OpenKey& software);
 
     OpenKey key;
 };

@@ -63,8 +63,8 @@ SPM_BASE::~SPM_BASE() = default;
 
 void SPM_BASE::openLogFile() {
     const SPMRegistry settings;
-    if (settings.readNumber(SPMRegistry::logging, 0) == 0) return;
-    logFile.SetDetailLevel(settings.readNumber(SPMRegistry::details, 0) == 0 ? CAPLevel::debug : CAPLevel::details);
+    if (settings.readNumber("Logging", 0) == 0) return;
+    logFile.SetDetailLevel(settings.readNumber("Details", 0) == 0 ? CAPLevel::debug : CAPLevel::details);
     logFile.OpenForModule(moduleHandle(), "a");
 }
 
@@ -147,7 +147,7 @@ std::size_t SPM_BASE::getNumberOfDevices() const {
 
 const char* SPM_BASE::getDevice(std::int32_t index) const {
     if (index < 0) {
-        const std::string configured = registry.readString(SPMRegistry::device, "");
+        const std::string configured = registry.readString("Device", "");
         index = indexOf(devices, [&](const char* device) { return configured == device; });
     }
     const char* const* const device = atOrFirst(devices, index);

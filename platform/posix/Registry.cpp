@@ -54,9 +54,7 @@ private:
 };
 
 std::string_view pathOf(HKEY key) {
-    if (key == HKEY_LOCAL_MACHINE) return "HKEY_LOCAL_MACHINE";
-    if (key == HKEY_CURRENT_USER) return "HKEY_CURRENT_USER";
-    return key->path;
+    return key == HKEY_LOCAL_MACHINE ? "HKEY_LOCAL_MACHINE" : std::string_view(key->path);
 }
 
 std::string pathBelow(HKEY parent, const char* path) {
@@ -134,6 +132,6 @@ LSTATUS RegEnumValueA(HKEY key, DWORD index, char* name, DWORD* length, DWORD* /
 }
 
 LSTATUS RegCloseKey(HKEY key) {
-    if (key != HKEY_LOCAL_MACHINE && key != HKEY_CURRENT_USER) delete key;
+    delete key;
     return ERROR_SUCCESS;
 }

@@ -36,7 +36,6 @@ std::string libraryFile(HMODULE module) {
 } // namespace
 
 DWORD GetModuleFileNameA(HMODULE module, char* name, DWORD size) {
-    if (size == 0) return 0;
     const std::string path = module == nullptr ? programFile() : libraryFile(module);
     if (path.empty()) return 0;
     const std::size_t length = std::min<std::size_t>(path.size(), size - 1);

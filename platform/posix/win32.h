@@ -48,14 +48,12 @@ inline constexpr LSTATUS ERROR_BADDB = 1009;
 // The registry: a text file in the REGEDIT4 format, named by the environment variable SPM_REGISTRY. It is created when
 // a key is opened for writing.
 
-#define HKEY_CURRENT_USER (reinterpret_cast<HKEY>(std::uintptr_t{0x80000001}))
 #define HKEY_LOCAL_MACHINE (reinterpret_cast<HKEY>(std::uintptr_t{0x80000002}))
 
 inline constexpr REGSAM KEY_READ = 0x20019;
 inline constexpr REGSAM KEY_WRITE = 0x20006;
 
 inline constexpr DWORD REG_SZ = 1;
-inline constexpr DWORD REG_BINARY = 3;
 inline constexpr DWORD REG_DWORD = 4;
 
 LSTATUS RegOpenKeyExA(HKEY parent, const char* path, DWORD options, REGSAM access, HKEY* key);

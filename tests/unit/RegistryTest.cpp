@@ -11,6 +11,7 @@ using namespace std::string_literals;
 
 TEST(Registry, ReadsNumbersAndStrings) {
     constexpr DWORD expandedText = 2;
+    constexpr DWORD binary = 3;
     struct Case {
         DWORD type;
         std::string data;
@@ -21,7 +22,7 @@ TEST(Registry, ReadsNumbersAndStrings) {
         {REG_DWORD, "\1\2\0\x80"s, 0x80000201, "default"},
         {REG_DWORD, "\7\0\0\0\0"s, 5, "default"},
         {REG_DWORD, std::string(4, '\0'), 0, "default"},
-        {REG_BINARY, "ABC", 5, "default"},
+        {binary, "ABC", 5, "default"},
         {expandedText, "ABC\0"s, 5, "default"},
         {REG_SZ, "USB\0"s, 5, "USB"},
         {REG_SZ, std::string(1023, 'x') + '\0', 5, std::string(1023, 'x')},
