@@ -28,7 +28,9 @@ SharedLibrary::SharedLibrary(const std::filesystem::path& path) {
     requireComplete(path);
     library = dlopen(std::filesystem::absolute(path).c_str(), RTLD_NOW | RTLD_LOCAL);
     if (library != nullptr) return;
-    throw Error(path.string() + ": " + dlerror(), "replace the library, or install what it needs");
+    const std::string reason = dlerror(); // begins with the file that can't be loaded, which may be another one
+    throw Error(reason.starts_with('/') ? reason : path.string() + ": " + reason,
+                "replace the library, or install what it needs");
 }
 
 SharedLibrary::~SharedLibrary() {

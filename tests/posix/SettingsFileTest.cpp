@@ -90,7 +90,7 @@ TEST_F(SettingsFile, CreatesKeysAndKeepsEverythingElse) {
     for (const Case& each : cases) {
         writeFile(path, each.before);
         for (int again = 0; again < 2; ++again) {
-            const SPMRegistry deviceKey("xrite i1 Pro3");
+            const SPMRegistry modelKey("xrite i1 Pro3");
             EXPECT_EQ(readFile(path), each.before + each.added);
         }
     }
