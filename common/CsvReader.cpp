@@ -20,7 +20,7 @@ std::optional<CsvReader::Fields> CsvReader::next() {
     } while (line.empty());
     recordLine = linesRead;
     Fields taken{takeField()};
-    while (line.starts_with(',')) {
+    while (line.starts_with(separator)) {
         line.remove_prefix(1);
         taken.push_back(takeField());
     }
@@ -46,7 +46,7 @@ bool CsvReader::nextLine() {
 }
 
 std::string CsvReader::takeField() {
-    return line.starts_with('"') ? takeQuoted() : std::string(takeUntil(line, ','));
+    return line.starts_with('"') ? takeQuoted() : std::string(takeUntil(line, separator));
 }
 
 /// Each pass of the outer loop begins at a quote: the opening one, or the second of an escaped pair.

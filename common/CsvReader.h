@@ -14,7 +14,7 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// Reads comma-separated values (RFC 4180), one record at a time. A field in double quotes may contain commas, line
+/// Reads comma-separated values (RFC 4180), one record at a time. A field in double quotes may contain separators, line
 /// breaks, which are read as '\n', and quotes, written as "". Empty lines and a byte order mark are skipped.
 class CsvReader {
 public:
@@ -22,7 +22,9 @@ public:
 
     /// @param csv   the text; must outlive the reader
     /// @param what  a description of the text for error messages: "the chart file chart.csv"
-    CsvReader(std::string_view csv, std::string what) : description(std::move(what)), rest(csv) {}
+    /// @param fieldSeparator  between the fields of a record
+    CsvReader(std::string_view csv, std::string what, char fieldSeparator = ',')
+        : description(std::move(what)), separator(fieldSeparator), rest(csv) {}
 
     /// Returns the fields of the next record; nullopt at the end.
     /// @throws CsvError  if the record is malformed
@@ -41,6 +43,7 @@ private:
     std::string takeQuoted();
 
     std::string description;
+    char separator;
     std::string_view rest;
     /// The unread part of the current line.
     std::string_view line;
