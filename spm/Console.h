@@ -32,7 +32,7 @@ void waitForInput(bool (*hasSignal)());
 /// Enables UTF-8 and escape sequences on the console, and turns a write to a closed pipe into an error.
 void prepareStreams();
 
-/// Whether standard output is a console that supports 24-bit colour without announcing it in the environment.
-bool isTrueColourConsole();
+/// Whether standard output is a terminal that shows colours. The environment variable NO_COLOR turns them off.
+bool supportsColour();
 
 } // namespace spm

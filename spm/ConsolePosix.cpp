@@ -2,7 +2,9 @@
 
 #include <array>
 #include <csignal>
+#include <cstdlib>
 #include <poll.h>
+#include <string_view>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -66,8 +68,11 @@ void prepareStreams() {
     std::signal(SIGPIPE, SIG_IGN);
 }
 
-bool isTrueColourConsole() {
-    return false;
+bool supportsColour() {
+    const char* const terminal = std::getenv("TERM");
+    const char* const isUnwanted = std::getenv("NO_COLOR");
+    return isTerminal(stdout) && terminal != nullptr && std::string_view(terminal) != "dumb" &&
+           (isUnwanted == nullptr || *isUnwanted == '\0');
 }
 
 } // namespace spm

@@ -50,10 +50,10 @@ void prepareStreams() {
     }
 }
 
-bool isTrueColourConsole() {
+bool supportsColour() {
     DWORD mode = 0;
     return GetConsoleMode(GetStdHandle(STD_OUTPUT_HANDLE), &mode) != 0 &&
-           (mode & ENABLE_VIRTUAL_TERMINAL_PROCESSING) != 0;
+           (mode & ENABLE_VIRTUAL_TERMINAL_PROCESSING) != 0 && GetEnvironmentVariableW(L"NO_COLOR", nullptr, 0) <= 1;
 }
 
 } // namespace spm

@@ -57,11 +57,11 @@ std::vector<SPM_LAB> Instrument::read(std::int32_t patches, const Wait& wait) {
     return values;
 }
 
-std::vector<Instrument::Spectrum> Instrument::readSpectra(std::int32_t patches, const Wait& wait) {
+std::vector<std::vector<SPM_REFLECTION>> Instrument::readSpectra(std::int32_t patches, const Wait& wait) {
     const auto points = static_cast<std::size_t>(module.getNumberOfReflections(handle));
-    std::vector<Spectrum> spectra(static_cast<std::size_t>(patches), Spectrum(points));
+    std::vector spectra(static_cast<std::size_t>(patches), std::vector<SPM_REFLECTION>(points));
     std::vector<SPM_SPECTRUM> records(spectra.size());
-    std::transform(spectra.begin(), spectra.end(), records.begin(), [](Spectrum& spectrum) {
+    std::transform(spectra.begin(), spectra.end(), records.begin(), [](auto& spectrum) {
         return SPM_SPECTRUM{static_cast<std::int32_t>(spectrum.size()), spectrum.data()};
     });
     const auto read = [&](std::int32_t* count) { return module.readSpectrum(handle, records.data(), count); };

@@ -30,7 +30,6 @@ public:
 
     /// Called between two polls of the button: sleeps, and may throw to end the wait.
     using Wait = std::function<void()>;
-    using Spectrum = std::vector<SPM_REFLECTION>;
 
     /// Opens the instrument; the destructor closes it.
     /// @throws Error  if it can't be opened
@@ -65,7 +64,7 @@ public:
     /// Measures spectra of a row (two or more patches) or a spot (one patch).
     /// @return a spectrum for each patch found: at least one, at most the requested number
     /// @throws Error  if the measurement fails
-    std::vector<Spectrum> readSpectra(std::int32_t patches, const Wait& wait);
+    std::vector<std::vector<SPM_REFLECTION>> readSpectra(std::int32_t patches, const Wait& wait);
 
 private:
     /// Calls one of the module's read functions until the button has been pressed and patches have been measured.

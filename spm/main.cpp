@@ -1,17 +1,15 @@
 #include "spm/Console.h"
 #include "spm/doctor/Doctor.h"
 #include "spm/Error.h"
-#include "spm/Instrument.h"
 #include "spm/measure/Measure.h"
 #include "spm/measure/OutputFile.h"
 #include "spm/Module.h"
 
 #include <algorithm>
+#include <chrono>
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <cstdlib>
-#include <fmt/format.h>
-#include <fmt/ranges.h>
 #include <iostream>
 #include <map>
 
@@ -22,7 +20,8 @@ constexpr int usageError = 2;
 constexpr const char* measureHelp =
     R"(Calibrates the instrument on its white reference, then measures a chart row by row, or single spots. Values go to
 standard output or to a file, in which each row is saved as soon as it is measured; instructions and errors go to
-standard error. A row that fails can be repeated or skipped. Ctrl-C closes the instrument and keeps the values so far.
+standard error. A row that fails can be repeated or skipped. Ctrl-C closes the instrument and keeps the values so far;
+--resume goes on with the file.
 
 Exit status:
   0  everything was measured
@@ -33,10 +32,11 @@ Exit status:
 
 Examples:
   spm measure --chart chart.csv --patches 6
-  spm measure --lab --spectra --output chart.cgats --report chart.html
+  spm measure --spectra --output chart.cgats --report chart.html
+  spm measure --output chart.cgats --resume
   spm measure --illuminant D50 --observer 2 --xyz
   spm measure --spots 3 --names paper,black,red --format json
-  spm measure --chart chart.csv --reference expected.csv --tolerance mean=2,max=5)";
+  spm measure --chart chart.csv --reference expected.csv --tolerance mean=2,max=3)";
 
 constexpr const char* doctorHelp =
     R"(Checks everything that measuring needs: the module and the SDK library, the settings and the log file, the instrument
@@ -80,33 +80,73 @@ CLI::App* addDoctor(CLI::App& app, std::filesystem::path& module) {
     return doctor;
 }
 
-void addConditions(CLI::App& measure, spm::Conditions& conditions) {
-    const auto calculate = [&conditions](const std::string&) { conditions.isCalculated = true; };
-    measure.add_option("--illuminant", conditions.illuminant, "calculate CIELab from spectra for this illuminant")
-        ->option_text("A|D50|D65 (with --observer alone: D65)")
-        ->check(CLI::IsMember(std::vector<std::string>(spm::illuminants.begin(), spm::illuminants.end())))
-        ->each(calculate);
-    measure.add_option("--observer", conditions.observer, "calculate CIELab from spectra for this standard observer")
-        ->option_text("2|10 (with --illuminant alone: 10)")
-        ->check(CLI::IsMember({2, 10}))
-        ->each(calculate);
+/// Adds an option whose values have names.
+template <class Value, class Target>
+CLI::Option* addChoice(CLI::App& command, const char* name, const std::map<std::string, Value>& values, Target& target,
+                       const char* description) {
+    return command
+        .add_option_function<std::string>(
+            name, [&values, &target](const std::string& value) { target = values.at(value); }, description)
+        ->check(CLI::IsMember(&values));
+}
+
+void addChart(CLI::App& measure, spm::MeasureOptions& options) {
+    auto* const rows = measure.add_option("--rows", options.rows, "rows of the chart");
+    auto* const patches = measure.add_option("--patches", options.patchesInRow, "patches in a row");
+    rows->check(CLI::Range(1, 1000))->option_text("1..1000 (default: as the number of names requires, or 4)");
+    patches->check(CLI::Range(2, 1000))->option_text("2..1000 (default: 6); the last row may be shorter");
+    measure.add_option("--spots", options.spots, "measure this many spots instead of rows")
+        ->option_text("1..100000")
+        ->check(CLI::Range(1, 100'000))
+        ->excludes(rows)
+        ->excludes(patches);
+    auto* const chart = addFile(measure, "--chart", options.chart,
+                                "file that names the patches: CSV with a header line, CGATS, or JSON from spm");
+    measure
+        .add_option("--names", options.names,
+                    "patch names separated by commas; for names with commas, use a chart file")
+        ->option_text("NAMES")
+        ->delimiter(',')
+        ->excludes(chart);
+}
+
+void addConditions(CLI::App& measure, spm::MeasureOptions& options) {
+    measure.add_flag("--spectra", options.spectra,
+                     "measure reflectance spectra, and calculate CIELab from them (default: CIELab by the instrument)");
+    measure.add_option("--illuminant", options.illuminant, "measure spectra, and calculate CIELab for this illuminant")
+        ->option_text("A|D50|D65 (default: D65)")
+        ->check(CLI::IsMember(std::vector<std::string>(spm::illuminants.begin(), spm::illuminants.end())));
+    measure.add_option("--observer", options.observer, "measure spectra, and calculate CIELab for this observer")
+        ->option_text("2|10 (default: 10)")
+        ->check(CLI::IsMember({2, 10}));
+    measure.add_flag("--xyz", options.withXyz, "write X, Y and Z in addition to CIELab");
+}
+
+void addOutput(CLI::App& measure, spm::MeasureOptions& options) {
+    auto* const output = addFile(measure, "--output", options.output,
+                                 "file to write the values to: .csv, .json, .cgats or .txt (CGATS)");
+    addChoice(measure, "--format", formats, options.format, "format of standard output (default: table)")
+        ->option_text("table|csv|json|cgats")
+        ->excludes(output);
+    addFile(measure, "--report", options.report, "HTML report to write");
+    auto* const overwrite = measure.add_flag("--overwrite", options.overwrite, "replace existing output files");
+    measure.add_flag("--resume", options.resume, "measure what is missing in the output file")
+        ->needs(output)
+        ->excludes(overwrite);
 }
 
 void addComparison(CLI::App& measure, spm::MeasureOptions& options) {
     auto* const reference =
         addFile(measure, "--reference", options.reference,
                 "file of expected values (name, L*, a*, b*) to compare with, in a format as for --chart");
-    measure
-        .add_option_function<std::string>(
-            "--difference", [&options](const std::string& name) { options.difference = formulas.at(name); },
-            "colour difference formula: CIEDE2000 (the default), CIE94 or CIE76")
+    addChoice(measure, "--difference", formulas, options.difference,
+              "colour difference formula: CIEDE2000 (the default), CIE94 or CIE76")
         ->option_text("2000|94|76")
-        ->check(CLI::IsMember(&formulas))
         ->needs(reference);
     measure
         .add_option_function<std::string>(
             "--tolerance", [&options](const std::string& text) { options.limits = spm::parseLimits(text); },
-            "upper limits of the differences: mean, median, p90, p95, max")
+            "upper limits of the differences: mean, median, p90, p95, max; all patches need an expected value then")
         ->option_text("mean=2,max=5,...")
         ->needs(reference);
 }
@@ -115,104 +155,44 @@ void addMeasure(CLI::App& app, spm::MeasureOptions& options) {
     CLI::App* const measure = app.add_subcommand("measure", "measure a chart or spots");
     measure->footer(measureHelp);
     addModule(*measure, options.module);
-    auto* const rows = measure->add_option("--rows", options.rows, "rows of the chart");
-    auto* const patches = measure->add_option("--patches", options.patchesInRow, "patches in a row");
-    rows->check(CLI::Range(1, 1000))->option_text("1..1000 (default: as the number of names requires, or 4)");
-    patches->check(CLI::Range(2, 1000))->option_text("2..1000 (default: 6)");
-    measure->add_option("--spots", options.spots, "measure this many spots instead of rows")
-        ->option_text("1..100000")
-        ->check(CLI::Range(1, 100'000))
-        ->excludes(rows)
-        ->excludes(patches);
-    auto* const chart = addFile(*measure, "--chart", options.chart,
-                                "file that names the patches: CSV with a header line, CGATS, or JSON from spm");
-    measure
-        ->add_option("--names", options.names,
-                     "patch names separated by commas; for names with commas, use a chart file")
-        ->option_text("NAMES")
-        ->delimiter(',')
-        ->excludes(chart);
-    measure->add_flag("--lab", options.lab, "measure CIELab for D65 and 10 degree (the default)");
-    measure->add_flag("--spectra", options.spectra, "measure reflectance spectra; with --lab both, in two passes");
-    addConditions(*measure, options.conditions);
-    measure->add_flag("--xyz", options.withXyz, "write X, Y and Z in addition to CIELab");
-    measure
-        ->add_option_function<std::string>(
-            "--format", [&options](const std::string& name) { options.format = formats.at(name); },
-            "output format (default: by the output file's extension, otherwise a table)")
-        ->option_text("table|csv|json|cgats")
-        ->check(CLI::IsMember(&formats));
-    addFile(*measure, "--output", options.output, "file to write the values to instead of standard output");
-    addFile(*measure, "--report", options.report, "HTML report to write");
-    measure->add_flag("--overwrite", options.overwrite, "replace existing output files");
-    measure->add_option("--first-row", options.firstRow, "continue with this row or spot, and complete the output file")
-        ->option_text("1..100000")
-        ->check(CLI::Range(1, 100'000));
+    addChart(*measure, options);
+    addConditions(*measure, options);
+    addOutput(*measure, options);
     addComparison(*measure, options);
+    measure
+        ->add_option_function<std::int32_t>(
+            "--wait", [&options](std::int32_t seconds) { options.waitLimit = std::chrono::seconds(seconds); },
+            "how long to wait for the button, in seconds")
+        ->option_text("1..86400 (default: 300)")
+        ->check(CLI::Range(1, 86'400));
 }
 
 int diagnose(const std::filesystem::path& module) {
     const std::vector<spm::Finding> findings = spm::examine(module);
-    spm::writeToStdout(spm::formatFindings(findings, spm::colourDepth(spm::isTerminal(stdout))));
+    spm::writeToStdout(spm::formatFindings(findings, spm::supportsColour()));
     return spm::isReady(findings) ? EXIT_SUCCESS : EXIT_FAILURE;
-}
-
-int list(const std::filesystem::path& file) {
-    const spm::Module module(file);
-    const spm::Instrument instrument(module);
-    const std::string simulation = module.simulation();
-    spm::writeToStdout(fmt::format("{}, {}{}\n", instrument.name(),
-                                   instrument.isResponding() ? "responding" : "not responding",
-                                   simulation.empty() ? "" : ", SIMULATED: " + simulation));
-    std::fprintf(stderr, "spm: %s\n", spm::Instrument::caveat);
-    return EXIT_SUCCESS;
-}
-
-void addList(CLI::App& app, bool& isListWanted, std::filesystem::path& module) {
-    CLI::Option* const list = app.add_flag("--list", isListWanted, "show the instrument that the module uses");
-    addModule(app, module)->needs(list);
-    for (CLI::App* const command : app.get_subcommands({})) {
-        command->excludes(list);
-    }
-}
-
-/// The error for the first word that is neither a command nor an option, with the names that are.
-spm::UsageError unknownName(const CLI::App& app) {
-    const std::string word = app.remaining(true).front();
-    const bool hasCommand = !app.get_subcommands().empty();
-    std::vector<std::string> known;
-    for (const CLI::Option* const option : (hasCommand ? *app.get_subcommands().front() : app).get_options()) {
-        known.push_back(option->get_name());
-    }
-    if (!hasCommand) known.insert(known.end(), {"doctor", "measure"});
-    const char* const kind = word.starts_with('-') ? "option" : hasCommand ? "argument" : "command";
-    return {fmt::format("unknown {} \"{}\"", kind, word), fmt::format("expected one of {}", fmt::join(known, ", "))};
 }
 
 int run(std::vector<std::string> arguments) {
     CLI::App app{"spm - measures colour through the spectrophotometer module", "spm"};
     app.require_subcommand(0, 1);
     app.set_version_flag("--version", "spm " SPM_PROGRAM_VERSION, "show this program's version");
+    app.set_help_all_flag("--help-all", "show all help");
     std::filesystem::path module;
     const CLI::App* const doctor = addDoctor(app, module);
     spm::MeasureOptions options;
     addMeasure(app, options);
-    bool isListWanted = false;
-    addList(app, isListWanted, module);
+    options.words = arguments;
     try {
         std::reverse(arguments.begin(), arguments.end()); // as CLI11 expects them
         app.parse(arguments);
-        if (!isListWanted && app.get_subcommands().empty()) throw CLI::RequiredError::Subcommand(1);
-    } catch (const CLI::ExtrasError&) {
-        throw unknownName(app);
+        if (app.get_subcommands().empty()) throw CLI::RequiredError::Subcommand(1);
     } catch (const CLI::ParseError& error) {
         const bool isHelp = app.exit(error) == 0;
         if (!std::cout.flush()) return EXIT_FAILURE;
         return isHelp ? EXIT_SUCCESS : usageError;
     }
-    if (isListWanted) return list(module);
-    if (doctor->parsed()) return diagnose(module);
-    return static_cast<int>(spm::measure(options));
+    return doctor->parsed() ? diagnose(module) : static_cast<int>(spm::measure(options));
 }
 
 int report(const std::exception& error, int status) {

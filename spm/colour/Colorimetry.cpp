@@ -13,6 +13,8 @@ namespace {
 
 using Spectrum = std::span<const SPM_REFLECTION>;
 
+constexpr const char* calculated = "calculated from spectra";
+
 void requireWavelengths(Spectrum spectrum) {
     int expected = 370;
     const auto isExpected = [&](const SPM_REFLECTION& point) { return point.wavelength == (expected += 10); };
@@ -62,7 +64,11 @@ std::string observerOf(const Conditions& conditions) {
 }
 
 std::string colorimetryOf(const Conditions& conditions) {
-    return conditions.isCalculated ? "calculated from spectra" : "from the module";
+    return conditions.isCalculated ? calculated : "from the module";
+}
+
+bool isCalculated(std::string_view colorimetry) {
+    return colorimetry == calculated;
 }
 
 Xyz whitePoint(const Conditions& conditions) {

@@ -5,16 +5,18 @@
 #include "module/SPM.h"
 
 #include <array>
+#include <cstdint>
 #include <span>
 #include <string>
+#include <string_view>
 
 namespace spm {
 
 /// The conditions of CIELab values, and of the measurement they come from.
 struct Conditions {
-    /// One of illuminants.
+    /// One of illuminants. In a file that was read, another one, or empty if the file doesn't say it.
     std::string illuminant = "D65";
-    /// The standard observer in degrees: 2 (CIE 1931) or 10 (CIE 1964).
+    /// The standard observer in degrees: 2 (CIE 1931) or 10 (CIE 1964). 0 if a file that was read doesn't say it.
     std::int32_t observer = 10;
     /// Whether CIELab values are calculated from spectra; otherwise the module measures them.
     bool isCalculated = false;
@@ -30,6 +32,9 @@ std::string observerOf(const Conditions& conditions);
 
 /// The origin of the CIELab values: "from the module" or "calculated from spectra".
 std::string colorimetryOf(const Conditions& conditions);
+
+/// Inverts colorimetryOf.
+bool isCalculated(std::string_view colorimetry);
 
 /// The tristimulus values X, Y and Z.
 using Xyz = std::array<double, 3>;

@@ -239,10 +239,10 @@ Mark markOf(Verdict verdict) {
     }
 }
 
-std::string formatFinding(const Finding& finding, ColourDepth depth) {
+std::string formatFinding(const Finding& finding, bool inColour) {
     constexpr std::size_t column = 20;
     const Mark mark = markOf(finding.verdict);
-    const auto style = depth == ColourDepth::none ? fmt::text_style() : fmt::fg(mark.colour);
+    const auto style = inColour ? fmt::fg(mark.colour) : fmt::text_style();
     std::string text = fmt::format(style, "{:<6}", mark.text);
     text += fmt::format(" {:<12} {}\n", finding.subject, indented(finding.text, column));
     if (!finding.advice.empty()) text += fmt::format("{:{}}> {}\n", "", column, finding.advice);
@@ -269,10 +269,10 @@ bool isReady(std::span<const Finding> findings) {
     return std::ranges::none_of(findings, [](const Finding& finding) { return finding.verdict == Verdict::wrong; });
 }
 
-std::string formatFindings(std::span<const Finding> findings, ColourDepth depth) {
+std::string formatFindings(std::span<const Finding> findings, bool inColour) {
     std::string text;
     for (const Finding& finding : findings) {
-        text += formatFinding(finding, depth);
+        text += formatFinding(finding, inColour);
     }
     return text + (isReady(findings) ? "\nReady to measure.\n" : "\nNot ready: fix the parts marked WRONG.\n");
 }

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "spm/doctor/Finding.h"
-#include "spm/formats/Swatch.h"
 
 #include <filesystem>
 #include <span>
@@ -18,6 +17,6 @@ std::vector<Finding> examine(const std::filesystem::path& module);
 bool isReady(std::span<const Finding> findings);
 
 /// A paragraph for each finding, and a last line with the result.
-std::string formatFindings(std::span<const Finding> findings, ColourDepth depth);
+std::string formatFindings(std::span<const Finding> findings, bool inColour);
 
 } // namespace spm

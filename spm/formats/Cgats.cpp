@@ -1,183 +1,258 @@
+// CGATS has no missing values, and many programs read only the first table. So there is one table with the measured
+// patches, and the others are in comments, which spm reads when a run goes on.
+
+#include "spm/Error.h"
 #include "spm/formats/Formats.h"
-#include "spm/formats/Reference.h"
+#include "spm/formats/Sheet.h"
 
 #include <algorithm>
 #include <fmt/format.h>
 #include <fmt/ranges.h>
-#include <functional>
+#include <iomanip>
 #include <iterator>
-#include <set>
+#include <optional>
+#include <sstream>
+#include <string_view>
+#include <utility>
 
 namespace spm {
 
 namespace {
 
-/// The columns of a table. CGATS has no missing values, so readings with different columns are in different tables.
-struct Columns {
-    bool lab = false;
-    bool xyz = false;
-    std::vector<std::int32_t> wavelengths{};
-    /// The title of the column of differences; empty if there is none.
-    std::string difference{};
+using Words = std::vector<std::string>;
 
-    bool operator==(const Columns&) const = default;
-    std::size_t size() const {
-        return (lab ? 3 : 0) + (xyz ? 3 : 0) + wavelengths.size() + (difference.empty() ? 0 : 1);
-    }
-};
+constexpr std::string_view notMeasured = "# NOT_MEASURED";
+constexpr std::string_view simulatedBy = "simulated: ";
+constexpr std::string_view versionFollows = "; module version ";
 
-/// The title of a column of differences in CGATS.17.
-const char* titleOf(Formula formula) {
-    return formula == Formula::ciede2000 ? "LAB_DE_2000" : formula == Formula::cie94 ? "LAB_DE_94" : "LAB_DE";
+bool isControl(char character) {
+    const auto code = static_cast<unsigned char>(character);
+    return code < 0x20 || code == 0x7F;
 }
 
-Columns columnsOf(const Run& run, const Reading& reading) {
-    Columns columns{reading.lab.has_value(),
-                    xyzOf(run, reading).has_value(),
-                    {},
-                    differenceOf(run, reading) ? titleOf(run.reference->formula) : ""};
-    std::ranges::transform(reading.spectrum, std::back_inserter(columns.wavelengths), &SPM_REFLECTION::wavelength);
-    std::ranges::sort(columns.wavelengths);
-    return columns;
+/// Replaces the characters that quoted strings can't contain.
+std::string quotedString(std::string text) {
+    std::ranges::replace(text, '"', '\'');
+    std::ranges::replace_if(text, isControl, ' ');
+    return '"' + text + '"';
 }
 
-/// The tables' columns, with the widest table first: some programs read only the first table.
-std::vector<Columns> tablesOf(const Run& run) {
-    std::vector<Columns> tables;
-    for (const Reading& reading : run.readings) {
-        if (!reading.isMeasured()) continue;
-        Columns columns = columnsOf(run, reading);
-        if (std::find(tables.begin(), tables.end(), columns) == tables.end()) tables.push_back(std::move(columns));
-    }
-    std::ranges::stable_sort(tables, std::ranges::greater{}, &Columns::size);
-    return tables;
+/// A field of the chart: quoted only if it must be.
+std::string word(const std::string& field) {
+    constexpr const char* plain = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789.+-_";
+    return field.empty() || field.find_first_not_of(plain) != std::string::npos ? quotedString(field) : field;
 }
 
-/// Replaces characters that quoted strings and comments can't contain: CGATS has no escapes.
-std::string sanitize(std::string text) {
-    for (char& character : text) {
-        const auto code = static_cast<unsigned char>(character);
-        if (character == '"') character = '\'';
-        if (code < 0x20 || code == 0x7F) character = ' ';
-    }
-    return text;
-}
-
-std::string quoted(const std::string& text) {
-    return '"' + (text.empty() ? "-" : sanitize(text)) + '"'; // some readers repeat the previous value for ""
-}
-
-std::string line(std::string_view keyword, const std::string& text) {
-    return fmt::format("{}\t{}\n", keyword, quoted(text));
+std::string keywordLine(std::string_view keyword, const std::string& text) {
+    return fmt::format("{}\t{}\n", keyword, quotedString(text));
 }
 
 /// Declares a keyword that is not in the standard, and sets it.
-std::string customLine(const std::string& keyword, std::string_view text) {
-    return line("KEYWORD", keyword) + line(keyword, std::string(text));
-}
-
-std::string descriptor(const Run& run, std::size_t patches) {
-    std::string text = coverage(run) + " measured";
-    if (run.patchesInRow > 0) text += fmt::format(", in rows of {}", run.patchesInRow);
-    if (patches < measuredCount(run)) text += fmt::format("; this table has {} of them", patches);
-    return text;
-}
-
-/// The missing patches as comments, which readers skip.
-std::string gapComments(const Run& run) {
-    std::string text;
-    for (const Gap& gap : gaps(run)) {
-        text += fmt::format("# {}\n", sanitize(describe(gap)));
-    }
-    return text;
-}
-
-std::string instrumentation(const Run& run) {
-    return fmt::format("{}; module version {}",
-                       run.simulation.empty() ? run.instrument : "simulated: " + run.simulation, run.version);
-}
-
-std::string labLines(const Conditions& conditions) {
-    return line("WEIGHTING_FUNCTION", fmt::format("ILLUMINANT, {}", conditions.illuminant)) +
-           line("WEIGHTING_FUNCTION", fmt::format("OBSERVER, {}", observerOf(conditions))) +
-           line("COMPUTATIONAL_PARAMETER", fmt::format("COLORIMETRY, {}", colorimetryOf(conditions))) +
-           customLine("ILLUMINATION_NAME", conditions.illuminant) +
-           customLine("OBSERVER_ANGLE", std::to_string(conditions.observer));
+std::string customLine(const std::string& keyword, const std::string& text) {
+    return keywordLine("KEYWORD", keyword) + keywordLine(keyword, text);
 }
 
 /// Gives the wavelength range only if the steps are equal, as readers assume.
 std::string spectralLines(const std::vector<std::int32_t>& wavelengths) {
-    std::set<std::int32_t> steps;
-    for (std::size_t i = 1; i < wavelengths.size(); ++i) {
-        steps.insert(wavelengths[i] - wavelengths[i - 1]);
-    }
+    if (wavelengths.empty()) return "";
+    const auto bands = static_cast<std::int32_t>(wavelengths.size());
+    const std::int32_t step = bands > 1 ? wavelengths[1] - wavelengths[0] : 0;
     std::string text = customLine("SPECTRAL_NORM", "1.0");
-    if (steps.size() != 1) return text;
-    return text + customLine("SPECTRAL_BANDS", std::to_string(wavelengths.size())) +
+    for (std::int32_t i = 0; i < bands; ++i) {
+        if (step == 0 || wavelengths[static_cast<std::size_t>(i)] != wavelengths.front() + i * step) return text;
+    }
+    return text + customLine("SPECTRAL_BANDS", std::to_string(bands)) +
            customLine("SPECTRAL_START_NM", std::to_string(wavelengths.front())) +
            customLine("SPECTRAL_END_NM", std::to_string(wavelengths.back()));
 }
 
-std::string header(const Run& run, const Columns& columns, std::size_t patches) {
+/// The fields that come from the chart.
+std::string chartWords(const Run& run, std::size_t place) {
+    const Patch& patch = run.patches[place - 1];
+    Words words;
+    std::ranges::transform(patch.fields, std::back_inserter(words), word);
+    words = withName(run, words, quotedString(patch.name));
+    if (!hasIds(run)) words.insert(words.begin(), std::to_string(place));
+    return fmt::format("{}", fmt::join(words, "\t"));
+}
+
+/// The patches that were not measured, as comments with the place in the chart, the chart's fields and the reason.
+std::string missingLines(const Run& run) {
+    std::string text;
+    for (std::size_t place = 1; place <= run.patches.size(); ++place) {
+        const Patch& patch = run.patches[place - 1];
+        if (patch.reading) continue;
+        text += fmt::format("{}\t{}\t{}\t{}\n", notMeasured, place, chartWords(run, place),
+                            quotedString(missingReasonOf(patch)));
+    }
+    return text;
+}
+
+std::string cgatsHeader(const Run& run) {
+    const Conditions& conditions = run.conditions;
+    const std::string instrument = run.simulation.empty() ? run.instrument : std::string(simulatedBy) + run.simulation;
     std::string text = "CGATS.17\n";
-    text += line("ORIGINATOR", "spm");
-    text += line("FILE_DESCRIPTOR", "Measured colours");
-    text += line("DESCRIPTOR", descriptor(run, patches));
-    text += line("CREATED", run.started);
-    text += line("INSTRUMENTATION", instrumentation(run));
-    if (!run.conditions.measurement.empty()) text += line("MEASUREMENT_SOURCE", run.conditions.measurement);
-    if (columns.lab) text += labLines(run.conditions);
-    if (!columns.wavelengths.empty()) text += spectralLines(columns.wavelengths);
-    if (!columns.difference.empty())
-        text += fmt::format("# {}: difference from {}\n", columns.difference, sanitize(run.reference->file.string()));
-    return text + gapComments(run);
+    text += keywordLine("ORIGINATOR", "spm");
+    text += keywordLine("FILE_DESCRIPTOR", "Measured colours");
+    text += keywordLine("DESCRIPTOR", coverage(run) + " measured");
+    text += keywordLine("CREATED", run.started);
+    text += keywordLine("INSTRUMENTATION", instrument + std::string(versionFollows) + run.version);
+    if (!conditions.measurement.empty()) text += keywordLine("MEASUREMENT_SOURCE", conditions.measurement);
+    text += keywordLine("WEIGHTING_FUNCTION", fmt::format("ILLUMINANT, {}", conditions.illuminant));
+    text += keywordLine("WEIGHTING_FUNCTION", fmt::format("OBSERVER, {}", observerOf(conditions)));
+    text += keywordLine("COMPUTATIONAL_PARAMETER", fmt::format("COLORIMETRY, {}", colorimetryOf(conditions)));
+    text += customLine("ILLUMINATION_NAME", conditions.illuminant);
+    text += customLine("OBSERVER_ANGLE", std::to_string(conditions.observer));
+    if (!run.chart.empty()) text += customLine("CHART", run.chart);
+    text += customLine("PATCHES_IN_ROW", std::to_string(run.patchesInRow));
+    return text + spectralLines(wavelengths(run)) + missingLines(run);
 }
 
-std::string dataFormat(const Columns& columns) {
-    std::string text = "SAMPLE_ID\tSAMPLE_NAME";
-    if (columns.lab) text += "\tLAB_L\tLAB_A\tLAB_B";
-    if (columns.xyz) text += "\tXYZ_X\tXYZ_Y\tXYZ_Z";
-    for (const std::int32_t wavelength : columns.wavelengths) {
-        text += fmt::format("\tSPECTRAL_NM{}", wavelength);
+Words cgatsTitles(const Run& run) {
+    Words titles = withName(run, run.chartColumns, "SAMPLE_NAME");
+    if (!hasIds(run)) titles.insert(titles.begin(), "SAMPLE_ID");
+    titles.insert(titles.end(), {"LAB_L", "LAB_A", "LAB_B"});
+    if (run.withXyz) titles.insert(titles.end(), {"XYZ_X", "XYZ_Y", "XYZ_Z"});
+    for (const std::int32_t wavelength : wavelengths(run)) {
+        titles.push_back(fmt::format("SPECTRAL_NM{}", wavelength));
     }
-    if (!columns.difference.empty()) text += '\t' + columns.difference;
+    return titles;
+}
+
+std::string dataLine(const Run& run, std::size_t place) {
+    const Reading& reading = *run.patches[place - 1].reading;
+    std::string text = chartWords(run, place);
+    text += fmt::format("\t{:.4f}\t{:.4f}\t{:.4f}", reading.lab.L, reading.lab.a, reading.lab.b);
+    if (run.withXyz) text += fmt::format("\t{:.4f}", fmt::join(xyzOf(run, reading), "\t"));
+    for (const SPM_REFLECTION& point : reading.spectrum) {
+        text += fmt::format("\t{:.6f}", static_cast<double>(point.value) / 100);
+    }
     return text + '\n';
 }
 
-std::string dataLine(const Run& run, std::size_t place, const Columns& columns) {
-    const Reading& reading = run.readings[place];
-    std::string text = fmt::format("{}\t{}", place + 1, quoted(reading.name));
-    if (reading.lab) text += fmt::format("\t{:.4f}\t{:.4f}\t{:.4f}", reading.lab->L, reading.lab->a, reading.lab->b);
-    if (const auto xyz = xyzOf(run, reading)) text += fmt::format("\t{:.4f}", fmt::join(*xyz, "\t"));
-    for (const std::int32_t wavelength : columns.wavelengths) {
-        text += fmt::format("\t{:.6f}", static_cast<double>(reflectance(reading, wavelength).value()) / 100);
+/// Splits a line into words. Quoted words can contain blanks; # starts a comment.
+Words split(const std::string& line) {
+    std::istringstream stream(line);
+    Words words;
+    std::string next;
+    while ((stream >> std::ws).peek() != '#' && stream >> std::quoted(next, '"', '\0')) {
+        words.push_back(next);
     }
-    if (const auto difference = differenceOf(run, reading)) text += fmt::format("\t{:.4f}", difference->deltaE);
-    return text + '\n';
+    return words;
 }
 
-std::string table(const Run& run, const Columns& columns) {
-    std::string lines;
-    std::size_t patches = 0;
-    for (std::size_t i = 0; i < run.readings.size(); ++i) {
-        if (columnsOf(run, run.readings[i]) != columns) continue;
-        lines += dataLine(run, i, columns);
-        ++patches;
-    }
-    return header(run, columns, patches) + fmt::format("NUMBER_OF_FIELDS\t{}\n", 2 + columns.size()) +
-           fmt::format("BEGIN_DATA_FORMAT\n{}END_DATA_FORMAT\n", dataFormat(columns)) +
-           fmt::format("NUMBER_OF_SETS\t{}\nBEGIN_DATA\n{}END_DATA\n", patches, lines);
+/// The part of a text after a prefix; none if it starts with something else.
+std::optional<std::string> after(std::string_view prefix, const std::string& text) {
+    return text.starts_with(prefix) ? std::optional(text.substr(prefix.size())) : std::nullopt;
 }
+
+class CgatsReader {
+public:
+    explicit CgatsReader(const std::string& description) : sheet{.description = description} {
+        run.conditions = {"", 0};
+        run.patchesInRow = unknownRows;
+    }
+
+    Run read(const std::string& text) {
+        std::istringstream lines(text);
+        std::string line;
+        for (int number = 1; !isDone && std::getline(lines, line); ++number) {
+            if (const auto missed = after(notMeasured, line)) missing.push_back(split(*missed));
+            Sheet::Row row{fmt::format("line {}", number), split(line)};
+            if (!row.fields.empty()) take(std::move(row));
+        }
+        if (!end.empty()) throw Error(fmt::format("{} is incomplete: {} is missing", sheet.description, end));
+        insertMissing();
+        const Run table = sheet.titles.place.empty() ? Run{} : readSheet(sheet);
+        run.patches = table.patches;
+        run.chartColumns = table.chartColumns;
+        run.withXyz = table.withXyz;
+        return run;
+    }
+
+private:
+    void take(Sheet::Row row) {
+        const std::string keyword = row.fields.front();
+        if (keyword == end) {
+            isDone = keyword == "END_DATA" && !sheet.rows.empty();
+            if (keyword == "END_DATA" && !isDone) sheet.titles = {};
+            end.clear();
+        } else if (end == "END_DATA_FORMAT") {
+            std::ranges::move(row.fields, std::back_inserter(sheet.titles.fields));
+        } else if (end == "END_DATA") {
+            sheet.rows.push_back(std::move(row));
+        } else if (keyword == "BEGIN_DATA" || keyword == "BEGIN_DATA_FORMAT") {
+            if (sheet.titles.fields.empty()) sheet.titles.place = row.place;
+            end = "END" + keyword.substr(keyword.find('_'));
+        } else if (row.fields.size() > 1) {
+            takeHeader(keyword, row.fields[1]);
+        }
+    }
+
+    void takeHeader(const std::string& keyword, const std::string& value) {
+        if (keyword == "SPECTRAL_NORM") sheet.spectralNorm = value;
+        if (keyword == "MEASUREMENT_SOURCE") run.conditions.measurement = value;
+        if (keyword == "CHART") run.chart = value;
+        if (keyword == "PATCHES_IN_ROW") run.patchesInRow = parseNumber(value, unknownRows);
+        if (const auto name = after("ILLUMINANT, ", value)) run.conditions.illuminant = *name;
+        if (const auto degrees = after("OBSERVER, ", value)) run.conditions.observer = parseNumber(*degrees, 0);
+        if (const auto origin = after("COLORIMETRY, ", value)) run.conditions.isCalculated = isCalculated(*origin);
+        const auto simulation = after(simulatedBy, value);
+        if (keyword == "INSTRUMENTATION" && simulation) {
+            run.simulation = simulation->substr(0, simulation->rfind(versionFollows));
+        }
+    }
+
+    /// Inserts the patches from the comments, each with its place, fields and reason, as rows without values.
+    void insertMissing() {
+        if (missing.empty()) return;
+        for (Sheet::Row& row : sheet.rows) {
+            row.fields.emplace_back();
+        }
+        sheet.titles.fields.emplace_back("not_measured");
+        for (Words& words : missing) {
+            if (words.size() < 3)
+                throw Error(fmt::format("{} has an incomplete comment {}", sheet.description, notMeasured));
+            const auto place = static_cast<std::size_t>(parseNumber(words.front(), 1));
+            Sheet::Row row{fmt::format("{} {}", notMeasured, place), {words.begin() + 1, words.end() - 1}};
+            row.fields.resize(sheet.titles.fields.size());
+            row.fields.back() = words.back();
+            const std::size_t index = std::min(place - 1, sheet.rows.size());
+            sheet.rows.insert(sheet.rows.begin() + static_cast<std::ptrdiff_t>(index), std::move(row));
+        }
+    }
+
+    Sheet sheet;
+    Run run;
+    std::vector<Words> missing;
+    /// The keyword that ends the current section; empty between sections.
+    std::string end;
+    bool isDone = false;
+};
 
 } // namespace
 
 std::string formatCgats(const Run& run) {
-    requireValues(run);
-    std::string text;
-    for (const Columns& columns : tablesOf(run)) {
-        text += table(run, columns);
+    const Words titles = cgatsTitles(run);
+    std::string lines;
+    for (std::size_t place = 1; place <= run.patches.size(); ++place) {
+        if (run.patches[place - 1].reading) lines += dataLine(run, place);
     }
-    return text;
+    return cgatsHeader(run) + fmt::format("NUMBER_OF_FIELDS\t{}\n", titles.size()) +
+           fmt::format("BEGIN_DATA_FORMAT\n{}\nEND_DATA_FORMAT\n", fmt::join(titles, "\t")) +
+           fmt::format("NUMBER_OF_SETS\t{}\nBEGIN_DATA\n{}END_DATA\n", measuredCount(run.patches), lines);
+}
+
+bool fitsCgats(const std::string& text) {
+    return !text.empty() && text.find('"') == std::string::npos && std::ranges::none_of(text, isControl);
+}
+
+Run readCgats(const std::string& text, const std::string& description) {
+    return CgatsReader(description).read(text);
+}
+
+bool isCgats(const std::string& text) {
+    return text.starts_with("CGATS") || text.find("\nBEGIN_DATA_FORMAT") != std::string::npos;
 }
 
 } // namespace spm

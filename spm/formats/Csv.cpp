@@ -1,73 +1,130 @@
+#include "common/CsvReader.h"
 #include "spm/formats/Formats.h"
-#include "spm/formats/Reference.h"
+#include "spm/formats/Sheet.h"
+#include "spm/run/Comparison.h"
 
 #include <fmt/format.h>
-#include <fmt/ranges.h>
+#include <utility>
 
 namespace spm {
 
 namespace {
 
-std::string field(const std::string& text) {
+using Fields = std::vector<std::string>;
+
+constexpr const char* notSimulated = "no";
+
+std::string csvField(const std::string& text) {
     if (text.find_first_of("\",\r\n") == std::string::npos) return text;
-    std::string quoted = "\"";
+    std::string field = "\"";
     for (const char character : text) {
-        quoted += character;
-        if (character == '"') quoted += character;
+        field += character;
+        if (character == '"') field += character;
     }
-    return quoted + '"';
+    return field + '"';
 }
 
-std::string numberAfterComma(double value) {
-    return fmt::format(",{:.4f}", value);
+std::string csvLine(const Fields& fields) {
+    std::string text;
+    for (const std::string& field : fields) {
+        text += (&field == &fields.front() ? "" : ",") + csvField(field);
+    }
+    return text + '\n';
 }
 
-std::string labFields(const SPM_LAB& lab) {
-    return numberAfterComma(lab.L) + numberAfterComma(lab.a) + numberAfterComma(lab.b);
+void append(Fields& fields, const Fields& more) {
+    fields.insert(fields.end(), more.begin(), more.end());
 }
 
-std::string colourFields(const Run& run, const Reading& reading) {
-    if (!reading.lab) return run.withXyz ? ",,,,,," : ",,,";
-    const auto xyz = xyzOf(run, reading);
-    return labFields(*reading.lab) + (xyz ? fmt::format(",{:.4f}", fmt::join(*xyz, ",")) : "");
+template <class... Numbers>
+void appendNumbers(Fields& fields, Numbers... numbers) {
+    (fields.push_back(fmt::format("{:.4f}", numbers)), ...);
 }
 
-std::string differenceFields(const std::optional<Difference>& difference) {
-    return difference ? labFields(difference->expected) + numberAfterComma(difference->deltaE) : ",,,,";
+Fields csvTitles(const Run& run) {
+    Fields titles = withName(run, run.chartColumns, "name");
+    append(titles, {"L*", "a*", "b*"});
+    if (run.withXyz) append(titles, {"X", "Y", "Z"});
+    for (const std::int32_t wavelength : wavelengths(run)) {
+        titles.push_back(fmt::format("nm{}_percent", wavelength));
+    }
+    if (run.reference) append(titles, {"expected_L*", "expected_a*", "expected_b*", nameOf(run.reference->formula)});
+    append(titles, {"illuminant", "observer", "colorimetry", "measurement_condition", "chart", "patches_in_row",
+                    "simulated", "not_measured"});
+    return titles;
+}
+
+/// What applies to all patches.
+Fields runFields(const Run& run) {
+    const Conditions& used = run.conditions;
+    return {used.illuminant,
+            observerOf(used),
+            colorimetryOf(used),
+            used.measurement,
+            run.chart,
+            std::to_string(run.patchesInRow),
+            run.simulation.empty() ? notSimulated : run.simulation};
+}
+
+void appendReading(Fields& fields, const Run& run, const Patch& patch) {
+    const auto& [lab, spectrum] = *patch.reading;
+    appendNumbers(fields, lab.L, lab.a, lab.b);
+    if (run.withXyz) {
+        const auto [x, y, z] = xyzOf(run, *patch.reading);
+        appendNumbers(fields, x, y, z);
+    }
+    for (const SPM_REFLECTION& point : spectrum) {
+        appendNumbers(fields, point.value);
+    }
+    if (const auto difference = differenceOf(run, patch)) {
+        const SPM_LAB& expected = difference->expected;
+        appendNumbers(fields, expected.L, expected.a, expected.b, difference->deltaE);
+    }
+}
+
+char separatorOf(const std::string& text) {
+    const std::string header = text.substr(0, text.find('\n'));
+    for (const char separator : {';', '\t'}) {
+        if (header.find(separator) != std::string::npos) return separator;
+    }
+    return ',';
 }
 
 } // namespace
 
 std::string formatCsv(const Run& run) {
-    requireValues(run);
-    const bool withLab = hasLab(run);
-    const std::set<std::int32_t> columns = wavelengths(run);
-    std::string text = withLab ? "name,L*,a*,b*" : "name";
-    if (withLab && run.withXyz) text += ",X,Y,Z";
-    for (const std::int32_t wavelength : columns) {
-        text += fmt::format(",nm{}_percent", wavelength);
-    }
-    if (run.reference) text += fmt::format(",expected_L*,expected_a*,expected_b*,{}", nameOf(run.reference->formula));
-    if (withLab) text += ",illuminant,observer,colorimetry";
-    text += ",measurement_condition,simulated,not_measured\n";
-
-    const Conditions& used = run.conditions;
-    const std::string conditions =
-        (withLab ? fmt::format(",{},{},{}", used.illuminant, observerOf(used), colorimetryOf(used)) : "") +
-        fmt::format(",{},{},", field(used.measurement), run.simulation.empty() ? "no" : field(run.simulation));
-    const std::string measured = fmt::format(" ({} measured)", coverage(run));
-    for (const Reading& reading : run.readings) {
-        text += field(reading.name);
-        if (withLab) text += colourFields(run, reading);
-        for (const std::int32_t wavelength : columns) {
-            const std::optional<float> value = reflectance(reading, wavelength);
-            text += value ? numberAfterComma(*value) : ",";
-        }
-        if (run.reference) text += differenceFields(differenceOf(run, reading));
-        text += conditions;
-        text += field(reading.isMeasured() ? reading.missingReason : missingReasonOf(reading) + measured) + '\n';
+    const Fields titles = csvTitles(run);
+    const Fields same = runFields(run);
+    std::string text = csvLine(titles);
+    for (const Patch& patch : run.patches) {
+        Fields fields = withName(run, patch.fields, patch.name);
+        if (patch.reading) appendReading(fields, run, patch);
+        fields.resize(titles.size() - same.size() - 1); // missing values are empty
+        append(fields, same);
+        fields.push_back(patch.reading ? "" : missingReasonOf(patch));
+        text += csvLine(fields);
     }
     return text;
+}
+
+Run readCsv(const std::string& text, const std::string& description) {
+    const char separator = separatorOf(text);
+    common::CsvReader csv(text, description, separator);
+    Sheet sheet{.description = description, .hasDecimalCommas = separator != ','};
+    while (auto fields = csv.next()) {
+        sheet.rows.push_back({fmt::format("line {}", csv.lineNumber()), std::move(*fields)});
+    }
+    if (sheet.rows.empty()) return {};
+    sheet.titles = sheet.rows.front();
+    sheet.rows.erase(sheet.rows.begin());
+    Run run = readSheet(sheet);
+    run.conditions = {firstField(sheet, "illuminant"), parseNumber(firstField(sheet, "observer"), 0),
+                      isCalculated(firstField(sheet, "colorimetry")), firstField(sheet, "measurement_condition")};
+    run.chart = firstField(sheet, "chart");
+    run.patchesInRow = parseNumber(firstField(sheet, "patches_in_row"), unknownRows);
+    run.simulation = firstField(sheet, "simulated");
+    if (run.simulation == notSimulated) run.simulation.clear();
+    return run;
 }
 
 } // namespace spm

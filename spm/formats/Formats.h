@@ -1,30 +1,43 @@
 #pragma once
 
-// The file formats of a run.
+// The file formats of a run. Each contains all patches of the chart, measured or not, and all that going on needs.
 
-#include "spm/formats/Run.h"
+#include "spm/run/Run.h"
 
 #include <string>
 
 namespace spm {
 
-// Lines end with '\n', and numbers have a decimal point in every locale. Each format contains the run's conditions and,
-// for simulated values, a note; with a reference, also the differences.
-// All functions throw Error if no patch was measured or a value is not finite.
+enum class Format { table, csv, json, cgats };
 
-/// Comma-separated values with a header line, quoted as in RFC 4180, with a line for each patch of the chart. The
-/// conditions are columns, too. Missing values are empty fields, and the last column has the reason. Bytes of names are
-/// kept.
+// Lines end with '\n', and numbers have a decimal point in every locale. Each format contains the run's conditions and,
+// for simulated values, a note; CSV and JSON also contain the expected values and differences.
+
+/// Comma-separated values with a header line, quoted as in RFC 4180, with a line for each patch of the chart. What
+/// applies to the whole run is repeated in each line. Missing values are empty fields; the last column has the reason.
 std::string formatCsv(const Run& run);
 
 /// An object with all patches of the chart; a patch without values has a member "notMeasured" with the reason. Bytes
 /// that are not UTF-8 become U+FFFD.
 std::string formatJson(const Run& run);
 
-/// ANSI CGATS.17 text. The format has no missing values: readings with different columns go into separate tables, and
-/// patches without values into comments. SAMPLE_ID is the patch's place in the chart, from 1. As the format has no
-/// escapes, quotes in strings become apostrophes, and control characters become blanks; an empty string becomes "-".
-/// Other bytes are kept.
+/// ANSI CGATS.17 text: one table with the measured patches. SAMPLE_ID is the chart's, or else the place in the chart,
+/// from 1. The patches that were not measured are in comments, since the format has no missing values.
+/// @param run  names that fitsCgats accepts
 std::string formatCgats(const Run& run);
+
+/// Whether CGATS can contain a text: as it has no escapes, quotes and control characters are not possible, and some
+/// programs repeat the previous value for an empty string.
+bool fitsCgats(const std::string& text);
+
+// Each of these reads a run from a text. What the text doesn't say is empty, as described for Run.
+// description: the text in error messages, "the chart file chart.csv"
+// All throw Error or common::CsvError with the description, if possible the line, and the reason.
+
+Run readCsv(const std::string& text, const std::string& description);
+Run readJson(const std::string& text, const std::string& description);
+/// Reads the first table with samples.
+Run readCgats(const std::string& text, const std::string& description);
+bool isCgats(const std::string& text);
 
 } // namespace spm

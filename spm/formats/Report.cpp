@@ -5,12 +5,13 @@
 #include "spm/formats/Report.h"
 
 #include "common/Text.h"
-#include "spm/formats/Reference.h"
-#include "spm/formats/Swatch.h"
+#include "spm/colour/Srgb.h"
+#include "spm/run/Comparison.h"
 
 #include <algorithm>
 #include <cmath>
 #include <fmt/format.h>
+#include <initializer_list>
 #include <kainjow/mustache.hpp>
 
 namespace spm {
@@ -21,43 +22,86 @@ using kainjow::mustache::data;
 using kainjow::mustache::list;
 using kainjow::mustache::object;
 
-std::string colour(const SPM_LAB& lab) {
-    const auto rgb = toSrgb(lab);
-    return fmt::format("#{:02x}{:02x}{:02x}", rgb[0], rgb[1], rgb[2]);
+std::string colour(const Run& run, const SPM_LAB& lab) {
+    return toSrgb(lab, whitePoint(run.conditions));
 }
 
-/// The CSS background of a patch: the measured colour, next to the expected one if there is one.
-std::string background(const Run& run, const Reading& reading) {
-    const auto difference = differenceOf(run, reading);
-    if (!difference) return colour(*reading.lab);
-    return fmt::format("linear-gradient(90deg, {} 50%, {} 50%)", colour(*reading.lab), colour(difference->expected));
+/// The CSS background of a patch: the measured colour; in a comparison next to the expected one, or to nothing.
+std::string background(const Run& run, const Patch& patch) {
+    const std::string measured = colour(run, patch.reading->lab);
+    if (run.reference == nullptr) return measured;
+    const auto difference = differenceOf(run, patch);
+    return fmt::format("linear-gradient(90deg, {} 50%, {} 50%)", measured,
+                       difference ? colour(run, difference->expected) : "transparent");
 }
 
 std::string formatLab(const SPM_LAB& lab) {
     return fmt::format("{:.2f} {:.2f} {:.2f}", lab.L, lab.a, lab.b);
 }
 
-list labOf(const Reading& reading) {
-    list values;
-    for (const auto value : {&SPM_LAB::L, &SPM_LAB::a, &SPM_LAB::b}) {
-        values.push_back(object{{"value", reading.lab ? fmt::format("{:.2f}", (*reading.lab).*value) : "\u2013"}});
-    }
-    return values;
+template <class... Numbers>
+void appendCells(list& cells, const char* format, Numbers... numbers) {
+    (cells.push_back(object{{"value", fmt::format(fmt::runtime(format), numbers)}}), ...);
 }
 
-list patchesOf(const Run& run, const std::vector<Reading>& readings) {
-    list patches;
-    for (const Reading& reading : readings) {
-        const auto difference = differenceOf(run, reading);
-        object patch{{"name", common::printable(reading.name)},
-                     {"lab", labOf(reading)},
-                     {"deltaE", difference ? fmt::format("{:.2f}", difference->deltaE) : "\u2013"}};
-        if (reading.lab) patch["fill"] = background(run, reading);
-        if (reading.lab) patch["measured"] = formatLab(*reading.lab);
-        if (difference) patch["expected"] = formatLab(difference->expected);
-        patches.push_back(patch);
+void appendLab(list& cells, const char* format, const SPM_LAB& lab) {
+    appendCells(cells, format, lab.L, lab.a, lab.b);
+}
+
+/// The titles of the table's columns of numbers.
+list columnTitles(const Run& run) {
+    list titles;
+    const auto append = [&](std::initializer_list<const char*> more) {
+        for (const char* const title : more) {
+            titles.push_back(object{{"title", title}});
+        }
+    };
+    append({"L*", "a*", "b*"});
+    if (run.withXyz) append({"X", "Y", "Z"});
+    if (run.reference) append({nameOf(run.reference->formula), "dL*", "da*", "db*", "L* exp.", "a* exp.", "b* exp."});
+    return titles;
+}
+
+/// The numbers of a patch, with a dash for each missing one.
+list cellsOf(const Run& run, const Patch& patch, std::size_t columns) {
+    list cells;
+    if (patch.reading) {
+        appendLab(cells, "{:.2f}", patch.reading->lab);
+        if (run.withXyz) {
+            const auto [x, y, z] = xyzOf(run, *patch.reading);
+            appendCells(cells, "{:.2f}", x, y, z);
+        }
     }
-    return patches;
+    if (const auto difference = differenceOf(run, patch)) {
+        appendCells(cells, "{:.2f}", difference->deltaE);
+        appendLab(cells, "{:+.2f}", difference->delta);
+        appendLab(cells, "{:.2f}", difference->expected);
+    }
+    while (cells.size() < columns) {
+        cells.push_back(object{{"value", "\u2013"}});
+    }
+    return cells;
+}
+
+list patchItems(const Run& run, const std::vector<Patch>& patches) {
+    const std::size_t columns = columnTitles(run).size();
+    list items;
+    for (const Patch& patch : patches) {
+        object item{{"name", common::printable(patch.name)}, {"cells", cellsOf(run, patch, columns)}};
+        if (run.patchesInRow > 0 && items.size() % static_cast<std::size_t>(run.patchesInRow) == 0) {
+            item["row"] = std::to_string(items.size() / static_cast<std::size_t>(run.patchesInRow) + 1);
+        }
+        if (patch.reading) {
+            item["fill"] = background(run, patch);
+            item["measured"] = formatLab(patch.reading->lab);
+        }
+        if (const auto difference = differenceOf(run, patch)) {
+            item["expected"] = formatLab(difference->expected);
+            item["deltaE"] = fmt::format("{:.2f}", difference->deltaE);
+        }
+        items.push_back(item);
+    }
+    return items;
 }
 
 object comparisonOf(const Run& run, const Comparison& comparison) {
@@ -67,12 +111,12 @@ object comparisonOf(const Run& run, const Comparison& comparison) {
         statistics.push_back(
             object{{"name", statistic.name}, {"value", fmt::format("{:.2f}{}", statistic.value, statistic.verdict())}});
     }
-    object section{{"file", common::printable(reference.file.string())},
+    object section{{"file", common::printable(describe(reference))},
                    {"formula", nameOf(reference.formula)},
-                   {"compared", fmt::format("{} of {} patches", comparison.patches, run.readings.size())},
+                   {"compared", comparison.coverage()},
                    {"statistics", statistics},
                    {"passed", comparison.isWithinLimits},
-                   {"hasLimits", !reference.limits.empty()}};
+                   {"hasLimits", !reference.limits.empty() && comparison.compared > 0}};
     if (const std::string text = describeUncompared(comparison); !text.empty()) section["notCompared"] = text;
     return section;
 }
@@ -81,11 +125,10 @@ object comparisonOf(const Run& run, const Comparison& comparison) {
 /// 380 nm to 730 nm and 0 to 100 percent.
 class Axes {
 public:
-    explicit Axes(const std::vector<Reading>& readings) {
-        for (const Reading& reading : readings) {
-            for (const SPM_REFLECTION& reflection : reading.spectrum) {
-                extendTo(reflection);
-            }
+    explicit Axes(const std::vector<Patch>& patches) {
+        for (const Patch& patch : patches) {
+            if (patch.reading)
+                std::ranges::for_each(patch.reading->spectrum, [&](const auto& point) { extendTo(point); });
         }
     }
 
@@ -132,33 +175,43 @@ private:
     double top = 100;
 };
 
-std::string pointsOf(const Reading& reading, const Axes& axes) {
+std::string pointsOf(const Spectrum& spectrum, const Axes& axes) {
     std::string points;
-    for (const SPM_REFLECTION& reflection : reading.spectrum) {
+    for (const SPM_REFLECTION& reflection : spectrum) {
         points += fmt::format("{}{},{}", points.empty() ? "" : " ", axes.x(reflection.wavelength),
                               axes.y(static_cast<double>(reflection.value)));
     }
     return points;
 }
 
-/// Each curve has the patch's colour or, without CIELab values, the text colour. An outline in the template keeps light
-/// curves visible on white, and dark ones on black.
-list curvesOf(const std::vector<Reading>& readings, const Axes& axes) {
+/// Each curve has the patch's colour. An outline in the template keeps light curves visible on white, and dark ones on
+/// black.
+list curvesOf(const Run& run, const Axes& axes) {
     list curves;
-    for (const Reading& reading : readings) {
-        if (reading.spectrum.empty()) continue;
-        curves.push_back(object{{"name", common::printable(reading.name)},
-                                {"stroke", reading.lab ? colour(*reading.lab) : "currentColor"},
-                                {"points", pointsOf(reading, axes)}});
+    for (const Patch& patch : run.patches) {
+        if (!patch.reading) continue;
+        curves.push_back(object{{"name", common::printable(patch.name)},
+                                {"stroke", colour(run, patch.reading->lab)},
+                                {"points", pointsOf(patch.reading->spectrum, axes)}});
     }
     return curves;
+}
+
+object spectraOf(const Run& run) {
+    const Axes axes(run.patches);
+    return {{"percents", axes.percents()},
+            {"wavelengths", axes.wavelengths()},
+            {"curves", curvesOf(run, axes)},
+            {"many", run.patches.size() > 100}};
 }
 
 } // namespace
 
 std::string htmlReport(const Run& run) {
-    requireValues(run);
     list notMeasured;
+    for (const std::string& gap : gaps(run)) {
+        notMeasured.push_back(object{{"text", gap}});
+    }
     object page{{"title", run.simulation.empty() ? "Measurement" : "Simulated measurement"},
                 {"started", run.started},
                 {"module", run.module},
@@ -168,23 +221,15 @@ std::string htmlReport(const Run& run) {
                 {"colorimetry", colorimetryOf(run.conditions)},
                 {"measurement", run.conditions.measurement},
                 {"coverage", coverage(run)},
-                {"patches", patchesOf(run, run.readings)},
-                {"values", hasLab(run)},
-                {"rows", patchesOf(run, worstFirst(run))}};
+                {"notMeasured", notMeasured},
+                {"patches", patchItems(run, run.patches)},
+                {"titles", columnTitles(run)},
+                {"values", patchItems(run, worstFirst(run))}};
     if (const auto comparison = compare(run)) page["comparison"] = comparisonOf(run, *comparison);
-    for (const Gap& gap : gaps(run)) {
-        notMeasured.push_back(object{{"text", describe(gap)}});
-    }
-    page["notMeasured"] = notMeasured;
+    if (!run.chart.empty()) page["chart"] = common::printable(run.chart);
     if (!run.simulation.empty()) page["simulation"] = run.simulation;
     if (run.patchesInRow > 0) page["patchesInRow"] = std::to_string(run.patchesInRow);
-    if (!wavelengths(run).empty()) {
-        const Axes axes(run.readings);
-        page["spectra"] = object{{"percents", axes.percents()},
-                                 {"wavelengths", axes.wavelengths()},
-                                 {"curves", curvesOf(run.readings, axes)},
-                                 {"many", run.readings.size() > 100}};
-    }
+    if (!wavelengths(run).empty()) page["spectra"] = spectraOf(run);
     kainjow::mustache::mustache view(reportTemplate);
     return view.render(data(page));
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "spm/formats/Run.h"
+#include "spm/run/Run.h"
 
 #include <string>
 
@@ -8,7 +8,6 @@ namespace spm {
 
 /// A self-contained HTML page with the run's conditions, the colours and values of the patches, the comparison with the
 /// reference if there is one, and the spectra as curves. The run's strings must be UTF-8.
-/// @throws Error  if no patch was measured or a value is not finite
 std::string htmlReport(const Run& run);
 
 /// The page's Mustache template, generated from report.html.

@@ -1,7 +1,7 @@
 #include "spm/formats/Table.h"
 
 #include "common/Text.h"
-#include "spm/formats/Sparkline.h"
+#include "spm/run/Comparison.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -11,46 +11,81 @@ namespace spm {
 
 namespace {
 
-constexpr std::size_t valuesPerLine = 5;
+/// The name in the width of the first column, 24.
+std::string fit(const std::string& name) {
+    const std::string shown = common::printable(name);
+    const std::string cut = fmt::format("{:.24}", shown);
+    return fmt::format("{:<24}", cut == shown ? cut : fmt::format("{:.23}\u2026", shown));
+}
 
-} // namespace
-
+/// The title of the first column: "D65/10 degree, simulated".
 std::string conditionsLabel(const Run& run) {
     return fmt::format("{}/{}{}", run.conditions.illuminant, observerOf(run.conditions),
                        run.simulation.empty() ? "" : ", simulated");
 }
 
-std::string labTable(const Run& run, std::span<const Reading> readings, ColourDepth depth) {
-    std::string table = run.conditions.isCalculated ? "CIELab calculated from spectra\n" : "";
+std::string differenceLines(const Run& run) {
+    std::string lines = fmt::format("{:<24} {:>9} {:>8} {:>8} {:>8}\n", conditionsLabel(run),
+                                    nameOf(run.reference->formula), "dL*", "da*", "db*");
+    for (const Patch& patch : worstFirst(run)) {
+        const auto difference = differenceOf(run, patch);
+        if (!difference) break;
+        const auto& [expected, delta, deltaE] = *difference;
+        lines +=
+            fmt::format("{} {:9.2f} {:+8.2f} {:+8.2f} {:+8.2f}\n", fit(patch.name), deltaE, delta.L, delta.a, delta.b);
+    }
+    return lines + '\n';
+}
+
+} // namespace
+
+std::string tableHeader(const Run& run) {
+    return fmt::format("{}{:<24} {:>8} {:>8} {:>8}{}\n",
+                       run.conditions.isCalculated ? "CIELab calculated from spectra\n" : "", conditionsLabel(run),
+                       "L*", "a*", "b*", run.withXyz ? "      X      Y      Z" : "");
+}
+
+std::string labLines(const Run& run, std::span<const Patch> patches) {
+    std::string lines;
+    for (const Patch& patch : patches) {
+        if (!patch.reading) continue;
+        const SPM_LAB& lab = patch.reading->lab;
+        lines += fmt::format("{} {:8.2f} {:8.2f} {:8.2f}", fit(patch.name), lab.L, lab.a, lab.b);
+        if (run.withXyz) lines += fmt::format(" {:6.2f}", fmt::join(xyzOf(run, *patch.reading), " "));
+        lines += '\n';
+    }
+    return lines;
+}
+
+std::string spectraTable(const Run& run, std::span<const Patch> patches) {
+    constexpr std::size_t valuesPerLine = 5;
+    std::string table;
     auto out = std::back_inserter(table);
-    fmt::format_to(out, "{:{}}{:<24} {:>8} {:>8} {:>8}{}\n", "", depth == ColourDepth::none ? 0 : 7,
-                   conditionsLabel(run), "L*", "a*", "b*", run.withXyz ? "      X      Y      Z" : "");
-    for (const Reading& reading : readings) {
-        if (!reading.lab) continue;
-        const SPM_LAB& lab = *reading.lab;
-        fmt::format_to(out, "{}{:<24.24} {:8.2f} {:8.2f} {:8.2f}", swatch(lab, depth), common::printable(reading.name),
-                       lab.L, lab.a, lab.b);
-        if (const auto xyz = xyzOf(run, reading)) fmt::format_to(out, " {:6.2f}", fmt::join(*xyz, " "));
+    for (const Patch& patch : patches) {
+        if (!patch.reading) continue;
+        const Spectrum& spectrum = patch.reading->spectrum;
+        fmt::format_to(out, "Reflectance of \"{}\" in percent{}:", common::printable(patch.name),
+                       run.simulation.empty() ? "" : ", simulated");
+        for (std::size_t i = 0; i < spectrum.size(); ++i) {
+            fmt::format_to(out, "{}{} nm {:6.2f}", i % valuesPerLine == 0 ? "\n  " : "   ", spectrum[i].wavelength,
+                           spectrum[i].value);
+        }
         table += '\n';
     }
     return table;
 }
 
-std::string spectraTable(const Run& run, std::span<const Reading> readings, ColourDepth depth) {
-    std::string table;
-    auto out = std::back_inserter(table);
-    for (const Reading& reading : readings) {
-        if (reading.spectrum.empty()) continue;
-        fmt::format_to(out, "Reflectance of \"{:.24}\" in percent{}:", common::printable(reading.name),
-                       run.simulation.empty() ? "" : ", simulated");
-        if (depth != ColourDepth::none) fmt::format_to(out, "\n  {}", sparkline(reading.spectrum));
-        for (std::size_t i = 0; i < reading.spectrum.size(); ++i) {
-            fmt::format_to(out, "{}{} nm {:6.2f}", i % valuesPerLine == 0 ? "\n  " : "   ",
-                           reading.spectrum[i].wavelength, reading.spectrum[i].value);
-        }
-        table += '\n';
+std::string formatComparison(const Run& run) {
+    const std::optional<Comparison> comparison = compare(run);
+    if (!comparison) return "";
+    std::string text = fmt::format("\nCompared with {}: {}\n", describe(*run.reference), comparison->coverage());
+    if (comparison->compared > 0) text += differenceLines(run);
+    for (const Statistic& statistic : comparison->statistics) {
+        text += fmt::format("{:<24} {:9.2f}{}\n", statistic.name, statistic.value, statistic.verdict());
     }
-    return table;
+    if (!run.reference->limits.empty() && comparison->compared > 0)
+        text += fmt::format("{:<24} {:>9}\n", "Tolerance", comparison->isWithinLimits ? "passed" : "FAILED");
+    return text + describeUncompared(*comparison);
 }
 
 } // namespace spm

@@ -1,22 +1,24 @@
 #pragma once
 
-#include "spm/formats/Run.h"
-#include "spm/formats/Swatch.h"
+#include "spm/run/Run.h"
 
 #include <span>
 #include <string>
 
 namespace spm {
 
-// Tables for reading, at most 80 columns wide; long names are truncated. Missing values are left out.
+// Tables for reading, at most 80 columns wide; long names are cut. Patches without values are left out.
 
-/// The title of a table's first column: "D65/10 degree, simulated".
-std::string conditionsLabel(const Run& run);
+/// The lines above those of labLines: the titles, and the origin of calculated values.
+std::string tableHeader(const Run& run);
 
-/// The CIELab values of some of the run's readings: a header, then a line per patch.
-std::string labTable(const Run& run, std::span<const Reading> readings, ColourDepth depth);
+/// A line with the CIELab values of each patch.
+std::string labLines(const Run& run, std::span<const Patch> patches);
 
-/// The spectra of some of the run's readings, on a terminal with a sparkline.
-std::string spectraTable(const Run& run, std::span<const Reading> readings, ColourDepth depth);
+/// The spectra of some of the run's patches.
+std::string spectraTable(const Run& run, std::span<const Patch> patches);
+
+/// A blank line and a table of differences and statistics; empty without a reference.
+std::string formatComparison(const Run& run);
 
 } // namespace spm

@@ -1,9 +1,5 @@
 #include "spm/measure/Fit.h"
 
-#include "spm/formats/DeltaE.h"
-
-#include <algorithm>
-#include <fmt/format.h>
 #include <limits>
 
 namespace spm {
@@ -14,41 +10,37 @@ namespace {
 constexpr double largestGoodMean = 5;
 
 /// The mean difference of the readings from the expected values of these patches; infinite if a value is missing.
-double meanDifference(std::span<const Reading> readings, std::span<const Reading> patches, const Reference& reference) {
+double meanDifference(std::span<const Reading> readings, std::span<const Patch> patches, const Reference& reference) {
+    if (readings.size() != patches.size()) return std::numeric_limits<double>::infinity();
     double sum = 0;
     for (std::size_t i = 0; i < readings.size(); ++i) {
         const auto expected = reference.patches.find(patches[i].name);
-        if (expected == reference.patches.end() || !readings[i].lab) return std::numeric_limits<double>::infinity();
-        sum += deltaE(Formula::ciede2000, *readings[i].lab, expected->second);
+        if (expected == reference.patches.end()) return std::numeric_limits<double>::infinity();
+        sum += deltaE(Formula::ciede2000, readings[i].lab, expected->second);
     }
     return sum / static_cast<double>(readings.size());
 }
 
-struct Candidate {
-    double mean;
-    std::string description;
-};
-
 } // namespace
 
-std::optional<std::string> findBetterFit(std::span<const Reading> readings, const Strip& strip,
-                                         const std::vector<Strip>& strips, const Run& run) {
-    const auto patchesOf = [&](const Strip& s) { return std::span(run.readings).subspan(s.first, readings.size()); };
-    const Reference& reference = *run.reference;
-    const double mean = meanDifference(readings, patchesOf(strip), reference);
+std::optional<Fit> findBetterFit(std::span<const Reading> readings, std::size_t strip, const std::vector<Strip>& strips,
+                                 const Run& run) {
+    const auto meanOf = [&](std::span<const Reading> values, std::size_t index) {
+        return meanDifference(values, patchesOf(run, strips[index]), *run.reference);
+    };
+    const double mean = meanOf(readings, strip);
     if (mean <= largestGoodMean || mean == std::numeric_limits<double>::infinity()) return std::nullopt;
     const std::vector<Reading> reversed(readings.rbegin(), readings.rend());
-    Candidate best{mean / 2, ""}; // only a clearly better strip counts
-    for (const Strip& other : strips) {
-        const std::span<const Reading> patches = patchesOf(other);
-        const double forward = meanDifference(readings, patches, reference);
-        const double backward = meanDifference(reversed, patches, reference);
-        if (forward < best.mean) best = {forward, other.name};
-        if (backward < best.mean) best = {backward, other.name + " in reverse"};
+    std::optional<Fit> best;
+    for (std::size_t i = 0; i < strips.size(); ++i) {
+        for (const bool isReversed : {false, true}) {
+            const double other = meanOf(isReversed ? reversed : readings, i);
+            const bool isMatch = other <= largestGoodMean && other < mean / 2;
+            if (!isMatch || (best && other >= best->mean)) continue;
+            best = Fit{i, isReversed, strips[i].name + (isReversed ? " in reverse" : ""), other, mean};
+        }
     }
-    if (best.description.empty()) return std::nullopt;
-    return fmt::format("{} does not match the reference (mean CIEDE2000 {:.1f}); {} matches better ({:.1f})",
-                       strip.name, mean, best.description, best.mean);
+    return best;
 }
 
 } // namespace spm

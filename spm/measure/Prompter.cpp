@@ -6,17 +6,22 @@
 #include "spm/measure/OutputFile.h"
 
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <fmt/format.h>
 #include <iostream>
+#include <limits>
 #include <thread>
 
 namespace spm {
 
 namespace {
 
+using Clock = std::chrono::steady_clock;
+
 constexpr auto pollInterval = std::chrono::milliseconds(50);
+
+/// Moves the cursor to the beginning of the terminal's line and clears the line.
+constexpr const char* clearLine = "\r\x1b[K";
 
 std::string progressBar(const Progress& progress) {
     constexpr std::size_t width = 24;
@@ -35,22 +40,33 @@ std::string formatQuestion(const std::vector<Choice>& choices) {
 
 } // namespace
 
-Prompter::Prompter() : hasOutput(isTerminal(stderr)), hasInput(isTerminal(stdin)) {}
+Prompter::Prompter(std::chrono::seconds limit)
+    : waitLimit(limit), hasOutput(isTerminal(stderr)), hasInput(isTerminal(stdin)) {}
 
 void Prompter::say(const std::string& text) const {
     writeToStderr((hasOutput ? clearLine : "") + text + '\n');
 }
 
-void Prompter::runMeasurement(const Progress& progress,
-                              const std::function<void(const std::function<void()>&)>& measurement,
-                              const std::function<void()>& onPoll) const {
-    StatusLine line(progressBar(progress), hasOutput);
-    measurement([&] {
-        line.notePoll();
+std::function<void()> Prompter::waiter(const Progress& progress) const {
+    return [this, bar = progressBar(progress), begin = Clock::now()] {
         InterruptGuard::check();
-        onPoll();
+        const auto waited = std::chrono::duration_cast<std::chrono::seconds>(Clock::now() - begin);
+        if (waited >= waitLimit) {
+            // The module doesn't tell an unpressed button from a row without patches.
+            throw Error(fmt::format("nothing was measured within {} s: the button was not pressed, or no patch was "
+                                    "found",
+                                    waitLimit.count()));
+        }
+        showStatus(fmt::format("{}; waiting for the button, {} of {} s", bar, waited.count(), waitLimit.count()));
         std::this_thread::sleep_for(pollInterval);
-    });
+    };
+}
+
+/// Leaves the last column empty: some terminals wrap to the next line when it is written.
+void Prompter::showStatus(std::string text) const {
+    if (!hasOutput) return;
+    text.resize(std::min(text.size(), terminalWidth().value_or(std::numeric_limits<std::size_t>::max()) - 1));
+    writeToStderr(clearLine + text);
 }
 
 char Prompter::ask(const std::vector<Choice>& choices) const {

@@ -1,7 +1,6 @@
 #pragma once
 
-#include "spm/measure/StatusLine.h"
-
+#include <chrono>
 #include <cstddef>
 #include <functional>
 #include <string>
@@ -21,19 +20,19 @@ struct Choice {
     std::string text;
 };
 
-/// The dialogue with the user. Writes to standard error: standard output is for values.
+/// The dialogue with the user. Writes to standard error: standard output is for values. On a terminal, a status line
+/// shows the progress while spm waits for the button.
 class Prompter {
 public:
-    Prompter();
+    /// @param limit  how long to wait for the button
+    explicit Prompter(std::chrono::seconds limit);
 
     void say(const std::string& text) const;
 
-    /// Runs a measurement while showing the status line.
-    /// @param measurement  receives a function to call between two polls of the button, which throws Interrupted if the
-    ///                     user stops the run
-    /// @param onPoll       called between two polls
-    void runMeasurement(const Progress& progress, const std::function<void(const std::function<void()>&)>& measurement,
-                        const std::function<void()>& onPoll) const;
+    /// Starts to wait for the button.
+    /// @return a function to call between two polls of the button, which throws Interrupted if the user stops the run,
+    ///         and Error if the wait takes longer than the limit
+    std::function<void()> waiter(const Progress& progress) const;
 
     /// Whether standard input and standard error are terminals.
     bool canAsk() const { return hasOutput && hasInput; }
@@ -45,6 +44,9 @@ public:
     char ask(const std::vector<Choice>& choices) const;
 
 private:
+    void showStatus(std::string text) const;
+
+    std::chrono::seconds waitLimit;
     bool hasOutput;
     bool hasInput;
 };

@@ -1,95 +1,49 @@
+// The output file is written as a whole after each strip, under a temporary name: a crash can't damage what was saved
+// before.
+
 #include "spm/measure/RunWriter.h"
 
-#include "spm/Console.h"
-#include "spm/Error.h"
-#include "spm/formats/Formats.h"
 #include "spm/formats/Report.h"
 #include "spm/formats/Table.h"
 #include "spm/measure/OutputFile.h"
 
-#include <algorithm>
-#include <fmt/format.h>
-
 namespace spm {
 
-namespace {
-
-constexpr const char* retryNote = "\nThe measured values are kept and will be saved later.";
-
-} // namespace
-
-std::vector<Quantity> passesOf(const MeasureOptions& options) {
-    if (options.conditions.isCalculated) return {Quantity::spectrum};
-    if (options.lab && options.spectra) return {Quantity::lab, Quantity::spectrum};
-    return {options.spectra ? Quantity::spectrum : Quantity::lab};
-}
-
-bool producesLab(const MeasureOptions& options) {
-    return options.conditions.isCalculated || passesOf(options).front() == Quantity::lab;
-}
-
-Format formatOf(const MeasureOptions& options) {
-    if (options.format != Format::byExtension) return options.format;
-    if (options.output.empty()) return Format::table;
-    const std::string extension = options.output.extension().string();
-    if (extension == ".csv") return Format::csv;
-    if (extension == ".json") return Format::json;
-    if (extension == ".txt" || extension == ".cgats") return Format::cgats;
-    throw UsageError(fmt::format("can't determine the format of {} from its extension; use .csv, .json or .cgats, or "
-                                 "--format",
-                                 options.output.string()));
-}
-
-RunWriter::RunWriter(const MeasureOptions& measureOptions, const Prompter& userPrompter, Run initialRun)
-    : options(measureOptions), prompter(userPrompter), format(formatOf(measureOptions)), run(std::move(initialRun)) {}
-
-std::span<Reading> RunWriter::patches(const Strip& strip) {
-    return std::span(run.readings).subspan(strip.first, static_cast<std::size_t>(strip.count));
-}
-
-void RunWriter::setInstrument(const std::string& name, const std::string& illumination) {
-    run.instrument = name;
-    run.conditions.measurement = illumination;
-}
-
-void RunWriter::save(Quantity quantity, const Strip& strip) {
-    hasSaveFailed = false;
-    if (!options.output.empty()) {
-        isSaved = false;
-        saveIfDue();
-    } else if (format == Format::table && isSaved) {
-        std::string failures;
-        isSaved = attempt([&] { writeToStdout(table(quantity, patches(strip))); }, failures);
-        if (!isSaved) prompter.say(failures + retryNote);
-    }
-}
-
-void RunWriter::saveIfDue() {
-    const Clock::time_point begin = Clock::now();
-    if (options.output.empty() || isSaved || hasSaveFailed || begin < nextSave) return;
+void RunWriter::save(const Strip& strip) {
     std::string failures;
-    isSaved = attempt([&] { replaceFile(options.output, text()); }, failures);
-    hasSaveFailed = !isSaved;
-    nextSave = begin + std::max<Clock::duration>(std::chrono::seconds(1), 20 * (Clock::now() - begin));
-    if (hasSaveFailed) prompter.say(failures + retryNote);
+    if (!plan.output.empty()) {
+        isSaved = attempt([&] { replaceFile(plan.output, text()); }, failures);
+    } else if (showsTables() && isSaved) {
+        const bool withHeader = !hasHeader || plan.run.patchesInRow > 0; // one for all spots
+        isSaved = attempt([&] { writeToStdout(tableOf(patchesOf(plan.run, strip), withHeader)); }, failures);
+        hasHeader = true;
+    }
+    if (!failures.empty()) prompter.say(failures + "\nThe measured values are kept and will be saved later.");
 }
 
-void RunWriter::finish(const std::string& reason) {
-    for (Reading& reading : run.readings) {
-        if (!reading.isMeasured() && reading.missingReason.empty()) reading.missingReason = reason;
-    }
-    if (measuredCount(run) == 0) return;
+std::string RunWriter::finish() {
     std::string failures;
-    const bool isInFile = !options.output.empty() && attempt([&] { replaceFile(options.output, text()); }, failures);
-    if (!options.report.empty()) attempt([&] { replaceFile(options.report, htmlReport(run)); }, failures);
-    const bool isShown = options.output.empty() && format == Format::table && isSaved;
+    if (measuredCount(plan.run.patches) == 0) return failures;
+    const bool isInFile = !plan.output.empty() && attempt([&] { replaceFile(plan.output, text()); }, failures);
+    if (!plan.report.empty()) attempt([&] { replaceFile(plan.report, htmlReport(plan.run)); }, failures);
+    const bool isShown = showsTables() && isSaved;
     if (!isInFile && !isShown) attempt([&] { writeToStdout(text()); }, failures);
-    if (!failures.empty()) throw Error(failures);
+    return failures;
+}
+
+void RunWriter::showComparison() const {
+    const std::string comparison = formatComparison(plan.run);
+    if (comparison.empty()) return;
+    if (showsTables()) {
+        writeToStdout(comparison);
+    } else {
+        prompter.say(comparison);
+    }
 }
 
 /// Appends the error to the failures if the write throws.
 /// @return whether it succeeded
-bool RunWriter::attempt(const std::function<void()>& write, std::string& failures) const try {
+bool RunWriter::attempt(const std::function<void()>& write, std::string& failures) try {
     write();
     return true;
 } catch (const std::exception& error) {
@@ -97,38 +51,21 @@ bool RunWriter::attempt(const std::function<void()>& write, std::string& failure
     return false;
 }
 
-void RunWriter::showComparison() const {
-    const std::string text = formatComparison(run);
-    if (text.empty()) return;
-    if (format == Format::table && options.output.empty()) {
-        writeToStdout(text);
-    } else {
-        prompter.say(text);
-    }
-}
-
-std::string RunWriter::table(Quantity quantity, std::span<const Reading> part) const {
-    const ColourDepth depth = options.output.empty() ? colourDepth(isTerminal(stdout)) : ColourDepth::none;
-    if (quantity == Quantity::lab) return labTable(run, part, depth);
-    return (options.conditions.isCalculated ? labTable(run, part, depth) : "") +
-           (options.spectra ? spectraTable(run, part, depth) : "");
+std::string RunWriter::tableOf(std::span<const Patch> part, bool withHeader) const {
+    return (withHeader ? tableHeader(plan.run) : "") + labLines(plan.run, part) +
+           (plan.showsSpectra ? spectraTable(plan.run, part) : "");
 }
 
 std::string RunWriter::text() const {
-    switch (format) {
+    switch (plan.format) {
     case Format::csv:
-        return formatCsv(run);
+        return formatCsv(plan.run);
     case Format::json:
-        return formatJson(run);
+        return formatJson(plan.run);
     case Format::cgats:
-        return formatCgats(run);
-    default: {
-        std::string tables;
-        for (const Quantity quantity : passesOf(options)) {
-            tables += table(quantity, run.readings);
-        }
-        return options.output.empty() ? tables : tables + formatComparison(run);
-    }
+        return formatCgats(plan.run);
+    default:
+        return tableOf(plan.run.patches, true);
     }
 }
 

@@ -5,30 +5,17 @@
 
 #include "common/Text.h"
 #include "spm/Error.h"
-#include "spm/measure/Fit.h"
 #include "spm/measure/Interrupt.h"
 
 #include <algorithm>
 #include <fmt/format.h>
+#include <iterator>
 
 namespace spm {
 
 namespace {
 
-/// Sets a member of each patch, and drops the patches that have no value.
-template <class Value, class Member>
-void assign(std::vector<Value> values, Member member, std::vector<Reading>& patches) {
-    patches.resize(values.size());
-    for (std::size_t i = 0; i < values.size(); ++i) {
-        patches[i].*member = std::move(values[i]);
-    }
-}
-
-const char* nameOf(Quantity quantity) {
-    return quantity == Quantity::lab ? "CIELab" : "spectra";
-}
-
-std::string instruction(std::span<const Reading> patches) {
+std::string instruction(std::span<const Patch> patches) {
     const std::string first = common::printable(patches.front().name);
     if (patches.size() == 1) return fmt::format("place the instrument on \"{}\" and press the button.", first);
     return fmt::format("press the button and slide the instrument from \"{}\" to \"{}\".", first,
@@ -37,38 +24,20 @@ std::string instruction(std::span<const Reading> patches) {
 
 } // namespace
 
-std::vector<Strip> stripsOf(const MeasureOptions& options) {
-    const bool isSpots = options.spots > 0;
-    const std::int32_t strips = isSpots ? options.spots : options.rows;
-    const std::int32_t count = isSpots ? 1 : options.patchesInRow;
-    std::vector<Strip> all;
-    all.reserve(static_cast<std::size_t>(strips));
-    for (std::int32_t i = 0; i < strips; ++i) {
-        all.push_back({static_cast<std::size_t>(i) * static_cast<std::size_t>(count), count,
-                       fmt::format("{} {} of {}", isSpots ? "Spot" : "Row", i + 1, strips)});
-    }
-    return all;
-}
+Session::Session(const Module& loadedModule, const Prompter& userPrompter, RunWriter& output, Run& measuredRun)
+    : module(loadedModule), prompter(userPrompter), writer(output), run(measuredRun), strips(stripsOf(measuredRun)) {}
 
-Session::Session(const Module& loadedModule, const Prompter& userPrompter, RunWriter& output,
-                 const MeasureOptions& options)
-    : module(loadedModule), prompter(userPrompter), writer(output), passes(passesOf(options)),
-      strips(stripsOf(options)), firstStrip(static_cast<std::size_t>(options.firstRow - 1)) {
-    progress.all = passes.size() * (strips.size() - firstStrip) * static_cast<std::size_t>(strips.front().count);
-}
-
-Outcome Session::measure() {
+void Session::measure() {
+    if (isComplete(run.patches)) return;
     instrument.emplace(module);
-    writer.setInstrument(instrument->name(), instrument->illumination());
+    run.instrument = instrument->name();
+    run.conditions.measurement = instrument->illumination();
     calibrate();
-    Outcome outcome = Outcome::complete;
-    for (const Quantity quantity : passes) {
-        for (std::size_t i = firstStrip; i < strips.size(); ++i) {
-            if (!measureStrip(quantity, strips[i])) outcome = Outcome::incomplete;
-            InterruptGuard::check();
-        }
+    for (std::size_t i = 0; i < strips.size(); ++i) {
+        if (isComplete(patchesOf(run, strips[i]))) continue;
+        measureStrip(i);
+        InterruptGuard::check();
     }
-    return outcome;
 }
 
 void Session::calibrate() {
@@ -85,8 +54,7 @@ bool Session::tryToCalibrate() try {
         instrument.emplace(module);
     }
     prompter.say("\nCalibration: place the instrument on its white reference and press the button.");
-    prompter.runMeasurement(
-        progress, [&](const auto& wait) { instrument->calibrate(wait); }, [&] { writer.saveIfDue(); });
+    instrument->calibrate(prompter.waiter(progress()));
     prompter.say("Calibrated.");
     return true;
 } catch (const Error& error) {
@@ -97,75 +65,83 @@ bool Session::tryToCalibrate() try {
 }
 
 /// Measures a strip, repeatedly if the user wishes, until it is kept or skipped.
-/// @return whether all its patches were measured
-bool Session::measureStrip(Quantity quantity, const Strip& strip) {
-    for (;;) {
-        const Attempt result = attempt(quantity, strip);
-        const Decision decision = result.problem.empty() ? Decision::keep : decide(result, strip);
-        if (decision == Decision::repeat) {
-            if (result.readings.empty()) recover();
-            continue;
+void Session::measureStrip(std::size_t index) {
+    const std::span<Patch> patches = patchesOf(run, strips[index]);
+    while (!isComplete(patches)) {
+        const Attempt result = attempt(index);
+        switch (result.problem.empty() ? Decision::keep : decide(result)) {
+        case Decision::keep:
+            keep(result.readings, strips[index]);
+            break;
+        case Decision::take:
+            take(result.readings, *result.better);
+            break;
+        case Decision::repeat:
+            if (result.hasFailed) recover();
+            break;
+        case Decision::skip:
+            std::ranges::for_each(patches, [&](Patch& patch) {
+                if (!patch.reading) patch.missingReason = "skipped: " + firstLine(result.problem);
+            });
+            return;
         }
-        progress.done += static_cast<std::size_t>(strip.count);
-        if (decision == Decision::keep) {
-            keep(result, quantity, strip);
-            return result.readings.size() == static_cast<std::size_t>(strip.count);
-        }
-        markMissing(writer.patches(strip), quantity, "skipped: " + firstLine(result.problem));
-        return false;
     }
 }
 
-Session::Attempt Session::attempt(Quantity quantity, const Strip& strip) try {
-    Attempt result{read(quantity, strip), ""};
-    result.problem = findProblem(result.readings, quantity, strip);
+Session::Attempt Session::attempt(std::size_t index) try {
+    const Strip& strip = strips[index];
+    Attempt result{read(strip)};
+    const std::size_t found = result.readings.size();
+    if (found < strip.count) {
+        // Nobody knows which patches were missed.
+        return {{},
+                fmt::format("{}: {} of {} patches were found; slide more slowly, and start and end on unprinted paper",
+                            strip.name, found, strip.count)};
+    }
+    if (run.reference != nullptr) result.better = findBetterFit(result.readings, index, strips, run);
+    if (result.better) {
+        result.problem =
+            fmt::format("{} does not match the reference (mean CIEDE2000 {:.1f}); {} matches better ({:.1f})",
+                        strip.name, result.better->askedMean, result.better->name, result.better->mean);
+    }
     return result;
 } catch (const Error& error) {
-    return {{}, error.what()};
+    return {{}, error.what(), true};
 }
 
-std::vector<Reading> Session::read(Quantity quantity, const Strip& strip) {
-    const std::span<const Reading> patches = writer.patches(strip);
-    std::vector<Reading> readings(patches.begin(), patches.end());
-    prompter.say(fmt::format("\n{}: {}", titleOf(quantity, strip), instruction(patches)));
-    prompter.runMeasurement(
-        progress,
-        [&](const auto& wait) {
-            if (quantity == Quantity::lab) {
-                assign(instrument->read(strip.count, wait), &Reading::lab, readings);
-            } else {
-                assign(instrument->readSpectra(strip.count, wait), &Reading::spectrum, readings);
-            }
-        },
-        [&] { writer.saveIfDue(); });
-    const Conditions& conditions = writer.currentRun().conditions;
-    for (Reading& reading : readings) {
-        if (conditions.isCalculated) reading.lab = toLab(reading.spectrum, conditions);
-        requireFinite(reading);
+/// @return a reading for each patch that was found
+std::vector<Reading> Session::read(const Strip& strip) {
+    const std::span<const Patch> patches = patchesOf(run, strip);
+    prompter.say(fmt::format("\n{}: {}", strip.name, instruction(patches)));
+    const auto count = static_cast<std::int32_t>(strip.count);
+    const Instrument::Wait wait = prompter.waiter(progress());
+    std::vector<Reading> readings;
+    if (run.conditions.isCalculated) {
+        std::ranges::transform(instrument->readSpectra(count, wait), std::back_inserter(readings),
+                               [&](const Spectrum& spectrum) {
+                                   return Reading{toLab(spectrum, run.conditions), spectrum};
+                               });
+    } else {
+        std::ranges::transform(instrument->read(count, wait), std::back_inserter(readings),
+                               [](const SPM_LAB& lab) { return Reading{lab}; });
+    }
+    for (std::size_t i = 0; i < readings.size(); ++i) {
+        requireFinite(patches[i].name, readings[i]);
     }
     return readings;
 }
 
-std::string Session::findProblem(std::span<const Reading> readings, Quantity quantity, const Strip& strip) const {
-    const auto count = static_cast<std::size_t>(strip.count);
-    if (readings.size() < count) {
-        return fmt::format("{}: {} of {} patches were found; slide more slowly, and start and end on unprinted paper",
-                           strip.name, readings.size(), count);
-    }
-    const bool hasNewLab = quantity == Quantity::lab || writer.currentRun().conditions.isCalculated;
-    if (writer.currentRun().reference == nullptr || !hasNewLab) return "";
-    return findBetterFit(readings, strip, strips, writer.currentRun()).value_or("");
-}
-
 /// Reports a problem and asks the user. If there is nobody to ask, a complete strip is kept.
 /// @throws Error  if there is nobody to ask and the strip is incomplete
-Session::Decision Session::decide(const Attempt& attempt, const Strip& strip) const {
-    const auto count = static_cast<std::size_t>(strip.count);
-    if (!prompter.canAsk() && attempt.readings.size() < count) throw Error(attempt.problem);
+Session::Decision Session::decide(const Attempt& attempt) const {
+    if (!prompter.canAsk() && attempt.readings.empty()) throw Error(attempt.problem);
     prompter.say(attempt.problem);
     if (!prompter.canAsk()) return Decision::keep;
     std::vector<Choice> choices{{'r', "Measure it again"}};
-    if (!attempt.readings.empty()) choices.push_back({'k', "keep these values"});
+    if (attempt.better && !isComplete(patchesOf(run, strips[attempt.better->strip]))) {
+        choices.push_back({'t', "take these values as " + attempt.better->name});
+    }
+    if (!attempt.readings.empty()) choices.push_back({'k', "keep them as they are"});
     choices.push_back({'s', "skip it"});
     return static_cast<Decision>(prompter.ask(choices));
 }
@@ -175,23 +151,20 @@ void Session::recover() {
     if (!instrument->isResponding() || !instrument->isCalibrated()) calibrate();
 }
 
-void Session::keep(const Attempt& attempt, Quantity quantity, const Strip& strip) {
-    const std::span<Reading> patches = writer.patches(strip);
-    const std::size_t found = attempt.readings.size();
-    std::ranges::copy(attempt.readings, patches.begin());
-    markMissing(patches.subspan(found), quantity, fmt::format("{} of {} patches were found", found, patches.size()));
-    prompter.say(fmt::format("{} measured.", titleOf(quantity, strip)));
-    writer.save(quantity, strip);
-}
-
-void Session::markMissing(std::span<Reading> patches, Quantity quantity, const std::string& reason) const {
-    for (Reading& patch : patches) {
-        patch.missingReason = passes.size() > 1 ? fmt::format("{}: {}", nameOf(quantity), reason) : reason;
+/// Gives the patches their values, except those that were measured before.
+void Session::keep(const std::vector<Reading>& readings, const Strip& strip) {
+    const std::span<Patch> patches = patchesOf(run, strip);
+    for (std::size_t i = 0; i < readings.size(); ++i) {
+        if (!patches[i].reading) patches[i].reading = readings[i];
+        patches[i].missingReason.clear();
     }
+    prompter.say(strip.name + " measured.");
+    writer.save(strip);
 }
 
-std::string Session::titleOf(Quantity quantity, const Strip& strip) const {
-    return fmt::format("{}, {}", strip.name, nameOf(quantity));
+void Session::take(std::vector<Reading> readings, const Fit& fit) {
+    if (fit.isReversed) std::ranges::reverse(readings);
+    keep(readings, strips[fit.strip]);
 }
 
 } // namespace spm

@@ -1,55 +1,55 @@
 #pragma once
 
 #include "spm/Instrument.h"
+#include "spm/measure/Fit.h"
 #include "spm/measure/RunWriter.h"
 
 #include <optional>
+#include <vector>
 
 namespace spm {
 
-/// The strips to measure, in order.
-std::vector<Strip> stripsOf(const MeasureOptions& options);
-
-/// Guides the user through the measurement of all strips. On a terminal, the user can repeat what failed.
+/// Guides the user through the measurement of all strips with missing patches. On a terminal, the user can repeat what
+/// failed.
 class Session {
 public:
-    /// All but the options must outlive the session.
-    Session(const Module& loadedModule, const Prompter& userPrompter, RunWriter& output, const MeasureOptions& options);
+    /// All must outlive the session.
+    /// @param measuredRun  receives the readings
+    Session(const Module& loadedModule, const Prompter& userPrompter, RunWriter& output, Run& measuredRun);
 
-    /// Opens and calibrates the instrument, then measures all strips.
-    /// @return complete or incomplete
+    /// Opens and calibrates the instrument, then measures. Does nothing if all patches are measured.
     /// @throws Error        if something fails and isn't repeated
     /// @throws Interrupted  if the user stops the run
-    Outcome measure();
+    void measure();
 
 private:
     struct Attempt {
-        /// The patches that were found, in the strip's order; fewer than the strip has if some were missed.
+        /// A reading for each patch of the strip; empty if some were missed.
         std::vector<Reading> readings;
         /// Why the user may not want to keep them; empty if there is no reason.
-        std::string problem;
+        std::string problem{};
+        /// Whether the instrument failed.
+        bool hasFailed = false;
+        std::optional<Fit> better{};
     };
-    enum class Decision : char { repeat = 'r', keep = 'k', skip = 's' };
+    enum class Decision : char { repeat = 'r', keep = 'k', take = 't', skip = 's' };
 
     void calibrate();
     bool tryToCalibrate();
-    bool measureStrip(Quantity quantity, const Strip& strip);
-    Attempt attempt(Quantity quantity, const Strip& strip);
-    std::vector<Reading> read(Quantity quantity, const Strip& strip);
-    std::string findProblem(std::span<const Reading> readings, Quantity quantity, const Strip& strip) const;
-    Decision decide(const Attempt& attempt, const Strip& strip) const;
+    void measureStrip(std::size_t index);
+    Attempt attempt(std::size_t index);
+    std::vector<Reading> read(const Strip& strip);
+    Decision decide(const Attempt& attempt) const;
     void recover();
-    void keep(const Attempt& attempt, Quantity quantity, const Strip& strip);
-    void markMissing(std::span<Reading> patches, Quantity quantity, const std::string& reason) const;
-    std::string titleOf(Quantity quantity, const Strip& strip) const;
+    void keep(const std::vector<Reading>& readings, const Strip& strip);
+    void take(std::vector<Reading> readings, const Fit& fit);
+    Progress progress() const { return {measuredCount(run.patches), run.patches.size()}; }
 
     const Module& module;
     const Prompter& prompter;
     RunWriter& writer;
-    const std::vector<Quantity> passes;
+    Run& run;
     const std::vector<Strip> strips;
-    const std::size_t firstStrip;
-    Progress progress{};
     std::optional<Instrument> instrument;
 };
 

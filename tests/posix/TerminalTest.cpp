@@ -113,15 +113,12 @@ std::string patchesIn(const std::filesystem::path& csv) {
 
 } // namespace
 
-TEST(Terminal, ShowsProgressAndColours) {
+TEST(Terminal, ShowsProgress) {
     const Settings settings;
-    const EnvironmentVariable colours("COLORTERM", "truecolor");
-    Spm spm({"--lab", "--spectra"});
+    Spm spm({"--wait", "77"});
     EXPECT_TRUE(spm.shows("place the instrument on its white reference and press the button.\r\n"));
-    EXPECT_TRUE(spm.shows("\r\x1b[K[........................] 0 of 8 patches; waiting for the button, 0 s"));
-    EXPECT_TRUE(spm.shows("\n\x1b[48;2;115;78;64m      \x1b[0m patch 1 "));
-    EXPECT_TRUE(spm.shows("\r\x1b[K[######..................] 2 of 8 patches; waiting for the button, 0 s"));
-    EXPECT_TRUE(spm.shows("in percent, simulated:\r\n  \u2581"));
+    EXPECT_TRUE(spm.shows("\r\x1b[K[........................] 0 of 4 patches; waiting for the button, 0 of 77 s"));
+    EXPECT_TRUE(spm.shows("\r\x1b[K[############............] 2 of 4 patches; waiting for the button, 0 of 77 s"));
     EXPECT_EQ(spm.end(), 0) << spm.shown;
 }
 
@@ -151,7 +148,8 @@ TEST(Terminal, FollowsTheUsersAnswers) {
                                R"("I1PRO3_Calibrate": 500})";
     const std::string lamp = "lamp\r\nErrorNumber: 7\r\n";
     const std::string question = "Measure it again (r), skip it (s) or end the run (e)? ";
-    const std::string keep = "Measure it again (r), keep these values (k), skip it (s) or end the run (e)? ";
+    const std::string keep = "keep them as they are (k), skip it (s) or end the run (e)? ";
+    const std::string take = "Measure it again (r), take these values as Row 2 of 2 in reverse (t), " + keep;
     const std::string swapped = "name,L*,a*,b*\npatch 1,42.1,-12.3,21.8\npatch 2,51.6,-3.8,-20.2\n"
                                 "patch 3,65.8,13.4,17.7\npatch 4,36.8,13.9,14.7\n";
     const std::string failed = "spm: the run was ended after a failure\r\n";
@@ -165,19 +163,24 @@ TEST(Terminal, FollowsTheUsersAnswers) {
         {secondFails, {{question, ctrlC}}, 3, "12", kept},
         {slow, {{"] 2 of 4 patches; waiting ", ctrlC}}, 3, "12", kept},
         {slow, {{"] 2 of 4 patches; waiting ", hangUp}}, 3, "12", ""},
-        {slow, {{"Row 2 of 2, CIELab: ", kill9}}, -1, "12", ""},
-        {someFound, {{"1 of 2 patches were found; ", ""}, {keep, "k\n"}, {keep, "k\n"}}, 3, "13", ""},
+        {slow, {{"Row 2 of 2: ", kill9}}, -1, "12", ""},
+        {someFound,
+         {{"1 of 2 patches were found; ", ""}, {question, "k\n"}, {question, "s\n"}, {question, "s\n"}},
+         3,
+         "",
+         ""},
         {notCalibrated, {{question, "r\n"}, {"Calibrated.", ""}, {"Row 1 of 2", ""}}, 0, "1234", ""},
         {connectionLost, {{question, "r\n"}, {"Calibrated.", ""}, {"Row 1 of 2", ""}}, 0, "1234", ""},
         {calibrationFails, {{lamp, ""}, {"Calibrate again (r) or end the run (e)? ", "r\n"}}, 0, "1234", ""},
         {"",
-         {{"; Row 2 of 2 in reverse matches better (0.0)", ""}, {keep, "k\n"}, {keep, "s\n"}},
+         {{"; Row 2 of 2 in reverse matches better (0.0)", ""}, {take, "k\n"}, {keep, "s\n"}},
          3,
          "12",
          "",
          swapped},
+        {"", {{take, "t\n"}, {" as Row 1 of 2 in reverse (t), ", "t\n"}}, 0, "1234", "4 of 4 patches", swapped},
         {atOnce, {{"Calibration: ", ctrlC}}, 3, "", kept},
-        {atOnce, {{"Row 1 of 2, CIELab: ", ""}, {"0 of 4 patches; measuring, 0 s", ctrlC}}, 3, "12", kept},
+        {atOnce, {{"Row 1 of 2: ", ctrlC}}, 3, "12", kept},
     };
     const Settings settings;
     for (const Case& each : cases) {

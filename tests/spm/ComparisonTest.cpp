@@ -1,6 +1,9 @@
+#include "spm/run/Comparison.h"
+
 #include "common/CsvReader.h"
 #include "spm/Error.h"
-#include "spm/formats/Reference.h"
+#include "spm/formats/RunFile.h"
+#include "spm/formats/Table.h"
 #include "tests/support/Support.h"
 
 #include <fmt/format.h>
@@ -50,27 +53,28 @@ TEST(Comparison, MatchesPatchesByName) {
                     "\"\",,-500,500,0");
     spm::Run run;
     run.simulation = "simulated";
-    run.readings = {{"B1", SPM_LAB{50, 0, 0}, {}},
-                    {"white (.05\")", SPM_LAB{50, 0, 0}, {}},
-                    {"red, \"signal\"", SPM_LAB{52, 0, 0}, {}},
-                    {"A2", std::nullopt, {{380, 5}}}};
-    spm::Reference reference = spm::readReference(file);
+    run.patches = {{.name = "B1", .reading = spm::Reading{{50, 0, 0}}},
+                   {.name = "white (.05\")", .reading = spm::Reading{{50, 0, 0}}},
+                   {.name = "red, \"signal\"", .reading = spm::Reading{{52, 0, 0}}},
+                   {.name = "A2"}};
+    spm::Reference reference = spm::readReference(file, run.conditions);
     reference.limits = spm::parseLimits("mean=1.5,p95=1.9");
     run.reference = std::make_shared<const spm::Reference>(reference);
-    EXPECT_EQ(spm::formatComparison(run), "\nCompared with " + file.string() +
-                                              "\n"
-                                              "D65/10 degree, simulated CIEDE2000      dL*      da*      db*\n"
-                                              "red, \"signal\"                 1.99    +2.00    +0.00    +0.00\n"
-                                              "white (.05\")                  0.78    +0.00    +0.50    -0.25\n"
-                                              "\n"
-                                              "mean                          1.39 (at most 1.5: passed)\n"
-                                              "median                        1.39\n"
-                                              "90th percentile               1.99\n"
-                                              "95th percentile               1.99 (at most 1.9: FAILED by 0.093)\n"
-                                              "maximum                       1.99\n"
-                                              "Tolerance                   FAILED\n"
-                                              "Not compared, because not in the reference: \"B1\"\n"
-                                              "Not compared, because not measured: \"\", \"A2\"\n");
+    EXPECT_EQ(spm::formatComparison(run),
+              "\nCompared with " + file.string() +
+                  ", which doesn't say its illuminant and observer: 2 of 3 patches compared\n"
+                  "D65/10 degree, simulated CIEDE2000      dL*      da*      db*\n"
+                  "red, \"signal\"                 1.99    +2.00    +0.00    +0.00\n"
+                  "white (.05\")                  0.78    +0.00    +0.50    -0.25\n"
+                  "\n"
+                  "mean                          1.39 (at most 1.5: passed)\n"
+                  "median                        1.39\n"
+                  "90th percentile               1.99\n"
+                  "95th percentile               1.99 (at most 1.9: FAILED by 0.093)\n"
+                  "maximum                       1.99\n"
+                  "Tolerance                   FAILED\n"
+                  "Not compared, because not in the reference: \"B1\"\n"
+                  "Not compared, because not measured: \"\", \"A2\"\n");
 }
 
 TEST(Comparison, CalculatesMedianAndPercentiles) {
@@ -78,7 +82,7 @@ TEST(Comparison, CalculatesMedianAndPercentiles) {
     run.reference.reset(new spm::Reference{"chart.csv", {{"A1", {50, 0, 0}}}, spm::Formula::cie76});
     std::string text;
     for (const int difference : {19, -1, 18, 2, 17, 3, 16, 4, 15, 5, 14, 6, 13, 7, 12, 8, 11, 9, 10, 20}) {
-        run.readings.push_back({"A1", SPM_LAB{static_cast<float>(50 + difference), 0, 0}, {}});
+        run.patches.push_back({.name = "A1", .reading = spm::Reading{{static_cast<float>(50 + difference), 0, 0}}});
         const spm::Comparison comparison = spm::compare(run).value();
         text += '\n';
         for (const spm::Statistic& statistic : comparison.statistics) {

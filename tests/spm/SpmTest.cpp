@@ -2,15 +2,12 @@
 
 #include "common/Environment.h"
 #include "common/LibraryNames.h"
-#include "spm/Error.h"
 #include "spm/measure/RunWriter.h"
 #include "tests/support/Support.h"
 #include "tests/support/System.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
-#include <map>
-#include <regex>
 
 namespace {
 
@@ -44,67 +41,119 @@ bool contains(const std::string& text, const std::string& part) {
     return text.find(part) != std::string::npos;
 }
 
+Texts operator+(Texts one, const Texts& other) {
+    one.insert(one.end(), other.begin(), other.end());
+    return one;
+}
+
+std::string replaced(std::string text, const std::string& part, const std::string& by) {
+    const std::size_t place = text.find(part);
+    EXPECT_NE(place, std::string::npos) << part << text;
+    return text.replace(place, part.size(), by);
+}
+
 } // namespace
 
-TEST_F(Spm, MeasuresTheChartInTwoPasses) {
-    const EnvironmentVariable colours("COLORTERM", "truecolor");
+TEST_F(Spm, ShowsTables) {
     const std::string chart = SOURCE_FOLDER "/simulator/data/colorchecker24.csv";
-    ASSERT_EQ(measure({"--chart", chart, "--patches", "12", "--lab", "--spectra"}), 0) << errors();
-    const Texts lines = linesOf(output());
-    EXPECT_EQ(std::count(lines.begin(), lines.end(), lines.front()), 2);
-    EXPECT_EQ(lines.size(), 2U + 24 + 24 * 9);
-    EXPECT_TRUE(contains(output(), "\nwhite 9.5 (.05 D)           95.45    -0.49     1.03\n")) << output();
+    ASSERT_EQ(measure({"--chart", chart, "--patches", "12", "--spectra"}), 0) << errors();
+    Texts lines = linesOf(output());
+    EXPECT_EQ(std::count(lines.begin(), lines.end(), lines[1]), 2) << "a header for each row";
+    EXPECT_EQ(lines.size(), 2 * 2U + 24 + 24 * 9);
     EXPECT_TRUE(contains(output(), "\nReflectance of \"black 2 (1.5 D)\" in percent, simulated:\n")) << output();
     EXPECT_TRUE(
         errors().starts_with("Module " + moduleFile.string() + ", version 5.9.0.3\nSIMULATED: no instrument is used."));
-    EXPECT_TRUE(contains(errors(), "\nEverything is measured twice: first the CIELab values, then the spectra.\n"));
-    EXPECT_TRUE(contains(errors(), "\nRow 2 of 2, spectra: press the button and slide the instrument from "
-                                   "\"blue\" to \"black 2 (1.5 D)\".\n"))
-        << errors();
+    ASSERT_EQ(measure({"--spots", "2", "--names", "a name of 24 characters.,gr\xC3\xBCn and a rather long name"}), 0);
+    lines = linesOf(output());
+    ASSERT_EQ(lines.size(), 3U) << "one header for all spots";
+    EXPECT_TRUE(lines[1].starts_with("a name of 24 characters.    36.81 ")) << lines[1];
+    EXPECT_TRUE(contains(errors(), "\n2 of 2 patches\n")) << errors();
 }
 
-TEST_F(Spm, KeepsTheRowsBeforeAFailureAndContinues) {
-    const std::string fault = R"({"function": "I1PRO3_TriggerMeasurement", "call": 3, "result": 7, "text": "lamp"})";
-    const std::string ended = "the run ended: measuring failed: lamp";
-    const std::map<std::string, std::string> gaps{{"run.csv", "\npatch 5,,,,"},
-                                                  {"run.json", "\"patchesMeasured\": 4,"},
-                                                  {"run.cgats", "\n# patches 5 to 8 not measured: "},
-                                                  {"run.txt", "CGATS.17\n"}};
-    for (const auto& [name, gap] : gaps) {
-        useScript(R"({"button": {"polls": 0}, "faults": [)" + fault + "]}");
-        EXPECT_EQ(measure({"--patches", "2", "--report", file("page.html"), "--output", file(name)}), 1) << name;
-        EXPECT_TRUE(errors().ends_with("\nspm: measuring failed: lamp\nErrorNumber: 7\n")) << errors();
-        EXPECT_TRUE(contains(errors(), "\n4 of 8 patches measured; patches 5 to 8 not measured: " + ended)) << errors();
-        EXPECT_TRUE(contains(readText(file(name)), gap)) << name;
-        for (const std::string& written : {readFile(file(name)), readFile(file("page.html"))}) {
-            EXPECT_TRUE(contains(written, ended)) << written;
-        }
-        fs::remove(file("page.html"));
-        useScript("{}");
-        EXPECT_EQ(measure({"--patches", "2", "--first-row", "4", "--output", file(name)}), 3) << errors();
-        EXPECT_TRUE(contains(errors(), "\n6 of 8 patches measured; patches 5 to 6 not measured: ")) << errors();
-        EXPECT_EQ(measure({"--patches", "2", "--first-row", "3", "--output", file(name)}), 0) << errors();
-        EXPECT_FALSE(contains(readText(file(name)), ended)) << readText(file(name));
+// The last row is shorter; a last row of one patch is measured as a spot.
+TEST_F(Spm, MeasuresAShortLastRow) {
+    for (const auto& [names, last] : std::vector<std::pair<std::string, std::string>>{
+             {"a,b,c,d,e", "Row 2 of 2: press the button and slide the instrument from \"d\" to \"e\"."},
+             {"a,b,c,d", "Row 2 of 2: place the instrument on \"d\" and press the button."}}) {
+        ASSERT_EQ(measure({"--names", names, "--patches", "3"}), 0) << errors();
+        EXPECT_TRUE(contains(errors(), last)) << errors();
     }
-    EXPECT_EQ(measure({"--patches", "2", "--first-row", "5"}), 2);
-    EXPECT_EQ(measure({"--rows", "2", "--first-row", "2", "--output", file("run.csv")}), 0) << "other rows";
-    EXPECT_EQ(
-        measure({"--rows", "2", "--first-row", "2", "--names", "a,b,c,d,e,f,g,h,i,j,k,l", "--output", file("run.csv")}),
-        2);
-    EXPECT_TRUE(contains(errors(), "has the patch \"patch 1\", which this chart does not have")) << errors();
-    writeFile(file("run.csv"), std::regex_replace(readText(file("run.csv")), std::regex(",simulated i1[^,]*"), ",no"));
-    EXPECT_EQ(measure({"--rows", "2", "--first-row", "2", "--output", file("run.csv")}), 2);
-    EXPECT_TRUE(contains(errors(), "run.csv has measured values, unlike this run; choose another output file"))
-        << errors();
+    EXPECT_EQ(measure({"--names", "a,b,c,d,e", "--patches", "3", "--rows", "1"}), 2);
+}
+
+// The chart is in random order and has device values, and names that look like other fields. Everything comes from the
+// file when the run goes on, and values measured before don't change, even in a gap.
+TEST_F(Spm, GoesOnWithTheOutputFile) {
+    const std::string chart =
+        "CGATS.17\nBEGIN_DATA_FORMAT\nSAMPLE_ID SAMPLE_NAME CMYK_C CMYK_K\nEND_DATA_FORMAT\nBEGIN_DATA\n"
+        "A10 a,no,b 0 100\nA2 x 7.50 0\nB1 \"patch # 1\" 1 2\nA1 x 3 4\nC7 last 5 6\nEND_DATA\n";
+    writeFile(file("chart.cgats"), chart);
+    const Texts complete{"--chart", file("chart.cgats"), "--patches", "2", "--observer", "2", "--xyz"};
+    for (const std::string name : {"run.csv", "run.json", "run.cgats"}) {
+        useScript(R"({"faults": [{"function": "I1PRO3_TriggerMeasurement", "call": 2, "result": 7, "text": "lamp"}]})");
+        EXPECT_EQ(measure(complete + Texts{"--overwrite", "--output", file(name)}), 1);
+        EXPECT_TRUE(contains(errors(), "\n2 of 5 patches, in " + file(name) +
+                                           "\npatches 3 to 5 not measured: the run "
+                                           "ended: measuring failed: lamp\nTo go on: spm measure --chart "))
+            << errors();
+        EXPECT_TRUE(errors().ends_with(" --resume\n")) << errors();
+        const std::string before = readText(file(name));
+        useScript(R"({"place": "white reference"})"); // measures other values than before
+        ASSERT_EQ(measure({"--resume", "--output", file(name), "--patches", "2", "--observer", "2"}), 0) << errors();
+        EXPECT_TRUE(contains(errors(), "Row 3 of 3: place the instrument on \"last\"")) << errors();
+        EXPECT_TRUE(errors().ends_with("\n5 of 5 patches, in " + file(name) + "\n")) << errors();
+        const std::string after = readText(file(name));
+        for (const std::string& line : linesOf(before)) {
+            const bool isMeasured = contains(line, "A10") || contains(line, "7.50");
+            EXPECT_TRUE(!isMeasured || contains(after, line)) << line << after;
+        }
+        EXPECT_TRUE(contains(after, "C7") && contains(after, "UV Included")) << after;
+        EXPECT_FALSE(contains(after, "the run ended")) << after;
+        ASSERT_EQ(measure({"--resume", "--output", file(name)}), 0) << errors();
+        EXPECT_FALSE(contains(errors(), "Calibration")) << "nothing is missing";
+    }
+    const std::string data = readText(file("run.cgats"));
+    EXPECT_TRUE(contains(data, "\nSAMPLE_ID\tSAMPLE_NAME\tCMYK_C\tCMYK_K\tLAB_L\tLAB_A\tLAB_B\tXYZ_X")) << data;
+    EXPECT_TRUE(contains(data, "\nA2\t\"x\"\t7.50\t0\t") && contains(data, "\nA1\t\"x\"\t3\t4\t")) << data;
+}
+
+TEST_F(Spm, RefusesToGoOnWithAnotherRun) {
+    const std::string run = file("run.csv");
+    const Texts resume{"--resume", "--output", run};
+    EXPECT_EQ(measure({"--resume", "--output", file("ruin.csv")}), 2);
+    EXPECT_TRUE(contains(errors(), "ruin.csv does not exist")) << errors();
+    ASSERT_EQ(measure({"--names", "x,a,y,b", "--patches", "2", "--output", run}), 0) << errors();
+    writeFile(file("foreign.csv"), "name,L*,a*,b*\none,1,2,3\n");
+    const std::vector<std::pair<Texts, std::string>> cases{
+        {{"--patches", "3"}, "--patches asks for 3, but " + run + " has 2; "},
+        {{"--rows", "3"}, "--rows asks for 3, but " + run + " has 2; "},
+        {{"--spots", "4"}, "--spots asks for 4, but " + run + " has 0; "},
+        {{"--names", "x,a,c,b"}, "--names asks for \"c\" as patch 3, but " + run + " has \"y\" as patch 3; "},
+        {{"--names", "x,a,y"}, "--names asks for only 3 patches, but " + run + " has \"b\" as patch 4; "},
+        {{"--chart", file("foreign.csv")}, "foreign.csv asks for \"one\" as patch 1, but "},
+        {{"--illuminant", "A"}, "--illuminant asks for A, but " + run + " has D65; "},
+        {{"--observer", "2"}, "--observer asks for 2, but " + run + " has 10; "},
+        {{"--observer", "10"}, "--spectra, --illuminant or --observer asks for true, but " + run + " has false; "},
+        {{"--xyz"}, "--xyz asks for true, but " + run + " has false; "},
+        {{"--overwrite"}, "--overwrite excludes --resume"},
+    };
+    for (const auto& [more, message] : cases) {
+        EXPECT_EQ(measure(resume + more), 2) << message;
+        EXPECT_TRUE(contains(errors(), message)) << errors();
+    }
+    EXPECT_EQ(measure({"--resume", "--output", file("foreign.csv")}), 2);
+    EXPECT_TRUE(contains(errors(), "foreign.csv does not say how it was measured; ")) << errors();
+    std::string real = readText(run);
+    for (int i = 0; i < 4; ++i) {
+        real = replaced(real, "simulated i1Pro 3 with the ColorChecker Classic chart", "no");
+    }
+    writeFile(file("real.csv"), real);
+    EXPECT_EQ(measure({"--resume", "--output", file("real.csv")}), 2);
+    EXPECT_TRUE(contains(errors(), "real.csv has measured values, unlike this run; ")) << errors();
 }
 
 TEST_F(Spm, CalculatesCielabFromSpectra) {
     const std::string expected = SOURCE_FOLDER "/tests/unit/data/colorchecker24_lab.csv";
-    const auto measureFor = [&](Texts more) {
-        more.insert(more.end(), {"--names", "dark skin,light skin,blue sky,foliage", "--patches", "2"});
-        more.insert(more.end(), {"--overwrite", "--reference", expected});
-        return measure(more);
-    };
     // The expected values are calculated with published weights at 10 nm, as in the simulated instrument.
     useScript(R"({"light": {"noise": 0}})");
     const Texts chart{"--chart", expected, "--reference", expected, "--patches", "24", "--illuminant", "D65", "--xyz"};
@@ -113,26 +162,9 @@ TEST_F(Spm, CalculatesCielabFromSpectra) {
                                      "D65/10 degree, simulated       L*       a*       b*      X      Y      Z\n"));
     EXPECT_TRUE(contains(output(), "\nmaximum                       0.02\n")) << output();
     EXPECT_FALSE(contains(output(), "Reflectance")) << output();
-    EXPECT_EQ(
-        measure({"--observer", "10", "--patches", "2", "--names", "light skin,dark skin", "--reference", expected}), 0);
+    const Texts reversed{"--observer", "10", "--patches", "2", "--names", "light skin,dark skin"};
+    EXPECT_EQ(measure(reversed + Texts{"--reference", expected}), 0);
     EXPECT_TRUE(contains(errors(), "Row 1 of 1 in reverse matches better (0.0)")) << errors();
-    for (const char* const name : {"run.csv", "run.json", "run.cgats"}) {
-        ASSERT_EQ(measureFor({"--illuminant", "A", "--lab", "--output", file(name)}), 0) << errors();
-        EXPECT_TRUE(contains(readText(file(name)), "UV Included")) << readText(file(name));
-        EXPECT_EQ(measureFor({"--observer", "10", "--illuminant", "A", "--first-row", "2", "--output", file(name)}), 0)
-            << errors();
-        for (const Texts& otherConditions :
-             {Texts{"--observer", "2", "--illuminant", "A"}, {"--illuminant", "D65"}, {"--lab"}}) {
-            Texts options{"--first-row", "2", "--output", file(name)};
-            options.insert(options.end(), otherConditions.begin(), otherConditions.end());
-            EXPECT_EQ(measureFor(options), 2);
-            EXPECT_TRUE(contains(errors(), name + std::string(" has CIELab values for other conditions; ")))
-                << errors();
-        }
-    }
-    ASSERT_EQ(measure({"--rows", "1", "--spectra", "--output", file("spectra.csv")}), 0) << errors();
-    ASSERT_EQ(measure({"--observer", "2", "--first-row", "2", "--output", file("spectra.csv")}), 0) << errors();
-    EXPECT_FALSE(contains(readText(file("spectra.csv")), "\npatch 1,,")) << "earlier rows get CIELab values, too";
 }
 
 TEST_F(Spm, ReadsItsOwnOutputAsChartAndReference) {
@@ -140,34 +172,35 @@ TEST_F(Spm, ReadsItsOwnOutputAsChartAndReference) {
     writeFile(file("chart.csv"), "name\n\"a, \"\"b\"\"\"\n\ngr\xC3\xBCn \xE7\xB7\x91\n");
     ASSERT_EQ(measure({"--spots", "2", "--chart", file("chart.csv"), "--output", values}), 0) << errors();
     EXPECT_EQ(output(), "");
-    EXPECT_TRUE(contains(errors(), "Spot 2 of 2, CIELab: place the instrument on \"gr\xC3\xBCn \xE7\xB7\x91\" and "));
-    ASSERT_EQ(measure({"--spots", "2", "--chart", values, "--reference", values}), 0) << errors();
+    EXPECT_TRUE(contains(errors(), "Spot 2 of 2: place the instrument on \"gr\xC3\xBCn \xE7\xB7\x91\" and "));
+    const Texts compared{"--spots", "2", "--chart", values, "--reference", values};
+    ASSERT_EQ(measure(compared), 0) << errors();
     EXPECT_TRUE(contains(output(), " b*\na, \"b\" ")) << output();
-    EXPECT_TRUE(contains(output(), "\n\nCompared with ")) << output();
-    EXPECT_TRUE(contains(output(), "\nmaximum                       0.00\n")) << output();
-    const Texts within{"--spots", "2",           "--chart", values,        "--format",
-                       "json",    "--reference", values,    "--tolerance", "max=0.1"};
-    ASSERT_EQ(measure(within), 0) << errors();
-    EXPECT_TRUE(contains(output(), "\"patchesInRow\": 0,")) << output();
+    EXPECT_TRUE(contains(output(), "\n\nCompared with " + values + ": 2 of 2 patches compared\n")) << output();
+    ASSERT_EQ(measure(compared + Texts{"--format", "json", "--tolerance", "max=0.1"}), 0) << errors();
     EXPECT_TRUE(contains(output(), "\"passed\": true,") && output().ends_with("]\n}\n")) << output();
     EXPECT_TRUE(contains(errors(), "\nmaximum                       0.00 (at most 0.1: passed)\n")) << errors();
-    EXPECT_FALSE(contains(errors(), "measured twice")) << errors();
+    EXPECT_EQ(measure(compared + Texts{"--observer", "2"}), 2);
+    EXPECT_TRUE(contains(errors(), " is for D65/10 degree, but the run measures for D65/2 degree; ")) << errors();
 }
 
-TEST_F(Spm, FailsWhenOutOfTolerance) {
-    writeFile(file("expected.csv"), "name,L*,a*,b*\npatch 1,40,13.9,14.7\npatch 3,51.6,-3.8,-20.2\n");
-    const std::string txt = file("run.txt");
-    const auto compare = [&](Texts more) {
-        more.insert(more.end(), {"--patches", "2", "--reference", file("expected.csv"), "--overwrite"});
-        return measure(more);
+TEST_F(Spm, ComparesAllPatchesWithATolerance) {
+    const std::string two = "name,L*,a*,b*\npatch 1,40,13.9,14.7\npatch 2,65.8,13.4,17.7\n";
+    writeFile(file("two.csv"), two);
+    writeFile(file("four.csv"), two + "patch 3,51.6,-3.8,-20.2\npatch 4,42.1,-12.3,21.8\n");
+    const auto compare = [&](const std::string& reference, const Texts& more) {
+        return measure(Texts{"--patches", "2", "--rows", "2", "--reference", file(reference)} + more);
     };
-    EXPECT_EQ(compare({"--difference", "76", "--tolerance", "mean=1.7,max=3.3"}), 0) << output();
+    EXPECT_EQ(compare("four.csv", {"--difference", "76", "--tolerance", "mean=1.7,max=3.3"}), 0) << output();
     EXPECT_TRUE(contains(output(), "\nTolerance                   passed\n")) << output();
-    EXPECT_EQ(compare({"--difference", "76", "--tolerance", "max=3.1", "--format", "table", "--output", txt}), 4);
-    for (const std::string& text : {errors(), readText(txt)}) {
-        EXPECT_TRUE(contains(text, "\nTolerance                   FAILED\n")) << text;
-    }
-    EXPECT_EQ(compare({"--tolerance", "max=0", "--first-row", "2"}), 3) << "incomplete takes precedence";
+    EXPECT_EQ(compare("four.csv", {"--difference", "76", "--tolerance", "max=3.1"}), 4);
+    EXPECT_TRUE(contains(output(), "\nTolerance                   FAILED\n")) << output();
+    EXPECT_EQ(compare("two.csv", {}), 0);
+    EXPECT_TRUE(contains(output(), ": 2 of 4 patches compared\n")) << output();
+    EXPECT_EQ(compare("two.csv", {"--tolerance", "max=99"}), 2);
+    EXPECT_TRUE(contains(errors(), "lacks 2 of 4 patches: the chart has \"patch 3\", \"patch 4\", the reference "
+                                   "\"patch 1\", \"patch 2\"; use the same names"))
+        << errors();
 }
 
 TEST_F(Spm, ReportsTheCauseOfEachFailure) {
@@ -180,48 +213,48 @@ TEST_F(Spm, ReportsTheCauseOfEachFailure) {
     const std::string missing = file("missing.module");
     const std::string chart = file("chart.csv");
     const std::string place = (folder / "").parent_path().string();
+    const std::string reference = file("reference.csv");
     writeFile(file("no module"), "text");
     writeFile(chart, "name,L*,a*,b*\none,1,2,3\n");
+    writeFile(reference, "name,L*,a*,b*\nother,1,2,3\n");
+    writeFile(file("quotes.csv"), "name\none\n\"5\"\" tile\"\n");
     writeFile(file("earlier.csv"), "");
     fs::create_hard_link(chart, file("link.csv"));
     const auto lampFails = [](const std::string& function) {
         return R"({"result": 9, "text": "lamp", "function": "I1PRO3_)" + function + "\"}";
     };
     const std::string connectionLost = R"({"function": "I1PRO3_GetConnectionStatus", "call": 15, "exception": "x"})";
-    const Texts row{"--lab", "--spectra", "--patches", "2", "--report", file("page.html")};
+    const Texts row{"--patches", "2", "--report", file("page.html")};
     const std::vector<Case> cases{
-        {{"--module", missing}, 1, "can't load the module " + missing + ": "},
-        {{"--module", file("no module")}, 1, ": it is not a library for this system; replace it with the right file\n"},
+        {{"--module", missing}, 1, "can't load the module: " + missing + ": "},
         {{"--module", sdkFile.string()}, 1, "is not a spectrophotometer module: it has no SPM_create"},
         {{"--module", ""}, 2, "--module: the file name is empty\n"},
         {{"--chart", missing}, 1, "can't read the chart file " + missing + ": "},
-        {{"--chart", chart}, 2, chart + " is 1, which is not a multiple of 6; "},
-        {{"--chart", chart, "--rows", "4"}, 2, chart + " is 1, but should be 24; "},
+        {{"--chart", chart, "--rows", "4"}, 2, "1 patches make 1 rows of 6, but --rows is 4; "},
         {{"--patches", "1"}, 2, "--patches"},
-        {{"--names", "a,b", "--spots", "1"}, 2, "--names is 2, but should be 1; "},
+        {{"--names", "a,b", "--spots", "1"}, 2, "2 patches make 2 spots, but --spots is 1; "},
         {{"--spots", "2", "--rows", "2"}, 2, "--spots"},
         {{"--output", "/tmp/values"}, 2, "can't determine the format of /tmp/values from its extension; "},
-        {{"--format", "xml"}, 2, "--format"},
+        {{"--format", "csv", "--output", file("run.csv")}, 2, "--output excludes --format"},
+        {{"--first-row", "2"}, 2, "--first-row"},
         {{"--report", file("missing/page")}, 1, "page: No such file or directory; choose another file"},
         {{"--report", place}, 1, "can't write " + place + ": it is not a regular file; choose another file"},
-        {{"--report", missing, "--format", "csv", "--output", missing}, 2, missing + " would be overwritten; "},
         {{"--spots", "1", "--chart", chart, "--output", chart}, 2, chart + " would be overwritten; use a different"},
         {{"--chart", chart, "--output", file("link.csv")}, 2, "link.csv would be overwritten; use a different name "},
-        {{"--output", file("earlier.csv")}, 2, "earlier.csv exists; choose another file, or replace it with --over"},
-        {{"--reference", missing}, 1, "can't read the reference file " + missing + ": "},
-        {{"--reference", chart}, 2, "the first one is \"patch 1\", the reference has \"one\"; use the same names"},
-        {{"--reference", missing, "--spectra"}, 2, "which are not measured; add --lab"},
-        {{"--xyz", "--spectra"}, 2, "which are not measured; add --lab"},
-        {{"--illuminant", "F11"}, 2, "--illuminant"},
+        {{"--output", file("earlier.csv")}, 2, "earlier.csv exists; choose another file, "},
+        {{"--chart", file("quotes.csv"), "--output", file("run.txt")}, 2, "quotes.csv line 3, \"5\" tile\": CGATS can"},
+        {{"--names", "a\tb", "--format", "cgats"}, 2, "name 1, \"a\uFFFDb\": CGATS can't contain"},
+        {{"--reference", reference},
+         2,
+         "the chart has \"patch 1\", \"patch 2\", \"patch 3\", ..., the reference \"oth"},
         {{"--observer", "3"}, 2, "--observer"},
         {{"--tolerance", "mean=2"}, 2, "--tolerance requires --reference"},
-        {{"--difference", "94"}, 2, "--difference requires --reference"},
         {{"--reference", chart, "--difference", "00"}, 2, "--difference: 00 not in {2000,76,94}"},
         {{"--reference", chart, "--tolerance", "p99=2"},
          2,
          "\"p99=2\" is not a limit; use each of mean, median, p90, "},
         {row, 1, "the instrument could not be opened: lamp\nErrorNumber: 9\n", lampFails("OpenDevice")},
-        {row, 1, "no instrument was found; connect one by USB and try again\n", R"({"function": "I1PRO3_GetDevices"})"},
+        {row, 1, "no instrument was found; it is simulated: ", R"({"function": "I1PRO3_GetDevices"})"},
         {row, 1, "calibrating failed: lamp\nErrorNumber: 9\n", lampFails("Calibrate")},
         {row, 1, "measuring failed: lamp\nErrorNumber: 9\n", lampFails("GetTriStimulus")},
         {{"--spectra"}, 1, "measuring failed: lamp\nErrorNumber: 9\n", lampFails("GetSpectrum")},
@@ -236,6 +269,7 @@ TEST_F(Spm, ReportsTheCauseOfEachFailure) {
         EXPECT_EQ(output(), "");
         const Texts calls = linesOf(readFile(file("trace.jsonl")));
         EXPECT_TRUE(calls.empty() || contains(calls.back(), "SetGlobalOption")) << "the object is not destroyed";
+        EXPECT_TRUE(calls.empty() || each.status == 1) << "the instrument was opened";
     }
     EXPECT_FALSE(fs::exists(file("page.html"))) << "nothing was measured";
     for (const auto& entry : fs::directory_iterator(folder / "")) {
@@ -245,11 +279,18 @@ TEST_F(Spm, ReportsTheCauseOfEachFailure) {
     EXPECT_TRUE(contains(output(), "Exit status:")) << output();
 }
 
+TEST_F(Spm, StopsWaiting) {
+    useScript(R"({"samples": {"count": 0}})"); // finds no patches in a row
+    EXPECT_EQ(measure({"--wait", "1"}), 1);
+    EXPECT_TRUE(contains(errors(), "nothing was measured within 1 s: ")) << errors();
+}
+
 TEST_F(Spm, RejectsNaN) {
     useScript(R"({"trace": "trace.jsonl"})");
     ASSERT_EQ(measure({"--spots", "1"}), 0) << errors();
-    const std::regex firstValue(R"("values":\[[^,]*)");
-    writeFile(file("nan.jsonl"), std::regex_replace(readFile(file("trace.jsonl")), firstValue, R"("values":["nan")"));
+    const std::string trace = readFile(file("trace.jsonl"));
+    const std::size_t value = trace.find("\"values\":[") + 10;
+    writeFile(file("nan.jsonl"), std::string(trace).replace(value, trace.find(',', value) - value, "\"nan\""));
     useScript(R"({"replay": "nan.jsonl"})");
     EXPECT_EQ(measure({"--spots", "1"}), 1);
     EXPECT_TRUE(contains(errors(), "the patch \"patch 1\" has an invalid value for L*: nan; ")) << errors();
@@ -257,29 +298,26 @@ TEST_F(Spm, RejectsNaN) {
 }
 
 TEST_F(Spm, RetriesFailedSaves) {
-    const spm::Strip spot{0, 1, "Spot"};
-    spm::MeasureOptions options;
-    options.output = folder / "later" / "run";
-    options.report = folder / "page";
-    options.format = spm::Format::table;
-    const spm::Prompter prompter;
-    spm::Run run;
-    run.readings = {{"a", SPM_LAB{50, 1, 2}, {}}, {"b", std::nullopt, {}}};
-    spm::RunWriter writer(options, prompter, run);
+    spm::Plan plan;
+    plan.output = folder / "later" / "run.csv";
+    plan.report = folder / "page";
+    plan.format = spm::Format::csv;
+    plan.run.patches = {{.name = "a", .reading = spm::Reading{{50, 1, 2}}}, {.name = "b", .missingReason = "ended"}};
+    const spm::Prompter prompter(plan.waitLimit);
+    spm::RunWriter writer(plan, prompter);
     testing::internal::CaptureStderr();
-    writer.save(spm::Quantity::lab, spot);
-    writer.saveIfDue();
+    writer.save({0, 1, "Spot"});
     EXPECT_TRUE(testing::internal::GetCapturedStderr().ends_with(
         "folder\nThe measured values are kept and will be saved later.\n"));
     testing::internal::CaptureStdout();
-    EXPECT_THROW(writer.finish("ended"), spm::Error);
-    EXPECT_TRUE(contains(testing::internal::GetCapturedStdout(), "\na      ")) << "values in no file are shown";
-    EXPECT_TRUE(contains(readFile(options.report), "1 of 2 patches<br/>patch 2 not measured: ended"));
+    EXPECT_NE(writer.finish(), "");
+    EXPECT_TRUE(contains(testing::internal::GetCapturedStdout(), "\na,50.0000,")) << "values in no file are shown";
+    EXPECT_TRUE(contains(readFile(plan.report), "1 of 2 patches<br/>patch 2 not measured: ended"));
     fs::create_directory(folder / "later");
-    writer.finish("");
-    EXPECT_EQ(linesOf(readText(options.output)).size(), 2U);
-    fs::permissions(options.output, fs::perms::owner_read | fs::perms::owner_write);
-    const fs::perms earlier = fs::status(options.output).permissions();
-    writer.finish("");
-    EXPECT_EQ(fs::status(options.output).permissions(), earlier);
+    writer.save({0, 1, "Spot"});
+    EXPECT_EQ(linesOf(readText(plan.output)).size(), 3U);
+    fs::permissions(plan.output, fs::perms::owner_read | fs::perms::owner_write);
+    const fs::perms earlier = fs::status(plan.output).permissions();
+    EXPECT_EQ(writer.finish(), "");
+    EXPECT_EQ(fs::status(plan.output).permissions(), earlier);
 }

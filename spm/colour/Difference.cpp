@@ -1,4 +1,4 @@
-#include "spm/formats/DeltaE.h"
+#include "spm/colour/Difference.h"
 
 #include <algorithm>
 #include <cmath>

@@ -2,8 +2,8 @@
 
 // Compares measured CIELab values with expected ones, which must be for the same illuminant and observer.
 
-#include "spm/formats/DeltaE.h"
-#include "spm/formats/Run.h"
+#include "spm/colour/Difference.h"
+#include "spm/run/Run.h"
 
 #include <filesystem>
 #include <map>
@@ -27,22 +27,26 @@ struct Reference {
     std::map<std::string, SPM_LAB> patches;
     Formula formula = Formula::ciede2000;
     Limits limits{};
+    /// Whether the file says its illuminant and observer.
+    bool statesConditions = false;
 };
 
-/// @throws Error, common::CsvError or common::TextError  with the file, the line, the reason and what to do
-Reference readReference(const std::filesystem::path& file);
+/// What a reference is, for the titles of a comparison: its file and, if it doesn't say its conditions, a note.
+std::string describe(const Reference& reference);
 
 struct Difference {
     SPM_LAB expected;
+    /// Measured minus expected.
+    SPM_LAB delta;
     double deltaE;
 };
 
-/// The difference of a reading from its expected value.
-/// @return none without a reference, for a reading without CIELab values, or if the reference doesn't have the patch
-std::optional<Difference> differenceOf(const Run& run, const Reading& reading);
+/// The difference of a patch from its expected value.
+/// @return none without a reference, for a patch that was not measured, or that the reference doesn't have
+std::optional<Difference> differenceOf(const Run& run, const Patch& patch);
 
-/// The readings by decreasing difference; those without one follow in the order of the chart.
-std::vector<Reading> worstFirst(const Run& run);
+/// The patches by decreasing difference; those without one follow in the order of the chart.
+std::vector<Patch> worstFirst(const Run& run);
 
 /// A statistic of all differences. Percentiles are nearest-rank.
 struct Statistic {
@@ -60,22 +64,23 @@ struct Statistic {
 
 struct Comparison {
     std::vector<Statistic> statistics;
-    /// The number of patches compared; at least 1.
-    std::size_t patches;
+    /// The number of patches compared, and of patches measured.
+    std::size_t compared = 0;
+    std::size_t measured = 0;
     /// Measured patches that the reference doesn't have, in the order of measurement.
     std::vector<std::string> notInReference;
-    /// Patches of the reference without measured CIELab values, in alphabetical order.
+    /// Patches of the reference that were not measured, in alphabetical order.
     std::vector<std::string> notMeasured;
-    bool isWithinLimits;
+    bool isWithinLimits = true;
+
+    /// "23 of 24 patches compared".
+    std::string coverage() const;
 };
 
-/// @return none if there is no reference, or no patch to compare
+/// @return none if there is no reference; without statistics if there is no patch to compare
 std::optional<Comparison> compare(const Run& run);
 
 /// Lines with the patches that were not compared and the reason; empty if there are none.
 std::string describeUncompared(const Comparison& comparison);
-
-/// A blank line and a table of differences and statistics; empty without a reference.
-std::string formatComparison(const Run& run);
 
 } // namespace spm
