@@ -29,7 +29,15 @@ else()
     file(RELATIVE_PATH prefix_from_pc /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
     string(REGEX REPLACE "/$" "" prefix_from_pc ${prefix_from_pc})
     configure_file(cmake/spm_i1pro3.pc.in spm_i1pro3.pc @ONLY)
-    install(FILES docs/spm.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT kit)
+    find_program(SPM_HELP2MAN help2man)
+    if(SPM_HELP2MAN)
+        add_custom_command(OUTPUT ${PROJECT_BINARY_DIR}/spm.1
+            COMMAND ${SPM_HELP2MAN} --no-info --help-option=--help-all --name "measure colour charts, and check installations"
+                --output ${PROJECT_BINARY_DIR}/spm.1 $<TARGET_FILE:spm>
+            DEPENDS spm VERBATIM)
+        add_custom_target(manual ALL DEPENDS ${PROJECT_BINARY_DIR}/spm.1)
+        install(FILES ${PROJECT_BINARY_DIR}/spm.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT kit)
+    endif()
     install(FILES ${PROJECT_BINARY_DIR}/spm_i1pro3.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT kit)
 endif()
 
