@@ -28,7 +28,7 @@ std::string colour(const Run& run, const SPM_LAB& lab) {
 
 /// The CSS background of a patch: the measured colour; in a comparison next to the expected one, or to nothing.
 std::string background(const Run& run, const Patch& patch) {
-    const std::string measured = colour(run, patch.reading->lab);
+    std::string measured = colour(run, patch.reading->lab);
     if (run.reference == nullptr) return measured;
     const auto difference = differenceOf(run, patch);
     return fmt::format("linear-gradient(90deg, {} 50%, {} 50%)", measured,

@@ -90,7 +90,7 @@ Column spectralColumnOf(std::string_view title) {
 
 Column columnOf(const std::string& title) {
     const std::string lower = lowerCase(title);
-    const auto known = std::ranges::find(kinds, lower, &std::pair<std::string_view, Kind>::first);
+    const auto* const known = std::ranges::find(kinds, lower, &std::pair<std::string_view, Kind>::first);
     if (known != kinds.end()) return {known->second};
     if (isDevice(lower)) return {Kind::device};
     return spectralColumnOf(lower);

@@ -178,7 +178,12 @@ TEST(Terminal, FollowsTheUsersAnswers) {
          "12",
          "",
          swapped},
-        {"", {{take, "t\n"}, {" as Row 1 of 2 in reverse (t), ", "t\n"}}, 0, "1234", "4 of 4 patches", swapped},
+        {"",
+         {{take, "t\n"}, {" as Row 1 of 2 in reverse (t), ", "t\n"}},
+         0,
+         "1234",
+         "maximum                       0.0",
+         swapped},
         {atOnce, {{"Calibration: ", ctrlC}}, 3, "", kept},
         {atOnce, {{"Row 1 of 2: ", ctrlC}}, 3, "12", kept},
     };
