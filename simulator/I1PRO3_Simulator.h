@@ -17,9 +17,9 @@ extern "C" {
  */
 const char* I1PRO3_SimulatorUse(const char* script);
 
-/** Describes the simulation, such as "simulated i1Pro 3 with the ColorChecker Classic chart". Every simulated SDK library
- *  exports this function under this name; by it, programs tell a simulation from the vendor's library, which doesn't have
- *  it. The recorder forwards it to the recorded library.
+/** Describes the simulation, such as "simulated i1Pro 3 with the ColorChecker Classic chart". Every simulated SDK
+ * library exports this function under this name; by it, programs tell a simulation from the vendor's library, which
+ * doesn't have it. The recorder forwards it to the recorded library.
  *
  *  @return the description, valid until the script changes; from the recorder, null if the recorded library isn't a
  *          simulation
