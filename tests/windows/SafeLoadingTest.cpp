@@ -45,7 +45,7 @@ protected:
 
 TEST_F(SafeLoading, LoadsTheSdkOnlyFromTheModulesFolder) {
     EXPECT_EQ(measure(), 1) << "loaded from the working folder or the path";
-    EXPECT_TRUE(errors().starts_with("spm: can't load the module " + module.string() + ": ")) << errors();
+    EXPECT_NE(errors().find(module.string()), std::string::npos) << errors();
     EXPECT_NE(errors().find(" (error 126); "), std::string::npos) << errors();
     plant("program");
     EXPECT_EQ(measure(), 1) << "loaded from the program's folder";
