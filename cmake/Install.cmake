@@ -30,7 +30,7 @@ else()
     string(REGEX REPLACE "/$" "" prefix_from_pc ${prefix_from_pc})
     configure_file(cmake/spm_i1pro3.pc.in spm_i1pro3.pc @ONLY)
     find_program(SPM_HELP2MAN help2man)
-    if(SPM_HELP2MAN)
+    if(SPM_HELP2MAN AND TARGET spm)
         add_custom_command(OUTPUT ${PROJECT_BINARY_DIR}/spm.1
             COMMAND ${SPM_HELP2MAN} --no-info --help-option=--help-all --name "measure colour charts, and check installations"
                 --output ${PROJECT_BINARY_DIR}/spm.1 $<TARGET_FILE:spm>
