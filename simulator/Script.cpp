@@ -178,19 +178,4 @@ std::string descriptionOf(const Script& script) {
     return "simulated i1Pro 3 " + script.subject;
 }
 
-std::vector<std::string> scriptKeys() {
-    std::vector<std::string> keys;
-    const auto add = [&](const std::string& prefix, const auto& fields) {
-        for (const auto& field : fields) {
-            keys.push_back(prefix + std::string(field.name));
-        }
-    };
-    add("", scriptFields);
-    add("light.", lightFields);
-    add("button.", buttonFields);
-    add("samples.", samplesFields);
-    add("faults.", faultFields);
-    return keys;
-}
-
 } // namespace simulator

@@ -63,7 +63,4 @@ Script readScript(const std::filesystem::path& file);
 /// What is simulated, for I1PRO3_SimulatorDescription.
 std::string descriptionOf(const Script& script);
 
-/// All keys, nested ones with a dot: "button.polls".
-std::vector<std::string> scriptKeys();
-
 } // namespace simulator

@@ -1,7 +1,6 @@
 // Writing to a full disk, simulated by a limit of the file size.
 
 #include "cap/CAPLoggingFile.h"
-#include "module/SPMRegistry.h"
 #include "tests/support/Support.h"
 
 #include <csignal>
@@ -44,15 +43,4 @@ TEST(FullDisk, LosesLogLinesUntilSpaceIsFree) {
         EXPECT_TRUE(after.starts_with("2")) << after;
         EXPECT_EQ(linesOf(after).size(), 2U) << after;
     }
-}
-
-TEST(FullDisk, KeepsSettings) {
-    const TempFolder folder;
-    const std::string path = (folder / "settings.reg").string();
-    const EnvironmentVariable variable("SPM_REGISTRY", path);
-    const std::string before = "REGEDIT4\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM]\n\"Logging\"=dword:7";
-    writeFile(path, before);
-    withSizeLimit(before.size() + 10, [] { const SPMRegistry key("xrite i1 Pro3"); });
-    EXPECT_TRUE(readFile(path).starts_with(before));
-    EXPECT_EQ(SPMRegistry().readNumber("Logging", 0), 7U);
 }

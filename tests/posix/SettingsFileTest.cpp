@@ -38,14 +38,10 @@ TEST_F(SettingsFile, ReadsNumbers) {
         {seven + "\"Number\"=what is this", 7},
         {seven + "\"Number\"=-", 7},
         {seven + "\"Number\"=hex(4):01,\\\n  02,00,00", 7},
-        {seven + "\"Number\"=hex(0):00", 5},
-        {"\"Number\"=dword:000000007", 5},
-        {"\"Number\"=hex(4):001,02,00,00", 5},
         {";" + seven, 5},
         {"\"Number\\" + seven.substr(7), 5},
         {"[other] ; comment\n" + seven, 5},
         {"[other\n" + seven, 7},
-        {"; " + std::string(10'000, 'x') + "\n" + seven, 7},
     };
     for (const Case& each : cases) {
         writeFile(path, "REGEDIT4\n\n" + commonHeading + each.lines);

@@ -4,8 +4,6 @@
 #include "tests/unit/SdkHost.h"
 
 #include <gtest/gtest.h>
-#include <regex>
-#include <set>
 
 namespace {
 
@@ -29,22 +27,17 @@ TEST(Script, ReportsErrors) {
         {R"({"chart": "."})", ": /chart: " + (folder / ".").string() + ": "},
         {R"({"chart": "wrong.jsonl"})", ": /chart: the chart " + wrong + ", line 1: 1 fields; expected 37"},
         {R"({"light": {"noise": 0.11}})", ": /light/noise: must be a number from 0 to 0.1"},
-        {R"({"latency": {"I1PRO3_Calibrate": 3600001}})",
-         ": /latency/I1PRO3_Calibrate: must be a whole number from 0 to 3600000"},
         {R"({"samples": {"count": 1, "more": 1}})", ": /samples: \"count\" and \"more\" exclude each other"},
         {R"({"latency": {"Calibrate": 1}})",
          ": /latency/Calibrate: unknown function \"Calibrate\"; expected one of I1"},
         {R"({"faults": [{"unplug": true, "result": 8}]})", ": /faults/0: only \"function\", \"key\" and \"call\" go "},
         {R"({"faults": [{"times": "often"}]})", ": /faults/0/times: "},
         {R"({"faults": [{"call": 0}]})", ": /faults/0/call: must be a whole number from 1 to 1000000000"},
-        {R"({"faults": [{"size": 4294967296}]})", ": /faults/0/size: must be a whole number from 0 to 4294967295"},
         {R"({"faults": [{"result": 1}, {}]})", ": /faults/1: an empty fault would apply to every call"},
         {R"({"faults": [{"foreign": true}]})", ": /faults/0: \"foreign\" needs an \"exception\""},
         {R"({"faults": [{"text": "lamp"}]})", ": /faults/0: \"text\" and \"number\" need a \"result\" other than 0"},
         {R"({"faults": [{"function": "I1PRO3_GetDevices", "output": ""}]})",
          ": /faults/0: I1PRO3_GetDevices has no \"output\""},
-        {R"({"faults": [{"function": "I1PRO3_Calibrate", "size": 1}]})",
-         ": /faults/0: I1PRO3_Calibrate has no \"size\""},
         {R"({"replay": "wrong.jsonl"})", ": /replay: " + wrong + ", line 1: not a trace; "},
         {R"({"replay": "recording.jsonl", "faults": []})",
          ": /faults: only \"trace\" and \"latency\" can be combined with \"replay\""},
@@ -57,22 +50,9 @@ TEST(Script, ReportsErrors) {
     }
 }
 
-TEST(Script, HasDocumentationAndAnExampleForEveryKey) {
-    std::multiset<std::string> keys;
-    const std::regex row("\\| `([a-z .]+)` \\|.*");
-    for (const std::string& line : linesOf(readFile(sources / "docs/simulator.md"))) {
-        std::smatch parts;
-        if (std::regex_match(line, parts, row)) keys.insert(parts[1]);
-    }
-    const std::vector<std::string> known = simulator::scriptKeys();
-    EXPECT_EQ(keys, std::multiset<std::string>(known.begin(), known.end()));
-    std::string examples;
+TEST(Script, ExamplesAreValid) {
     for (const auto& entry : std::filesystem::directory_iterator(sources / "examples/simulator")) {
         if (entry.path().extension() != ".json") continue;
         EXPECT_NO_THROW(simulator::readScript(entry.path())) << entry.path();
-        examples += readFile(entry.path());
-    }
-    for (const std::string& key : known) {
-        EXPECT_NE(examples.find('"' + key.substr(key.find('.') + 1) + '"'), std::string::npos) << key;
     }
 }
