@@ -1,7 +1,5 @@
 #include "simulator/Fault.h"
 
-#include <algorithm>
-
 namespace simulator {
 
 bool Fault::countAndTest(const Call& made) {
@@ -25,7 +23,7 @@ Answer Fault::answerTo(const Call& made) const {
     if (!hasParameter(made.function, Parameter::size)) adapted.size.reset();
     if (made.bufferSize() == 0) adapted.text.reset();
     if (adapted.text) {
-        adapted.text->resize(std::min<std::size_t>(adapted.text->size(), made.bufferSize()));
+        adapted.text = adapted.text->substr(0, made.bufferSize());
         adapted.isTerminated = false;
     }
     return adapted;

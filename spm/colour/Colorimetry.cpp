@@ -11,11 +11,11 @@ namespace spm {
 
 namespace {
 
-using Spectrum = std::span<const SPM_REFLECTION>;
+using SpectrumView = std::span<const SPM_REFLECTION>;
 
 constexpr const char* calculated = "calculated from spectra";
 
-void requireWavelengths(Spectrum spectrum) {
+void requireWavelengths(SpectrumView spectrum) {
     int expected = 370;
     const auto isExpected = [&](const SPM_REFLECTION& point) { return point.wavelength == (expected += 10); };
     if (!spectrum.empty() && std::ranges::all_of(spectrum, isExpected)) return;
@@ -24,7 +24,7 @@ void requireWavelengths(Spectrum spectrum) {
 }
 
 /// Reflectance in percent at 380 nm + 5 nm * step.
-double reflectanceAt(Spectrum spectrum, std::ptrdiff_t step) {
+double reflectanceAt(SpectrumView spectrum, std::ptrdiff_t step) {
     const std::ptrdiff_t last = std::ssize(spectrum) - 1;
     const std::ptrdiff_t i = step / 2;
     const auto at = [&](std::ptrdiff_t index) {
