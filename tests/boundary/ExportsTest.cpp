@@ -3,12 +3,12 @@
 using Exports = ModuleTest;
 
 TEST_F(Exports, ReturnVersionAndType) {
-    EXPECT_EQ(module.getVersion(nullptr), 3U);
+    EXPECT_EQ(module.getVersion(nullptr), MODULE_VERSION);
     EXPECT_EQ(module.getMinorVersion(), 0U);
     std::string buffer = "xxxx";
     SPM_VERSION version{99, {4, buffer.data()}};
-    EXPECT_EQ(module.getVersion(&version), 3U);
-    EXPECT_EQ(version.version, 3U);
+    EXPECT_EQ(module.getVersion(&version), MODULE_VERSION);
+    EXPECT_EQ(version.version, MODULE_VERSION);
     EXPECT_EQ(buffer, std::string("\0xxx", 4));
     buffer = "yyyy";
     module.getType(&version.type);

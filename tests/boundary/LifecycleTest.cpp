@@ -45,7 +45,7 @@ TEST(Lifecycle, LogsBesideTheModuleWhateverItsName) {
         fs::copy_file(original, place / each.module);
         const spm::Module module(place / each.module);
         module.destroy(module.create());
-        EXPECT_EQ(module.getVersion(nullptr), each.log.empty() ? 0U : 3U) << each.module;
+        EXPECT_EQ(module.getVersion(nullptr), each.log.empty() ? 0U : MODULE_VERSION) << each.module;
         EXPECT_TRUE(each.log.empty() || fs::remove(place / each.log)) << each.log;
         for (const auto& entry : fs::directory_iterator(place)) {
             EXPECT_NE(entry.path().extension(), ".log") << entry.path();

@@ -58,6 +58,6 @@ TEST(LoadedModuleFile, IsFoundAfterLoadingByARelativePath) {
     void* const library = dlopen(std::filesystem::relative(file).c_str(), RTLD_NOW);
     std::filesystem::current_path(earlier);
     ASSERT_NE(library, nullptr) << dlerror();
-    EXPECT_EQ(reinterpret_cast<SPM_getVersion_t>(dlsym(library, "SPM_getVersion"))(nullptr), 3U);
+    EXPECT_EQ(reinterpret_cast<SPM_getVersion_t>(dlsym(library, "SPM_getVersion"))(nullptr), MODULE_VERSION);
     dlclose(library);
 }

@@ -75,7 +75,7 @@ TEST(Doctor, DiagnosesEachFault) {
     const std::string simulated = "simulated i1Pro 3 with the ColorChecker Classic chart";
     const std::vector<Case> cases{
         {[](Installation&) {},
-         {{good, "Module", module + "\nversion 5.9.0.3", ""},
+         {{good, "Module", module + "\nversion " FILE_VERSION, ""},
           {note, "SDK library", sdk + "\nSIMULATED: " + simulated, "to use a real instrument, replace it with "},
           {good, "Settings", std::string(registryPlace()).substr(0, 1), ""},
           {good, "Device", "the first by default, not set in " + key + "\\xrite i1 Pro3", ""},
@@ -190,7 +190,7 @@ TEST(Doctor, FormatsFindings) {
 
 TEST(CommandLine, RejectsUnknownNames) {
     const std::vector<std::tuple<std::vector<std::string>, int, std::string>> cases{
-        {{"--version"}, 0, "spm 5.9.0.3"},
+        {{"--version"}, 0, "spm " FILE_VERSION},
         {{"mesure"}, 2, "The following argument was not expected: mesure"},
         {{"measure", "--ROW=2"}, 2, "The following argument was not expected: --ROW=2"},
         {{"--list"}, 2, "The following argument was not expected: --list"},
