@@ -1,68 +1,55 @@
 #include "common/CsvReader.h"
 
+#include "common/Error.h"
+
 #include <algorithm>
 
 namespace common {
 
-namespace {
-
-std::string_view takeUntil(std::string_view& text, char separator) {
-    const std::string_view taken = text.substr(0, text.find(separator));
-    text.remove_prefix(taken.size());
-    return taken;
+CsvReader::CsvReader(std::string_view csv, std::string what, char fieldSeparator)
+    : description(std::move(what)), separator(fieldSeparator), rest(csv) {
+    constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+    if (rest.starts_with(byteOrderMark)) rest.remove_prefix(byteOrderMark.size());
 }
 
-} // namespace
-
 std::optional<CsvReader::Fields> CsvReader::next() {
-    do {
-        if (!nextLine()) return std::nullopt;
-    } while (line.empty());
-    recordLine = linesRead;
-    Fields taken{takeField()};
-    while (line.starts_with(separator)) {
-        line.remove_prefix(1);
-        taken.push_back(takeField());
+    take(rest.find_first_not_of("\r\n"));
+    if (rest.empty()) return std::nullopt;
+    recordLine = line;
+    Fields fields{takeField()};
+    while (rest.starts_with(separator)) {
+        take(1);
+        fields.push_back(takeField());
     }
-    if (!line.empty()) fail("text follows a closing quote; write a quote in a name as \"\"");
-    return taken;
+    if (rest.find_first_of("\r\n") != 0 && !rest.empty()) {
+        fail("text follows a closing quote; write a quote in a name as \"\"");
+    }
+    return fields;
 }
 
 void CsvReader::fail(std::string_view what) const {
-    throw CsvError(description + ", line " + std::to_string(recordLine) + ": " + std::string(what));
-}
-
-/// Advances to the next line.
-/// @return false at the end
-bool CsvReader::nextLine() {
-    constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
-    if (linesRead == 0 && rest.starts_with(byteOrderMark)) rest.remove_prefix(byteOrderMark.size());
-    if (rest.empty()) return false;
-    line = takeUntil(rest, '\n');
-    rest.remove_prefix(std::min<std::size_t>(rest.size(), 1));
-    ++linesRead;
-    if (line.ends_with('\r')) line.remove_suffix(1);
-    return true;
+    throw Error(description + ", line " + std::to_string(recordLine) + ": " + std::string(what));
 }
 
 std::string CsvReader::takeField() {
-    return line.starts_with('"') ? takeQuoted() : std::string(takeUntil(line, separator));
+    if (!rest.starts_with('"')) return take(rest.find_first_of(std::string{separator, '\r', '\n'}));
+    std::string field;
+    do {
+        field += take(1); // the opening quote, or the second one of a pair
+        const std::size_t length = rest.find('"');
+        if (length == std::string_view::npos) fail("a quote is not closed; end the field with another one");
+        field += take(length);
+        take(1);
+    } while (rest.starts_with('"'));
+    std::erase(field, '\r');
+    return field.substr(1);
 }
 
-/// Each pass of the outer loop begins at a quote: the opening one, or the second of an escaped pair.
-std::string CsvReader::takeQuoted() {
-    std::string taken;
-    do {
-        line.remove_prefix(1);
-        taken += takeUntil(line, '"');
-        while (line.empty()) {
-            if (!nextLine()) fail("a quote is not closed; end the field with another one");
-            taken += '\n';
-            taken += takeUntil(line, '"');
-        }
-        line.remove_prefix(1);
-        if (line.starts_with('"')) taken += '"';
-    } while (line.starts_with('"'));
+/// Takes a number of characters from the rest, or all if there are fewer.
+std::string CsvReader::take(std::size_t length) {
+    const std::string taken(rest.substr(0, length));
+    rest.remove_prefix(taken.size());
+    line += static_cast<int>(std::ranges::count(taken, '\n'));
     return taken;
 }
 

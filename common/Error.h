@@ -8,23 +8,17 @@ namespace common {
 /// An error message for the user: what happened, with what, and what to do.
 class Error : public std::runtime_error {
 public:
-    using std::runtime_error::runtime_error;
-
     /// @param failure  what happened, with what
-    /// @param advice   what to do
-    Error(const std::string& failure, const std::string& advice)
-        : std::runtime_error(failure + "; " + advice), failureLength(failure.size()) {}
+    /// @param advice   what to do, if that is given separately
+    explicit Error(const std::string& failure, const std::string& advice = "")
+        : std::runtime_error(advice.empty() ? failure : failure + "; " + advice), failureLength(failure.size()) {}
 
-    /// The message without the advice, if that was given separately.
+    /// The message without the advice.
     std::string failure() const { return std::string(what()).substr(0, failureLength); }
-
-    /// The advice; empty if it wasn't given separately.
-    std::string advice() const {
-        return failureLength == std::string::npos ? "" : std::string(what()).substr(failureLength + 2);
-    }
+    std::string advice() const { return std::string(what() + failureLength).erase(0, 2); }
 
 private:
-    std::size_t failureLength = std::string::npos;
+    std::size_t failureLength;
 };
 
 } // namespace common

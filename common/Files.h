@@ -15,7 +15,4 @@ std::string readFile(const std::filesystem::path& path);
 /// @return null, with errno set, on failure; also if the path exists, even as a dangling link
 std::FILE* createFile(const std::filesystem::path& path, const char* mode);
 
-/// Whether two file names are equal by the system's rules.
-bool isSameFileName(const std::filesystem::path& left, const std::filesystem::path& right);
-
 } // namespace common

@@ -1,7 +1,6 @@
 #include "common/Error.h"
 #include "common/SharedLibrary.h"
 
-#include <array>
 #include <cstring>
 #include <dlfcn.h>
 #include <elf.h>
@@ -14,11 +13,9 @@ void requireComplete(const std::filesystem::path& library) {
     std::error_code ignored;
     if (!std::filesystem::is_regular_file(library, ignored)) return; // reading a pipe might never end
     const std::uintmax_t size = std::filesystem::file_size(library, ignored);
-    std::array<char, sizeof(Elf64_Ehdr)> bytes{};
-    if (!std::ifstream(library, std::ios::binary).read(bytes.data(), bytes.size())) return;
     Elf64_Ehdr header{};
-    std::memcpy(&header, bytes.data(), sizeof header);
-    if (std::memcmp(bytes.data(), ELFMAG, SELFMAG) != 0 || header.e_ident[EI_CLASS] != ELFCLASS64) return;
+    std::ifstream(library, std::ios::binary).read(reinterpret_cast<char*>(&header), sizeof header);
+    if (std::memcmp(header.e_ident, ELFMAG, SELFMAG) != 0 || header.e_ident[EI_CLASS] != ELFCLASS64) return;
     if (header.e_shoff + header.e_shnum * sizeof(Elf64_Shdr) <= size) return;
     throw Error(library.string() + ": it is truncated to " + std::to_string(size) + " bytes",
                 "copy or install it again");

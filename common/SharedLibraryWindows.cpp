@@ -10,10 +10,6 @@ namespace common {
 
 namespace {
 
-HMODULE handle(void* library) {
-    return static_cast<HMODULE>(library);
-}
-
 /// Returns a path for LoadLibraryExW, which rejects slashes and appends ".dll" to a name without an extension; a final
 /// dot prevents that.
 std::wstring exactPath(const std::filesystem::path& path) {
@@ -29,18 +25,6 @@ std::string adviceFor(DWORD error, const std::filesystem::path& path) {
     return "a library that it needs is missing; put it into " + path.parent_path().string();
 }
 
-/// Prevents the system's dialog box for damaged files during the object's lifetime; loading one just fails.
-class SuppressErrorDialogs {
-public:
-    SuppressErrorDialogs() { SetThreadErrorMode(SEM_FAILCRITICALERRORS, &earlier); }
-    SuppressErrorDialogs(const SuppressErrorDialogs&) = delete;
-    SuppressErrorDialogs& operator=(const SuppressErrorDialogs&) = delete;
-    ~SuppressErrorDialogs() { SetThreadErrorMode(earlier, nullptr); }
-
-private:
-    DWORD earlier = 0;
-};
-
 } // namespace
 
 void requireComplete(const std::filesystem::path& /*library*/) {}
@@ -48,22 +32,24 @@ void requireComplete(const std::filesystem::path& /*library*/) {}
 // The library's dependencies are searched for beside it and in the system folder only, not in the working folder or on
 // the path, where an attacker could plant a library of the same name.
 SharedLibrary::SharedLibrary(const std::filesystem::path& path) {
-    const SuppressErrorDialogs quiet;
-    library = LoadLibraryExW(exactPath(path).c_str(), nullptr,
-                             LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_SYSTEM32);
-    if (library != nullptr) return;
+    const std::wstring file = exactPath(path);
+    DWORD earlierMode = 0;
+    SetThreadErrorMode(SEM_FAILCRITICALERRORS, &earlierMode); // instead of showing a dialog box for damaged files
+    library = LoadLibraryExW(file.c_str(), nullptr, LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_SYSTEM32);
     const DWORD error = GetLastError();
+    SetThreadErrorMode(earlierMode, nullptr);
+    if (library != nullptr) return;
     const auto code = static_cast<int>(error);
     throw Error(path.string() + ": " + std::system_category().message(code) + " (error " + std::to_string(code) + ')',
                 adviceFor(error, path));
 }
 
 SharedLibrary::~SharedLibrary() {
-    FreeLibrary(handle(library));
+    FreeLibrary(static_cast<HMODULE>(library));
 }
 
 void* SharedLibrary::find(const char* name) const {
-    return reinterpret_cast<void*>(GetProcAddress(handle(library), name));
+    return reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(library), name));
 }
 
 void* SharedLibrary::findInSdk(const char* name) const {
@@ -83,7 +69,7 @@ std::filesystem::path fileOf(const void* address) {
     if (module == nullptr) return {};
     constexpr DWORD maxLength = 32'767;
     std::wstring file(maxLength, L'\0');
-    file.resize(GetModuleFileNameW(handle(module), file.data(), maxLength));
+    file.resize(GetModuleFileNameW(static_cast<HMODULE>(module), file.data(), maxLength));
     return file;
 }
 

@@ -1,5 +1,7 @@
 #include "common/Text.h"
 
+#include "common/Error.h"
+
 #include <algorithm>
 #include <cstdint>
 #include <fmt/format.h>
@@ -12,7 +14,7 @@ namespace {
 std::size_t sequenceLength(std::string_view text) {
     const auto byteAt = [&](std::size_t i) { return i < text.size() ? static_cast<std::uint8_t>(text[i]) : 0; };
     const int first = byteAt(0);
-    if (first < 0x80) return 1;
+    if (first < 0x80) return text.empty() ? 0 : 1;
     if (first < 0xC2 || first > 0xF4) return 0;
     const std::size_t length = first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
     // The range of the second byte excludes overlong sequences, surrogates and codes above U+10FFFF.
@@ -29,36 +31,30 @@ std::size_t sequenceLength(std::string_view text) {
 
 std::size_t findInvalidUtf8(std::string_view text) {
     std::size_t position = 0;
-    while (position < text.size()) {
-        const std::size_t length = sequenceLength(text.substr(position));
-        if (length == 0) break;
+    while (const std::size_t length = sequenceLength(text.substr(position))) {
         position += length;
     }
     return position;
 }
 
 void requireUtf8(std::string_view text, std::string_view description) {
-    if (text.starts_with("\xFF\xFE") || text.starts_with("\xFE\xFF")) {
-        throw TextError(fmt::format("{} is UTF-16; save it as UTF-8", description));
-    }
     const std::size_t invalid = std::min(findInvalidUtf8(text), text.find('\0'));
     if (invalid == text.size()) return;
     const std::string_view before = text.substr(0, invalid);
-    throw TextError(fmt::format("{}, line {}, byte {}: {} (0x{:02X}); save it as UTF-8", description,
-                                1 + std::count(before.begin(), before.end(), '\n'), invalid - before.rfind('\n'),
-                                text[invalid] == '\0' ? "a NUL byte is not allowed" : "this is not UTF-8",
-                                static_cast<std::uint8_t>(text[invalid])));
+    throw Error(fmt::format("{}, line {}, byte {}: {} (0x{:02X})", description,
+                            1 + std::count(before.begin(), before.end(), '\n'), invalid - before.rfind('\n'),
+                            text[invalid] == '\0' ? "a NUL byte is not allowed" : "this is not UTF-8",
+                            static_cast<std::uint8_t>(text[invalid])),
+                "save it as UTF-8");
 }
 
 std::string printable(std::string_view text) {
     std::string shown;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const auto code = static_cast<unsigned char>(text[i]);
-        const auto next = static_cast<unsigned char>(i + 1 < text.size() ? text[i + 1] : '\0');
-        const bool isC1 = code == 0xC2 && next >= 0x80 && next < 0xA0; // U+0080 to U+009F in UTF-8
-        const bool isControl = code < 0x20 || code == 0x7F || isC1;
-        shown += isControl ? "\uFFFD" : std::string(1, text[i]);
-        if (isC1) ++i;
+    while (!text.empty()) {
+        const std::string_view character = text.substr(0, std::max<std::size_t>(sequenceLength(text), 1));
+        const bool isControl = character < " " || (character >= "\x7F" && character <= "\u009F");
+        shown += isControl ? "\uFFFD" : character;
+        text.remove_prefix(character.size());
     }
     return shown;
 }

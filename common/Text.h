@@ -1,24 +1,17 @@
 #pragma once
 
 #include <cstddef>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 
 namespace common {
-
-/// An encoding error in a text: "the chart file chart.csv, line 3, byte 2: ...".
-class TextError : public std::runtime_error {
-public:
-    using std::runtime_error::runtime_error;
-};
 
 /// Returns the position of the first byte that is not valid UTF-8; the text's size if there is none.
 std::size_t findInvalidUtf8(std::string_view text);
 
 /// Checks that a text is UTF-8 without NUL bytes.
 /// @param description  a description of the text for error messages
-/// @throws TextError  with the line, and the byte in that line, both counted from 1
+/// @throws Error  with the line, and the byte in that line, both counted from 1
 void requireUtf8(std::string_view text, std::string_view description);
 
 /// Makes a text from a file safe to print on a terminal: replaces control characters, which could move the cursor or

@@ -100,7 +100,7 @@ struct Answer {
     std::vector<float> values{};
     /// The message of the exception that the function throws instead of returning.
     std::optional<std::string> exception{};
-    /// Whether the exception is one of Visual C++'s, see common::throwForeign.
+    /// Whether the exception is one of Visual C++'s, see throwForeign.
     bool isForeign = false;
     /// After a failure.
     std::optional<LastError> error{};

@@ -34,4 +34,8 @@ struct Fault {
     std::uint32_t matches = 0;
 };
 
+/// Throws an exception as a library built with Visual C++ would. On Windows, where compilers' exceptions differ, this
+/// compiler's handlers and destructors don't see it; elsewhere it is a std::runtime_error.
+[[noreturn]] void throwForeign(const std::string& what);
+
 } // namespace simulator

@@ -1,7 +1,6 @@
 #include "simulator/Simulator.h"
 
 #include "common/Environment.h"
-#include "common/ForeignException.h"
 #include "simulator/I1PRO3_Simulator.h"
 
 #include <algorithm>
@@ -162,7 +161,7 @@ std::string nameOf(I1PRO3_DeviceHandle device) {
 /// Throws only after all locks are released: a foreign exception skips this compiler's destructors.
 std::int32_t perform(const Call& call, const Outputs& outputs, const Forward& /*forward*/) {
     const Answer answer = Simulator::instance().perform(call, outputs);
-    if (answer.isForeign) common::throwForeign(*answer.exception);
+    if (answer.isForeign) throwForeign(*answer.exception);
     if (answer.exception) throw std::runtime_error(*answer.exception);
     return answer.result;
 }

@@ -32,7 +32,7 @@ bool fitsCgats(const std::string& text);
 
 // Each of these reads a run from a text. What the text doesn't say is empty, as described for Run.
 // description: the text in error messages, "the chart file chart.csv"
-// All throw Error or common::CsvError with the description, if possible the line, and the reason.
+// All throw Error with the description, if possible the line, and the reason.
 
 Run readCsv(const std::string& text, const std::string& description);
 Run readJson(const std::string& text, const std::string& description);

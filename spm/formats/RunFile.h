@@ -14,13 +14,12 @@ namespace spm {
 /// name. The text must be UTF-8. CSV may have semicolons or tabs between the fields, and decimal commas then.
 /// @param what  the file's description in error messages: "the chart file"
 /// @return a run with at least one patch; what the file doesn't say is empty, as described for Run
-/// @throws Error, common::CsvError or common::TextError  with the file, if possible the line, and the reason
+/// @throws Error  with the file, if possible the line, and the reason
 Run readRun(const std::filesystem::path& file, std::string_view what);
 
 /// Reads expected values.
 /// @param conditions  those of the values to compare with; what the file says about its own must not differ
-/// @throws Error, common::CsvError or common::TextError  like readRun; also if a name is not unique, or a value is
-///         missing or not from -500 to 500
+/// @throws Error  like readRun; also if a name is not unique, or a value is missing or not from -500 to 500
 Reference readReference(const std::filesystem::path& file, const Conditions& conditions);
 
 } // namespace spm

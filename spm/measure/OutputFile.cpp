@@ -17,8 +17,8 @@ namespace {
 namespace fs = std::filesystem;
 
 Error failure(const std::string& file, const std::string& reason) {
-    return {fmt::format("can't write {}: {}", file, reason),
-            "choose another file, or check permissions and free space in its folder"};
+    return Error(fmt::format("can't write {}: {}", file, reason),
+                 "choose another file, or check permissions and free space in its folder");
 }
 
 std::string lastReason() {
@@ -90,12 +90,8 @@ void requireWritable(const fs::path& file) {
 
 bool isSameFile(const fs::path& one, const fs::path& other) {
     std::error_code ignored;
-    if (fs::equivalent(one, other, ignored)) return true;
-    const fs::path first = fs::weakly_canonical(one, ignored);
-    const fs::path second = fs::weakly_canonical(other, ignored);
-    return common::isSameFileName(first.filename(), second.filename()) &&
-           (first.parent_path() == second.parent_path() ||
-            fs::equivalent(first.parent_path(), second.parent_path(), ignored));
+    return fs::equivalent(one, other, ignored) ||
+           fs::weakly_canonical(fs::absolute(one), ignored) == fs::weakly_canonical(fs::absolute(other), ignored);
 }
 
 void writeToStdout(const std::string& text) {

@@ -67,8 +67,7 @@ struct Plan {
 
 /// Checks all that can be checked before the instrument is opened, so that a user doesn't measure a chart only to find
 /// that it can't be saved.
-/// @throws Error, common::CsvError or common::TextError  if the options contradict each other or a file, or a file
-///         can't be read or written
+/// @throws Error  if the options contradict each other or a file, or a file can't be read or written
 Plan planOf(const MeasureOptions& options);
 
 } // namespace spm

@@ -1,6 +1,6 @@
 #include "cap/CAPLoggingMessage.h"
-#include "common/ForeignException.h"
 #include "listener/SPM_listener.h"
+#include "simulator/Fault.h"
 #include "tests/boundary/ModuleTest.h"
 
 #include <fmt/format.h>
@@ -30,7 +30,8 @@ TEST_F(Subscription, DeliversMessagesUntilUnsubscribed) {
 }
 
 TEST_F(Subscription, DiscardsExceptionsOfCallbacks) {
-    const SPM_MESSAGE_CALLBACK throwing[]{[](auto...) { throw 1; }, [](auto...) { common::throwForeign("foreign"); }};
+    const SPM_MESSAGE_CALLBACK throwing[]{[](auto...) { throw 1; },
+                                          [](auto...) { simulator::throwForeign("foreign"); }};
     for (const SPM_MESSAGE_CALLBACK callback : throwing) {
         SPM_SUBSCRIPTION* const subscription = SPM_subscribe(handle, callback, nullptr);
         EXPECT_NO_THROW(handle->LogMessage(CAPLoggingMessage(0, 7, "text")));

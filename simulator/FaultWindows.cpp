@@ -1,10 +1,10 @@
-#include "common/ForeignException.h"
-#include "platform/win32.h"
+#include "simulator/Fault.h"
 
 #include <array>
 #include <cstdlib>
+#include <windows.h>
 
-namespace common {
+namespace simulator {
 
 void throwForeign(const std::string& /*what*/) {
     constexpr DWORD visualCppException = 0xE06D7363;
@@ -14,4 +14,4 @@ void throwForeign(const std::string& /*what*/) {
     std::abort(); // not reached
 }
 
-} // namespace common
+} // namespace simulator

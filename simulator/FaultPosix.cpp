@@ -1,11 +1,11 @@
-#include "common/ForeignException.h"
+#include "simulator/Fault.h"
 
 #include <stdexcept>
 
-namespace common {
+namespace simulator {
 
 void throwForeign(const std::string& what) {
     throw std::runtime_error(what);
 }
 
-} // namespace common
+} // namespace simulator
