@@ -12,6 +12,7 @@
 #include "spm/Instrument.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <fmt/color.h>
 #include <fstream>
@@ -49,22 +50,15 @@ Finding wrongSdk(const fs::path& file, const std::string& text) {
                         file.parent_path().string())};
 }
 
-/// Finds functions that the module needs but the library lacks: on some systems, the module can still be loaded.
-template <class Find>
-std::optional<Finding> findMissingFunction(const fs::path& file, const Find& find) {
-    const auto missing =
-        std::find_if(sdkFunctions.begin(), sdkFunctions.end(), [&](const char* name) { return find(name) == nullptr; });
-    if (missing == sdkFunctions.end()) return std::nullopt;
-    return wrongSdk(file, fmt::format("{} has no {}", file.string(), *missing));
-}
-
-/// Checks the SDK library of a module that could not be loaded.
+/// Checks whether a file is an SDK library with all functions that the module needs.
 Finding examineSdkFile(const fs::path& file) {
     if (!isPresent(file)) return wrongSdk(file, describeMissing(file));
     try {
         const common::SharedLibrary library(file);
-        const auto missing = findMissingFunction(file, [&](const char* name) { return library.find(name); });
-        return missing.value_or(Finding{Verdict::good, "SDK library", file.string(), ""});
+        for (const char* name : sdkFunctions) {
+            if (library.find(name) == nullptr) return wrongSdk(file, fmt::format("{} has no {}", file.string(), name));
+        }
+        return {Verdict::good, "SDK library", file.string(), ""};
     } catch (const Error& error) {
         const bool isNamed = common::pathFromEnvironment("LD_LIBRARY_PATH").has_value();
         return {Verdict::wrong, "SDK library", fmt::format("can't load {}", error.failure()),
@@ -76,10 +70,8 @@ Finding examineSdkFile(const fs::path& file) {
 /// @param expected  the file in the module's folder
 Finding examineSdk(const Module& module, const fs::path& expected) {
     const fs::path file = common::fileOf(module.findInSdk(sdkFunctions.front()));
-    if (auto missing = findMissingFunction(file, [&](const char* name) { return module.findInSdk(name); })) {
-        return *missing;
-    }
-    Finding finding{Verdict::good, "SDK library", file.string(), ""};
+    Finding finding = examineSdkFile(file); // on some systems, the module can be loaded without functions that it needs
+    if (finding.verdict == Verdict::wrong) return finding;
     const std::string simulation = module.simulation();
     if (!simulation.empty()) {
         finding = {Verdict::note, "SDK library", fmt::format("{}\nSIMULATED: {}", file.string(), simulation),
@@ -106,20 +98,16 @@ bool hasUnusablePath(const Module& module, const fs::path& file) {
 }
 
 Finding describeModule(const Module& module) {
-    const fs::path path = common::fileOf(reinterpret_cast<const void*>(module.create));
-    const std::string file = path.string();
-    if (hasUnusablePath(module, path)) {
-        return {
-            Verdict::note, "Module",
+    const fs::path file = common::fileOf(reinterpret_cast<const void*>(module.create));
+    if (module.getVersion(nullptr) != 0)
+        return {Verdict::good, "Module", fmt::format("{}\nversion {}", file.string(), module.version()), ""};
+    if (!hasUnusablePath(module, file))
+        return {Verdict::note, "Module", fmt::format("{}\nits version can't be read", file.string()), reinstallAdvice};
+    return {Verdict::note, "Module",
             fmt::format("{}\nno version and no log file: the path is too long, or has characters outside the system's "
                         "code page",
-                        file),
+                        file.string()),
             moveAdvice};
-    }
-    if (module.getVersion(nullptr) == 0) {
-        return {Verdict::note, "Module", fmt::format("{}\nits version can't be read", file), reinstallAdvice};
-    }
-    return {Verdict::good, "Module", fmt::format("{}\nversion {}", file, module.version()), ""};
 }
 
 /// Loads the module.
@@ -223,27 +211,13 @@ std::string indented(std::string text, std::size_t columns) {
     return text;
 }
 
-struct Mark {
-    const char* text;
-    fmt::terminal_color colour;
-};
-
-Mark markOf(Verdict verdict) {
-    switch (verdict) {
-    case Verdict::good:
-        return {"ok", fmt::terminal_color::green};
-    case Verdict::note:
-        return {"note", fmt::terminal_color::yellow};
-    default:
-        return {"WRONG", fmt::terminal_color::red};
-    }
-}
-
 std::string formatFinding(const Finding& finding, bool inColour) {
     constexpr std::size_t column = 20;
-    const Mark mark = markOf(finding.verdict);
-    const auto style = inColour ? fmt::fg(mark.colour) : fmt::text_style();
-    std::string text = fmt::format(style, "{:<6}", mark.text);
+    constexpr std::array<std::pair<const char*, fmt::terminal_color>, 3> marks{{{"ok", fmt::terminal_color::green},
+                                                                                {"note", fmt::terminal_color::yellow},
+                                                                                {"WRONG", fmt::terminal_color::red}}};
+    const auto& [mark, colour] = marks.at(static_cast<std::size_t>(finding.verdict));
+    std::string text = fmt::format(inColour ? fmt::fg(colour) : fmt::text_style(), "{:<6}", mark);
     text += fmt::format(" {:<12} {}\n", finding.subject, indented(finding.text, column));
     if (!finding.advice.empty()) text += fmt::format("{:{}}> {}\n", "", column, finding.advice);
     return text;

@@ -149,7 +149,7 @@ Finding describe(const Setting& setting, bool isAccessible) {
         return {Verdict::note, setting.name,
                 fmt::format("{}: line {} of {} has no effect", isDefault, *line, registryPlace()),
                 isAccessible ? fmt::format("write {} below [{}]", setting.example, path)
-                             : "make the settings readable first"};
+                             : "make the settings readable and writable first"};
     }
     return {Verdict::good, setting.name, fmt::format("{}, not set in {}", isDefault, path), ""};
 }
