@@ -15,9 +15,6 @@ extern const std::string lineEnd;
 
 extern const std::string programExtension;
 
-/// How far the size of a version resource's fixed part is before the fixed part.
-extern const std::size_t distanceFromValueLength;
-
 /// Sets or removes an environment variable. A change of TZ takes effect at once.
 void setVariable(const std::string& name, const std::optional<std::string>& value);
 

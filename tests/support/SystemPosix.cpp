@@ -1,8 +1,6 @@
-#include "platform/posix/VersionEntry.h"
 #include "tests/support/Support.h"
 #include "tests/support/System.h"
 
-#include <cstddef>
 #include <cstdlib>
 #include <random>
 #include <sstream>
@@ -14,7 +12,6 @@ namespace fs = std::filesystem;
 
 const std::string lineEnd = "\n";
 const std::string programExtension;
-const std::size_t distanceFromValueLength = offsetof(VersionEntry, value) - offsetof(VersionEntry, length);
 
 namespace {
 

@@ -11,7 +11,6 @@ namespace fs = std::filesystem;
 
 const std::string lineEnd = "\r\n";
 const std::string programExtension = ".exe";
-const std::size_t distanceFromValueLength = 38; // two more words, the name "VS_VERSION_INFO" and padding
 
 namespace {
 
