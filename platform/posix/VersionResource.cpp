@@ -8,40 +8,35 @@
 #include <cstring>
 #include <elf.h>
 #include <fstream>
-#include <string>
+#include <vector>
 
 namespace {
 
 constexpr std::size_t maxSize = 0x10000;
 
-/// Reads a record; all zero if the file is too short.
+/// Reads a number of records from a file; all zero where the file ends.
 template <class Record>
-Record readRecord(std::istream& file, std::uint64_t offset) {
-    Record record{};
-    file.seekg(static_cast<std::streamoff>(offset)).read(reinterpret_cast<char*>(&record), sizeof record);
-    return record;
-}
-
-std::string readBytes(std::istream& file, std::uint64_t offset, std::uint64_t size) {
-    std::string bytes(size, '\0');
-    file.seekg(static_cast<std::streamoff>(offset)).read(bytes.data(), static_cast<std::streamsize>(size));
-    return file ? bytes : "";
+std::vector<Record> readRecords(std::istream& file, std::uint64_t offset, std::size_t number) {
+    std::vector<Record> records(number);
+    const auto size = static_cast<std::streamsize>(number * sizeof(Record));
+    file.seekg(static_cast<std::streamoff>(offset)).read(reinterpret_cast<char*>(records.data()), size);
+    return records;
 }
 
 /// Returns the content of the section with the version resource, empty if the file has none.
-std::string readSection(const char* path) {
+std::vector<char> readSection(const char* path) {
     std::ifstream file(path, std::ios::binary);
-    const auto header = readRecord<Elf64_Ehdr>(file, 0);
+    const Elf64_Ehdr header = readRecords<Elf64_Ehdr>(file, 0, 1).front();
     if (std::memcmp(header.e_ident, ELFMAG, SELFMAG) != 0 || header.e_ident[EI_CLASS] != ELFCLASS64) return {};
-    const auto sectionAt = [&](unsigned index) {
-        return readRecord<Elf64_Shdr>(file, header.e_shoff + index * sizeof(Elf64_Shdr));
-    };
-    const std::uint64_t names = sectionAt(header.e_shstrndx).sh_offset;
-    for (unsigned i = 0; i < header.e_shnum; ++i) {
-        const Elf64_Shdr section = sectionAt(i);
-        const std::string name = readBytes(file, names + section.sh_name, sizeof SPM_VERSION_SECTION);
-        if (name.c_str() == std::string_view(SPM_VERSION_SECTION) && section.sh_size <= maxSize)
-            return readBytes(file, section.sh_offset, section.sh_size);
+    const auto sections = readRecords<Elf64_Shdr>(file, header.e_shoff, header.e_shnum);
+    if (header.e_shstrndx >= sections.size()) return {};
+    const std::vector<char> names = readRecords<char>(file, sections[header.e_shstrndx].sh_offset, maxSize);
+    file.clear(); // the names can be the file's last bytes
+    for (const Elf64_Shdr& section : sections) {
+        if (section.sh_name + sizeof SPM_VERSION_SECTION > names.size() || section.sh_size > maxSize) continue;
+        if (std::strcmp(&names[section.sh_name], SPM_VERSION_SECTION) != 0) continue;
+        auto content = readRecords<char>(file, section.sh_offset, section.sh_size);
+        return file ? content : std::vector<char>();
     }
     return {};
 }
@@ -49,12 +44,12 @@ std::string readSection(const char* path) {
 } // namespace
 
 DWORD GetFileVersionInfoSizeA(const char* path, DWORD* /*ignored*/) {
-    const std::string section = readSection(path);
+    const std::vector<char> section = readSection(path);
     return section.empty() ? 0 : static_cast<DWORD>(section.size() + sizeof(VersionEntry));
 }
 
 BOOL GetFileVersionInfoA(const char* path, DWORD /*ignored*/, DWORD size, void* block) {
-    const std::string section = readSection(path);
+    const std::vector<char> section = readSection(path);
     if (section.empty() || size < section.size() + sizeof(VersionEntry)) return FALSE;
     std::memset(block, 0, size);
     std::memcpy(block, section.data(), section.size());
