@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <type_traits>
 
 namespace simulator {
 
@@ -9,8 +10,7 @@ namespace {
 
 using enum Parameter;
 
-constexpr std::array<const char*, numberOfParameters> parameterNames{"device", "key",  "value",  "list",  "count",
-                                                                     "buffer", "size", "values", "sample"};
+constexpr std::array parameterNames{"device", "key", "value", "list", "count", "buffer", "size", "values", "sample"};
 
 template <Parameter... parameters>
 constexpr std::array parametersOf{parameters...};
@@ -33,46 +33,30 @@ const char* nameOf(Parameter parameter) {
     return parameterNames.at(static_cast<std::size_t>(parameter));
 }
 
-bool hasParameter(Function function, Parameter parameter) {
-    return std::ranges::count(signatureOf(function).parameters, parameter) > 0;
-}
-
 std::size_t numberOfValues(Function function) {
     if (function == Function::GetTriStimulus) return 3;
     return function == Function::GetSpectrum ? I1PRO3_NUMBER_OF_REFLECTIONS : 0;
 }
 
-std::optional<Parameter> Call::nullArgument() const {
-    const auto& parameters = signatureOf(function).parameters;
-    const auto found = std::ranges::find_if(parameters, [this](Parameter parameter) { return isNull(parameter); });
-    return found != parameters.end() ? std::optional(*found) : std::nullopt;
-}
-
 std::optional<std::string> Call::textOf(Parameter parameter) const {
     if (isNull(parameter)) return "null";
-    switch (parameter) {
-    case Parameter::device:
-        return device;
-    case Parameter::key:
-        return key;
-    case Parameter::value:
-        return value;
-    case Parameter::size:
-        return std::to_string(size);
-    case Parameter::sample:
-        return std::to_string(sample);
-    default:
-        return std::nullopt;
-    }
+    std::optional<std::string> text;
+    visitArgument(*this, parameter, [&](const auto& member) {
+        if constexpr (std::is_arithmetic_v<std::decay_t<decltype(member)>>) {
+            text = std::to_string(member);
+        } else {
+            text = member;
+        }
+    });
+    return text;
 }
 
-bool Call::hasArgument(const std::string& text) const {
-    const auto isText = [&](Parameter parameter) { return textOf(parameter) == text; };
-    return std::ranges::any_of(signatureOf(function).parameters, isText);
-}
-
-std::uint32_t Call::bufferSize() const {
-    return isNull(Parameter::buffer) ? 0 : size;
+Answer textAnswer(const Call& call, const std::string& text) {
+    const auto needed = static_cast<std::uint32_t>(text.size() + 1);
+    if (call.bufferSize() >= needed) return {.text = text};
+    Answer answer = SdkError(SdkError::bufferTooSmall, "The buffer is too small").answer(call);
+    answer.size = needed;
+    return answer;
 }
 
 void writeOutputs(const Answer& answer, const Outputs& outputs) {
@@ -83,6 +67,19 @@ void writeOutputs(const Answer& answer, const Outputs& outputs) {
     if (answer.size && outputs.size != nullptr) *outputs.size = *answer.size;
     if (answer.count && outputs.count != nullptr) *outputs.count = *answer.count;
     if (outputs.values != nullptr) std::ranges::copy(answer.values, outputs.values);
+}
+
+Answer SdkError::answer(const Call& call) const {
+    const bool isCount = call.function == Function::GetNumberOfAvailableSamples;
+    return {.result = isCount ? -code : code, .error = LastError{what(), std::to_string(code)}};
+}
+
+Answer SdkError::persistentAnswer(const Call& call) const {
+    const Answer failed = answer(call);
+    if (call.function != Function::GetGlobalOption) return failed;
+    if (call.key == "LastErrorText") return textAnswer(call, failed.error->text);
+    if (call.key == "LastErrorNumber") return textAnswer(call, failed.error->number);
+    return failed;
 }
 
 } // namespace simulator

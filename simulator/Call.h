@@ -7,11 +7,10 @@
 #include <bitset>
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <optional>
 #include <span>
+#include <stdexcept>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace simulator {
@@ -26,8 +25,6 @@ enum class Function : std::uint8_t {
 /// The parameters, named as in the SDK.
 enum class Parameter : std::uint8_t { device, key, value, list, count, buffer, size, values, sample };
 
-constexpr std::size_t numberOfParameters = 9;
-
 struct Signature {
     const char* name;
     /// In the order of the call.
@@ -39,7 +36,6 @@ extern const std::span<const Signature> signatures;
 
 const Signature& signatureOf(Function function);
 const char* nameOf(Parameter parameter);
-bool hasParameter(Function function, Parameter parameter);
 /// The number of floats that a function writes to its out-parameter "values".
 std::size_t numberOfValues(Function function);
 
@@ -47,14 +43,10 @@ std::size_t numberOfValues(Function function);
 struct Call {
     bool isNull(Parameter parameter) const { return nulls[static_cast<std::size_t>(parameter)]; }
     void setNull(Parameter parameter) { nulls.set(static_cast<std::size_t>(parameter)); }
-    /// The first argument that is a null pointer, if any.
-    std::optional<Parameter> nullArgument() const;
     /// An argument as a text, "null" for a null pointer; nullopt if it is a pointer to an output.
     std::optional<std::string> textOf(Parameter parameter) const;
-    /// Whether any argument is this text.
-    bool hasArgument(const std::string& text) const;
     /// The size of the text buffer in bytes; 0 if there is none.
-    std::uint32_t bufferSize() const;
+    std::uint32_t bufferSize() const { return isNull(Parameter::buffer) ? 0 : size; }
 
     bool operator==(const Call&) const = default;
 
@@ -66,8 +58,18 @@ struct Call {
     /// What the size variable contains.
     std::uint32_t size = 0;
     std::int32_t sample = 0;
-    std::bitset<numberOfParameters> nulls{};
+    std::bitset<9> nulls{};
 };
+
+/// Passes the member that holds an argument to a visitor; a pointer to an output has none.
+template <class AnyCall, class Visitor>
+void visitArgument(AnyCall& call, Parameter parameter, Visitor visit) {
+    if (parameter == Parameter::device) visit(call.device);
+    if (parameter == Parameter::key) visit(call.key);
+    if (parameter == Parameter::value) visit(call.value);
+    if (parameter == Parameter::size) visit(call.size);
+    if (parameter == Parameter::sample) visit(call.sample);
+}
 
 /// The host's out-parameters; null if the host passed a null pointer or the function doesn't have the parameter.
 struct Outputs {
@@ -77,9 +79,6 @@ struct Outputs {
     std::uint32_t* size = nullptr;
     float* values = nullptr;
 };
-
-/// Calls the function at this address with the host's arguments.
-using Forward = std::function<std::int32_t(void* address)>;
 
 /// The values of "LastErrorText" and "LastErrorNumber".
 struct LastError {
@@ -106,15 +105,42 @@ struct Answer {
     std::optional<LastError> error{};
 };
 
+/// Returns a text in the call's buffer. If the buffer is too small, the answer is a failure with the required size.
+Answer textAnswer(const Call& call, const std::string& text);
+
 /// Writes an answer's outputs, except the list of devices. Truncates the text to the buffer's size.
 void writeOutputs(const Answer& answer, const Outputs& outputs);
 
-// Functions.cpp calls these two; the simulated SDK library and the recorder each define them.
+/// A failure of the simulated library or of the recorder itself; what() is its "LastErrorText".
+class SdkError : public std::runtime_error {
+public:
+    /// The functions' results when they fail.
+    enum Code : std::int32_t {
+        invalidDevice = 1,
+        deviceNotOpen = 2,
+        unknownOption = 3,
+        invalidValue = 4,
+        bufferTooSmall = 5,
+        invalidArgument = 6,
+        noSample = 7,
+        unplugged = 8,
+        invalidSetup = 9,
+        replayMismatch = 10,
+        notCalibrated = I1PRO3_NOT_CALIBRATED,
+    };
 
-/// The name for Call::device; "unknown" if the handle is invalid.
-std::string nameOf(I1PRO3_DeviceHandle device);
+    SdkError(Code errorCode, const std::string& text) : std::runtime_error(text), code(errorCode) {}
 
-/// Executes a host's call and returns the function's result.
-std::int32_t perform(const Call& call, const Outputs& outputs, const Forward& forward);
+    /// The answer to a call that fails with this error. I1PRO3_GetNumberOfAvailableSamples, whose positive results are
+    /// counts, returns the negated code.
+    Answer answer(const Call& call) const;
+
+    /// The answer to any call while this error persists: calls that ask for the last error get this one, all others
+    /// fail with it.
+    Answer persistentAnswer(const Call& call) const;
+
+private:
+    Code code;
+};
 
 } // namespace simulator

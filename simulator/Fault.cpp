@@ -1,32 +1,35 @@
 #include "simulator/Fault.h"
 
+#include <algorithm>
+
 namespace simulator {
 
 bool Fault::countAndTest(const Call& made) {
     if (function && function != made.function) return false;
-    if (!key.empty() && !made.hasArgument(key)) return false;
+    const auto isKey = [&](Parameter parameter) { return made.textOf(parameter) == key; };
+    if (!key.empty() && std::ranges::none_of(signatureOf(made.function).parameters, isKey)) return false;
     ++matches;
     return matches >= call && (!times || matches - call < *times);
 }
 
 Answer Fault::answerTo(const Call& made) const {
-    if (answer.exception) return {.exception = answer.exception, .isForeign = answer.isForeign};
-    Answer adapted = answer;
-    if (answer.result != 0) {
-        adapted.error = {errorText.value_or(std::string("Simulated failure of ") + signatureOf(made.function).name),
-                         errorNumber.value_or(std::to_string(answer.result))};
+    if (exception) return {.exception = exception, .isForeign = foreign};
+    Answer answer{.result = result};
+    const Signature& signature = signatureOf(made.function);
+    if (result != 0) {
+        answer.error = {text.value_or(std::string("Simulated failure of ") + signature.name),
+                        number.value_or(std::to_string(result))};
     }
-    if (made.function == Function::GetDevices && answer.size) {
-        adapted.count = answer.size;
-        adapted.devices.emplace();
+    if (std::ranges::count(signature.parameters, Parameter::size) > 0) answer.size = size;
+    if (size && made.function == Function::GetDevices) {
+        answer.count = size;
+        answer.devices.emplace();
     }
-    if (!hasParameter(made.function, Parameter::size)) adapted.size.reset();
-    if (made.bufferSize() == 0) adapted.text.reset();
-    if (adapted.text) {
-        adapted.text = adapted.text->substr(0, made.bufferSize());
-        adapted.isTerminated = false;
+    if (output && made.bufferSize() > 0) {
+        answer.text = output->substr(0, made.bufferSize());
+        answer.isTerminated = false;
     }
-    return adapted;
+    return answer;
 }
 
 } // namespace simulator

@@ -24,11 +24,16 @@ struct Fault {
 
     /// Unplugs the instruments (true) or plugs them in again (false), and leaves the answer to them.
     std::optional<bool> unplug{};
-    /// For I1PRO3_GetDevices, the size is the device count. The text is not NUL-terminated.
-    Answer answer{};
+    std::int32_t result = 0;
     /// "LastErrorText" and "LastErrorNumber" if the result is not 0.
-    std::optional<std::string> errorText{};
-    std::optional<std::string> errorNumber{};
+    std::optional<std::string> text{};
+    std::optional<std::string> number{};
+    /// Written to the text buffer without a NUL.
+    std::optional<std::string> output{};
+    /// For I1PRO3_GetDevices, the device count.
+    std::optional<std::uint32_t> size{};
+    std::optional<std::string> exception{};
+    bool foreign = false;
 
     /// The number of matching calls so far.
     std::uint32_t matches = 0;

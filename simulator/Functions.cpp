@@ -1,9 +1,10 @@
-// The SDK library's exported functions. Each packs its arguments into a Call and passes it to perform(), so that the
-// simulator and the recorder share them.
+// The functions that the simulated SDK library and the recorder export. Each of the SDK's packs its arguments into a
+// Call, which is all that the two see of it.
 
-#include "simulator/Call.h"
+#include "simulator/I1PRO3_Simulator.h"
+#include "simulator/Library.h"
 
-#include <cstdint>
+#include <mutex>
 #include <type_traits>
 
 using simulator::Function;
@@ -11,21 +12,24 @@ using simulator::Parameter;
 
 namespace {
 
+simulator::Library* theLibrary = nullptr;
+std::once_flag isCreated;
+
+[[gnu::destructor]] void unload() {
+    delete theLibrary;
+}
+
 /// Stores the arguments that are not null.
 struct Packer {
-    void store(Parameter, I1PRO3_DeviceHandle device) { call.device = simulator::nameOf(device); }
+    void store(Parameter, I1PRO3_DeviceHandle device) { call.device = simulator::library().nameOf(device); }
     void store(Parameter parameter, const char* text) { (parameter == Parameter::key ? call.key : call.value) = text; }
     void store(Parameter, std::int32_t sample) { call.sample = sample; }
     void store(Parameter, I1PRO3_DeviceHandle** list) { outputs.list = list; }
     void store(Parameter, char* buffer) { outputs.buffer = buffer; }
     void store(Parameter, float* values) { outputs.values = values; }
     void store(Parameter parameter, std::uint32_t* number) {
-        if (parameter == Parameter::count) {
-            outputs.count = number;
-        } else {
-            outputs.size = number;
-            call.size = *number;
-        }
+        (parameter == Parameter::count ? outputs.count : outputs.size) = number;
+        if (parameter == Parameter::size) call.size = *number;
     }
 
     template <class Argument>
@@ -45,12 +49,23 @@ std::int32_t perform(Function function, Arguments... arguments) {
     Packer packer{{.function = function}};
     auto parameter = simulator::signatureOf(function).parameters.begin();
     (packer.pack(*parameter++, arguments), ...);
-    return simulator::perform(packer.call, packer.outputs, [=](void* address) {
+    return simulator::library().perform(packer.call, packer.outputs, [=](void* address) {
         return reinterpret_cast<std::int32_t (*)(Arguments...)>(address)(arguments...);
     });
 }
 
 } // namespace
+
+/// A static object would be destroyed too early: static objects of the host may still call the library from their
+/// destructors.
+simulator::Library& simulator::library() {
+    std::call_once(isCreated, [] { theLibrary = createLibrary().release(); });
+    return *theLibrary;
+}
+
+const char* I1PRO3_SimulatorDescription() {
+    return simulator::library().description();
+}
 
 #define SDK_FUNCTION(name, declaration, ...)                                                                           \
     std::int32_t I1PRO3_##name declaration {                                                                           \

@@ -1,7 +1,6 @@
 #include "simulator/Instrument.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <limits>
 #include <random>
@@ -36,7 +35,7 @@ std::optional<std::int32_t> parseCount(const std::string& text) {
 
 bool accepts(const WritableOption& option, const std::string& value) {
     if (option.values[0].empty()) return parseCount(value).has_value();
-    return !value.empty() && std::find(option.values.begin(), option.values.end(), value) != option.values.end();
+    return !value.empty() && std::ranges::count(option.values, value) > 0;
 }
 
 /// An approximately normal deviate with mean 0 and standard deviation 1: the sum of twelve uniform ones (Irwin-Hall).
@@ -50,77 +49,83 @@ double normalDeviate(std::mt19937_64& engine) {
     return sum;
 }
 
-std::string quoted(const std::string& text) {
-    return '"' + text + '"';
-}
-
 } // namespace
 
-void Instrument::requireOpen() const {
-    if (!isOpen) throw SdkError(SdkError::Code::deviceNotOpen, "The device " + serial + " is not open");
+Answer Instrument::answer(const Call& call) {
+    if (call.function == Function::GetConnectionStatus) return {};
+    if (call.function == Function::OpenDevice || call.function == Function::CloseDevice) {
+        close();
+        session.isOpen = call.function == Function::OpenDevice;
+        return {};
+    }
+    if (!session.isOpen) throw SdkError(SdkError::deviceNotOpen, "The device " + serial + " is not open");
+    return answerOpen(call);
 }
 
-void Instrument::open() {
-    close();
-    isOpen = true;
+Answer Instrument::answerOpen(const Call& call) {
+    switch (call.function) {
+    case Function::SetOption:
+        setOption(call.key, call.value);
+        return {};
+    case Function::GetOption:
+        return textAnswer(call, option(call.key));
+    case Function::GetButtonStatusD:
+        return {.result = isButtonPressed() ? 0 : I1PRO3_BUTTON_NOT_PRESSED};
+    case Function::Calibrate:
+        session.isCalibrated = true;
+        return {};
+    case Function::TriggerMeasurement:
+        trigger();
+        return {};
+    case Function::GetNumberOfAvailableSamples:
+        return {.result = session.samples}; // a script can make it negative
+    default:
+        return readSample(call);
+    }
 }
 
 void Instrument::close() {
-    isOpen = false;
-    isCalibrated = false;
-    options.clear();
-    polls = 0;
+    session = {};
     moveOn();
-    samples = 0;
 }
 
 void Instrument::setOption(const std::string& key, const std::string& value) {
-    requireOpen();
-    const auto* const writable = std::find_if(writableOptions.begin(), writableOptions.end(),
-                                              [&](const WritableOption& option) { return option.key == key; });
+    const auto* const writable = std::ranges::find(writableOptions, key, &WritableOption::key);
     if (writable == writableOptions.end()) {
-        throw SdkError(SdkError::Code::unknownOption, "There is no option " + quoted(key) + " to set");
+        throw SdkError(SdkError::unknownOption, "There is no option \"" + key + "\" to set");
     }
     if (!accepts(*writable, value)) {
-        throw SdkError(SdkError::Code::invalidValue, "The option " + quoted(key) + " can't be " + quoted(value));
+        throw SdkError(SdkError::invalidValue, "The option \"" + key + "\" can't be \"" + value + '"');
     }
-    options[key] = value;
+    session.options[key] = value;
 }
 
 std::string Instrument::option(const std::string& key) const {
-    requireOpen();
     if (key == "AvailableIlluminationsKey") return "UVIncluded;UVExcluded";
     if (key == "SerialNumber") return serial;
-    const auto found = options.find(key);
-    if (found == options.end())
-        throw SdkError(SdkError::Code::unknownOption, "The option " + quoted(key) + " is not set");
+    const auto found = session.options.find(key);
+    if (found == session.options.end())
+        throw SdkError(SdkError::unknownOption, "The option \"" + key + "\" is not set");
     return found->second;
 }
 
 bool Instrument::isButtonPressed() {
-    requireOpen();
-    if (script.button.never || isPressUsed) return false;
+    if (script.button.never || session.isPressUsed) return false;
     const auto now = std::chrono::steady_clock::now();
-    if (polls == 0) firstPoll = now;
-    if (polls < script.button.polls || now - firstPoll < script.button.time) {
-        ++polls;
+    if (session.polls == 0) session.firstPoll = now;
+    if (session.polls < script.button.polls || now - session.firstPoll < script.button.time) {
+        ++session.polls;
         return false;
     }
-    polls = 0;
-    isPressUsed = script.button.oncePerMeasurement;
+    session.polls = 0;
+    session.isPressUsed = script.button.oncePerMeasurement;
     return true;
 }
 
-void Instrument::calibrate() {
-    requireOpen();
-    isCalibrated = true;
-}
-
 void Instrument::trigger() {
-    requireOpen();
-    if (!isCalibrated) throw SdkError(SdkError::Code::notCalibrated, "The device " + serial + " is not calibrated");
-    samples = option("MeasurementMode") == "ReflectanceScan" ? samplesPerScan() : 1;
-    wasRead = false;
+    if (!session.isCalibrated) throw SdkError(SdkError::notCalibrated, "The device " + serial + " is not calibrated");
+    session.samples = option("MeasurementMode") == "ReflectanceScan" ? samplesPerScan() : 1;
+    session.wasRead = false;
     ++measurements;
 }
 
@@ -129,29 +134,23 @@ void Instrument::moveOn() {
     strip = {.begin = (strip.begin + static_cast<std::size_t>(strip.samples)) % script.chart.size()};
 }
 
-/// Called for each sample that is read: the first one decides whether the measurement is of the last strip again.
-void Instrument::findStrip(Quantity quantity) {
-    const bool isOther = strip.firstQuantity && strip.firstQuantity != quantity;
-    if (!wasRead) {
-        const bool isAgain = isOther && !strip.isComplete && strip.samples == samples;
+/// Called for each sample that is read. The first one of a measurement decides whether it is of the last strip again:
+/// if only the other function read that one, and from as many samples.
+void Instrument::findStrip(Function reader) {
+    if (!session.wasRead) {
+        const bool isAgain =
+            strip.readers.size() == 1 && !strip.readers.contains(reader) && strip.samples == session.samples;
         if (!isAgain) moveOn();
-        strip.samples = samples;
-        wasRead = true;
+        strip.samples = session.samples;
+        session.wasRead = true;
     }
-    if (!strip.firstQuantity) strip.firstQuantity = quantity;
-    if (strip.firstQuantity != quantity) strip.isComplete = true;
+    strip.readers.insert(reader);
 }
 
 std::int32_t Instrument::samplesPerScan() const {
     if (script.samples.count) return *script.samples.count;
-    const std::int64_t requested = parseCount(option("PatchesPerLine")).value_or(0);
-    constexpr std::int64_t maximum = std::numeric_limits<std::int32_t>::max();
-    return static_cast<std::int32_t>(std::min(requested + script.samples.more, maximum));
-}
-
-std::int32_t Instrument::numberOfSamples() const {
-    requireOpen();
-    return samples;
+    const std::int64_t found = std::int64_t{parseCount(option("PatchesPerLine")).value_or(0)} + script.samples.more;
+    return static_cast<std::int32_t>(std::min<std::int64_t>(found, std::numeric_limits<std::int32_t>::max()));
 }
 
 Reflectance Instrument::reflectanceOf(std::int32_t sample) const {
@@ -163,20 +162,21 @@ Reflectance Instrument::reflectanceOf(std::int32_t sample) const {
     return tile;
 }
 
-Reflectance Instrument::readSample(std::int32_t sample, Quantity quantity) {
-    requireOpen();
-    if (sample < 0 || sample >= samples) {
-        throw SdkError(SdkError::Code::noSample, "There is no sample " + std::to_string(sample) +
-                                                     "; the number of samples is " + std::to_string(samples));
+Answer Instrument::readSample(const Call& call) {
+    if (call.sample < 0 || call.sample >= session.samples) {
+        throw SdkError(SdkError::noSample, "There is no sample " + std::to_string(call.sample) +
+                                               "; the number of samples is " + std::to_string(session.samples));
     }
-    findStrip(quantity);
-    std::seed_seq seed{1U, index, measurements, static_cast<std::uint32_t>(sample)};
+    findStrip(call.function);
+    std::seed_seq seed{1U, index, measurements, static_cast<std::uint32_t>(call.sample)};
     std::mt19937_64 engine(seed);
-    Reflectance measured = reflectanceOf(sample);
+    Reflectance measured = reflectanceOf(call.sample);
     for (double& factor : measured) {
         factor += script.noise * normalDeviate(engine);
     }
-    return measured;
+    if (call.function == Function::GetSpectrum) return {.values = {measured.begin(), measured.end()}};
+    const common::Triple lab = cieLab(measured);
+    return {.values = {lab.begin(), lab.end()}};
 }
 
 } // namespace simulator

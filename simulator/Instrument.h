@@ -1,25 +1,18 @@
 #pragma once
 
+#include "simulator/Call.h"
 #include "simulator/Chart.h"
 #include "simulator/Script.h"
-#include "simulator/SdkError.h"
 
 #include <chrono>
-#include <cstdint>
 #include <map>
-#include <optional>
-#include <string>
+#include <set>
 #include <utility>
 
 namespace simulator {
 
-/// What a host reads of a sample.
-enum class Quantity : std::uint8_t { lab, spectrum };
-
-/// A simulated instrument. It moves over the chart in reading order and starts again after the last patch. A
-/// measurement is of the same patches as the one before if that was never read, or if the host reads the patches first
-/// in one quantity and then, from as many samples, in the other one. A sample is the patch's reflectance plus
-/// pseudo-random noise that repeats in every run.
+/// A simulated instrument. It moves over the chart in reading order and starts again after the last patch. A sample is
+/// the patch's reflectance plus pseudo-random noise that repeats in every run.
 class Instrument {
 public:
     /// @param instrumentIndex  makes the noise differ between instruments
@@ -29,53 +22,53 @@ public:
 
     const std::string& name() const { return serial; }
 
-    // These throw SdkError.
+    /// Answers a call of a function with a device.
+    /// @throws SdkError
+    Answer answer(const Call& call);
 
-    void open();
     void close();
-    void setOption(const std::string& key, const std::string& value);
-    std::string option(const std::string& key) const;
-    bool isButtonPressed();
-    void calibrate();
-    void trigger();
-    /// The number of samples of the last measurement; a script can make it negative.
-    std::int32_t numberOfSamples() const;
-    Reflectance readSample(std::int32_t sample, Quantity quantity);
 
     /// Allows the next button press; matters only if the script sets "once per measurement".
-    void rearmButton() { isPressUsed = false; }
+    void rearmButton() { session.isPressUsed = false; }
 
 private:
-    /// Consecutive patches of the chart that were measured and read, perhaps twice.
+    /// Consecutive patches of the chart, and the functions that read them, perhaps from two measurements.
     struct Strip {
         std::size_t begin = 0;
         std::int32_t samples = 0;
-        std::optional<Quantity> firstQuantity{};
-        /// Whether the patches were read in both quantities.
-        bool isComplete = false;
+        std::set<Function> readers{};
     };
 
-    void requireOpen() const;
+    /// What closing the instrument resets.
+    struct Session {
+        bool isOpen = false;
+        bool isCalibrated = false;
+        std::map<std::string, std::string> options{};
+        /// The polls since the last press, which found the button released.
+        std::uint32_t polls = 0;
+        std::chrono::steady_clock::time_point firstPoll{};
+        bool isPressUsed = false;
+        /// The number of samples of the last measurement, and whether any was read.
+        std::int32_t samples = 0;
+        bool wasRead = false;
+    };
+
+    Answer answerOpen(const Call& call);
+    void setOption(const std::string& key, const std::string& value);
+    std::string option(const std::string& key) const;
+    bool isButtonPressed();
+    void trigger();
     void moveOn();
-    void findStrip(Quantity quantity);
+    void findStrip(Function reader);
     std::int32_t samplesPerScan() const;
     Reflectance reflectanceOf(std::int32_t sample) const;
+    Answer readSample(const Call& call);
 
     std::string serial;
     std::uint32_t index;
     const Script& script;
-    bool isOpen = false;
-    bool isCalibrated = false;
-    std::map<std::string, std::string> options;
-    /// The polls since the last press, which found the button released.
-    std::uint32_t polls = 0;
-    std::chrono::steady_clock::time_point firstPoll;
-    bool isPressUsed = false;
-
+    Session session;
     std::uint32_t measurements = 0;
-    /// The number of samples of the last measurement, and whether any was read.
-    std::int32_t samples = 0;
-    bool wasRead = false;
     /// The last one that was read.
     Strip strip;
 };

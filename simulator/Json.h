@@ -4,22 +4,16 @@
 // value: "/faults/1/result: type must be number, but is string". Only the sources that read and write files include
 // this header, since the JSON library takes seconds to compile.
 
-#include "common/Text.h"
 #include "simulator/Call.h"
 
-#include <algorithm>
 #include <array>
-#include <cstddef>
-#include <cstdint>
+#include <charconv>
+#include <concepts>
 #include <fmt/format.h>
-#include <iterator>
 #include <limits>
 #include <nlohmann/json.hpp>
-#include <stdexcept>
-#include <string>
 #include <string_view>
-#include <type_traits>
-#include <vector>
+#include <system_error>
 
 namespace simulator {
 
@@ -41,41 +35,17 @@ inline std::runtime_error errorIn(const std::string& place, const Json::exceptio
     return std::runtime_error{place + ": " + what};
 }
 
-/// Parses JSON with comments.
-/// @param firstLine  the text's first line in the file, for error messages
-/// @throws std::runtime_error  with the line of the syntax error
-inline Json parseJson(const std::string& fileName, const std::string& text, std::size_t firstLine = 1) try {
-    return Json::parse(text, nullptr, true, true);
-} catch (const Json::parse_error& error) {
-    const auto read = static_cast<std::ptrdiff_t>(std::min(error.byte, text.size() + 1)) - 1;
-    const auto line = firstLine + static_cast<std::size_t>(std::count(text.begin(), text.begin() + read, '\n'));
-    const std::string what = error.what();
-    throw std::runtime_error(fmt::format("{}, line {}: {}", fileName, line, what.substr(what.find(": ") + 2)));
-} catch (const Json::exception& error) {
-    throw errorIn(fileName, error);
-}
-
-inline void requireType(const Json& json, const Json& example) {
-    if (json.type() == example.type()) return;
-    throw ValueError(json, fmt::format("type must be {}, but is {}", example.type_name(), json.type_name()));
-}
-
-/// An array's elements, or an object's members.
-/// @throws Json::exception  if the value has another type
-inline const Json::array_t& elementsOf(const Json& json) {
-    requireType(json, Json::array());
-    return json.get_ref<const Json::array_t&>();
-}
-
-inline const Json::object_t& membersOf(const Json& json) {
-    requireType(json, Json::object());
-    return json.get_ref<const Json::object_t&>();
+/// Returns the array or object if it is one, for a loop over its elements.
+/// @throws Json::exception
+inline const Json& requireType(const Json& json, Json::value_t type) {
+    if (json.type() == type) return json;
+    throw ValueError(json, fmt::format("type must be {}, but is {}", Json(type).type_name(), json.type_name()));
 }
 
 /// @throws Json::exception  if the value isn't a number in this range, or not a whole number for an integer type
 template <class Number>
 Number numberIn(const Json& json, Number minimum, Number maximum) {
-    constexpr bool isWhole = std::is_integral_v<Number>;
+    constexpr bool isWhole = std::integral<Number>;
     const auto number = json.get<double>();
     if ((isWhole && !json.is_number_integer()) || number < minimum || number > maximum) {
         throw ValueError(
@@ -84,42 +54,72 @@ Number numberIn(const Json& json, Number minimum, Number maximum) {
     return static_cast<Number>(number);
 }
 
-/// @throws Json::exception  if the value isn't a whole number in the range of this type
-template <class Integer>
-Integer integerIn(const Json& json) {
-    using Limits = std::numeric_limits<Integer>;
-    return numberIn(json, Limits::min(), Limits::max());
+/// Finds the entry of a table that has a name.
+/// @param kind   what the table contains, for the error message
+/// @param place  the JSON value that the error message points to
+template <class Table>
+auto findNamed(const Table& table, std::string_view name, const char* kind, const Json& place) {
+    std::string known;
+    for (auto entry = table.begin(); entry != table.end(); ++entry) {
+        if (entry->name == name) return entry;
+        known += fmt::format("{}{}", known.empty() ? "" : ", ", entry->name);
+    }
+    throw ValueError(place, fmt::format("unknown {} \"{}\"; expected one of {}", kind, name, known));
 }
 
-/// A string as JSON: a JSON string if it is UTF-8, otherwise an array of its bytes.
-inline Json jsonOf(const std::string& text) {
-    if (common::findInvalidUtf8(text) == text.size()) return text;
-    return std::vector<std::uint8_t>(text.begin(), text.end());
+inline Function functionNamed(const std::string& name, const Json& place) {
+    return static_cast<Function>(findNamed(signatures, name, "function", place) - signatures.begin());
 }
 
-/// Converts what jsonOf returned back to a string.
-inline std::string textOf(const Json& json) {
-    if (!json.is_array()) return json.get<std::string>();
-    std::string text;
+// Each of these reads a value into a variable. They throw Json::exception if it has another type or range.
+
+inline void read(const Json& json, bool& value) {
+    value = json.get<bool>();
+}
+
+template <std::integral Integer>
+void read(const Json& json, Integer& number) {
+    number = numberIn(json, std::numeric_limits<Integer>::min(), std::numeric_limits<Integer>::max());
+}
+
+/// Reads a string, or an array of bytes for one that is not UTF-8.
+inline void read(const Json& json, std::string& text) {
+    if (!json.is_array()) {
+        text = json.get<std::string>();
+        return;
+    }
+    text.clear();
     for (const Json& byte : json) {
         text.push_back(static_cast<char>(numberIn(byte, 0, 255)));
     }
-    return text;
 }
 
-/// The function with this name.
-/// @param place  the JSON value that an error message points to
-inline Function functionNamed(const std::string& name, const Json& place) {
-    std::vector<std::string> names;
-    for (const Signature& signature : signatures) {
-        if (signature.name == name) return static_cast<Function>(names.size());
-        names.emplace_back(signature.name);
+/// Reads a number, or a string for one that is not finite.
+inline void read(const Json& json, float& value) {
+    if (!json.is_string()) {
+        value = json.get<float>();
+        return;
     }
-    throw ValueError(place, fmt::format("unknown function \"{}\"; expected one of {}", name, fmt::join(names, ", ")));
+    const auto& text = json.get_ref<const std::string&>();
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (error != std::errc{}) throw ValueError(json, R"(must be a number, "inf", "-inf" or "nan")");
 }
 
-inline Function functionNamed(const Json& json) {
-    return functionNamed(json.get<std::string>(), json);
+inline void read(const Json& json, Function& function) {
+    function = functionNamed(json.get<std::string>(), json);
+}
+
+template <class Value>
+void read(const Json& json, std::vector<Value>& values) {
+    values.clear();
+    for (const Json& element : requireType(json, Json::value_t::array)) {
+        read(element, values.emplace_back());
+    }
+}
+
+template <class Value>
+void read(const Json& json, std::optional<Value>& value) {
+    read(json, value.emplace());
 }
 
 /// An optional member of a JSON object, and the function that reads it into the target.
@@ -129,19 +129,22 @@ struct Field {
     void (*read)(const Json&, Target&);
 };
 
+/// A function for Field that reads into a member of the target.
+template <auto member, class Target>
+void readInto(const Json& json, Target& target) {
+    read(json, target.*member);
+}
+
 /// Reads an object's members into a target.
 /// @throws Json::exception  if a member is unknown or invalid
 template <class Target, std::size_t size>
 void readMembers(const Json& object, const std::array<Field<Target>, size>& fields, Target& target) {
-    for (const auto& [key, member] : membersOf(object)) {
-        const auto field = std::ranges::find(fields, key, &Field<Target>::name);
-        if (field == fields.end()) {
-            std::vector<std::string_view> names;
-            std::ranges::transform(fields, std::back_inserter(names), &Field<Target>::name);
-            throw ValueError(object,
-                             fmt::format("unknown key \"{}\"; expected one of {}", key, fmt::join(names, ", ")));
+    for (const auto& [key, member] : requireType(object, Json::value_t::object).items()) {
+        try {
+            findNamed(fields, key, "key", object)->read(member, target);
+        } catch (const std::runtime_error& error) { // of a file that the member names
+            throw ValueError(member, error.what());
         }
-        field->read(member, target);
     }
 }
 

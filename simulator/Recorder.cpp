@@ -3,21 +3,15 @@
 
 #include "common/Environment.h"
 #include "common/SharedLibrary.h"
-#include "simulator/I1PRO3_Simulator.h"
-#include "simulator/SdkError.h"
+#include "simulator/Library.h"
 #include "simulator/Trace.h"
 
 #include <chrono>
 #include <cstring>
-#include <exception>
 #include <filesystem>
 #include <map>
 #include <mutex>
-#include <optional>
-#include <stdexcept>
-#include <string>
 #include <system_error>
-#include <vector>
 
 namespace simulator {
 
@@ -28,42 +22,14 @@ using Description = const char*();
 constexpr const char* libraryVariable = "I1PRO3_RECORDER_SDK";
 constexpr const char* traceVariable = "I1PRO3_RECORDER_TRACE";
 
-/// The real library.
-class RecordedLibrary {
-public:
-    /// @throws std::runtime_error  if it can't be loaded or is not an SDK library
-    explicit RecordedLibrary(const std::filesystem::path& file) : library(file) {
-        for (const Signature& signature : signatures) {
-            void* const address = library.find(signature.name);
-            if (address == nullptr) {
-                throw std::runtime_error(file.string() + " is not an SDK library: it has no " + signature.name);
-            }
-            addresses.push_back(address);
-        }
-    }
-
-    void* addressOf(Function function) const { return addresses[static_cast<std::size_t>(function)]; }
-
-    /// Its I1PRO3_SimulatorDescription; null if it isn't a simulation.
-    const char* description() const {
-        auto* const describe = reinterpret_cast<Description*>(library.find("I1PRO3_SimulatorDescription"));
-        return describe != nullptr ? describe() : nullptr;
-    }
-
-private:
-    common::SharedLibrary library;
-    std::vector<void*> addresses;
-};
-
 /// The values of a call's out-parameters before the call, to find out which ones it wrote. Of a text buffer, only the
 /// first byte is compared: the host may pass a size larger than its buffer.
 class OutputSnapshot {
 public:
-    OutputSnapshot(Function function, const Outputs& hostOutputs)
-        : outputs(hostOutputs), size(outputs.size != nullptr ? *outputs.size : 0),
-          count(outputs.count != nullptr ? *outputs.count : 0), hasBuffer(outputs.buffer != nullptr && size > 0),
-          firstByte(hasBuffer ? *outputs.buffer : '\0') {
-        if (outputs.values != nullptr) values.assign(outputs.values, outputs.values + numberOfValues(function));
+    OutputSnapshot(const Call& call, const Outputs& hostOutputs)
+        : outputs(hostOutputs), size(call.size), bufferSize(call.bufferSize()),
+          firstByte(bufferSize > 0 ? *outputs.buffer : '\0'), count(outputs.count != nullptr ? *outputs.count : 0) {
+        if (outputs.values != nullptr) values.assign(outputs.values, outputs.values + numberOfValues(call.function));
     }
 
     /// The call's result and outputs, except the devices. After a failure, only outputs that changed count.
@@ -71,24 +37,24 @@ public:
         const bool isSuccess = result == 0;
         Answer made{.result = result};
         if (outputs.size != nullptr && *outputs.size != size) made.size = *outputs.size;
-        if (hasBuffer && (isSuccess || *outputs.buffer != firstByte)) {
-            made.text.emplace(outputs.buffer, strnlen(outputs.buffer, size));
-            made.isTerminated = made.text->size() < size;
+        if (outputs.count != nullptr && (isSuccess || *outputs.count != count)) made.count = *outputs.count;
+        if (bufferSize > 0 && (isSuccess || *outputs.buffer != firstByte)) {
+            made.text.emplace(outputs.buffer, strnlen(outputs.buffer, bufferSize));
+            made.isTerminated = made.text->size() < bufferSize;
         }
         const std::size_t bytes = values.size() * sizeof(float);
         if (bytes > 0 && (isSuccess || std::memcmp(values.data(), outputs.values, bytes) != 0)) {
             made.values.assign(outputs.values, outputs.values + values.size());
         }
-        if (outputs.count != nullptr && (isSuccess || *outputs.count != count)) made.count = *outputs.count;
         return made;
     }
 
 private:
     const Outputs& outputs;
     std::uint32_t size;
-    std::uint32_t count;
-    bool hasBuffer;
+    std::uint32_t bufferSize;
     char firstByte;
+    std::uint32_t count;
     std::vector<float> values;
 };
 
@@ -113,40 +79,51 @@ std::filesystem::path recordedFile() {
     return file;
 }
 
-class Recorder {
+class Recorder : public Library {
 public:
-    static Recorder& instance();
-
-    std::int32_t perform(const Call& call, const Outputs& outputs, const Forward& forward) {
-        return failure ? fail(call, outputs) : record(call, outputs, forward);
+    Recorder() {
+        try {
+            const std::filesystem::path file = recordedFile();
+            vendor.emplace(file);
+            for (const Signature& signature : signatures) {
+                if (vendor->find(signature.name) != nullptr) continue;
+                throw std::runtime_error(file.string() + " is not an SDK library: it has no " + signature.name);
+            }
+            const char* const simulation = description();
+            const std::string name = file.string() + (simulation != nullptr ? std::string(": ") + simulation : "");
+            trace.emplace(requiredFile(traceVariable, "the file that the recorder writes its trace to"), name,
+                          simulation != nullptr);
+        } catch (const std::runtime_error& error) {
+            failure.emplace(SdkError::invalidSetup, std::string("Recorder: ") + error.what());
+        }
     }
-    const char* description() const { return library ? library->description() : nullptr; }
 
-    std::string nameOf(I1PRO3_DeviceHandle device) const {
+    std::string nameOf(I1PRO3_DeviceHandle device) const override {
         const std::lock_guard<std::mutex> lock(mutex);
         const auto found = names.find(device);
         return found != names.end() ? found->second : "unknown";
     }
 
-private:
-    Recorder() {
-        try {
-            const std::filesystem::path file = recordedFile();
-            library.emplace(file);
-            const char* const simulation = library->description();
-            const std::string name = file.string() + (simulation != nullptr ? std::string(": ") + simulation : "");
-            trace.emplace(requiredFile(traceVariable, "the file that the recorder writes its trace to"), name,
-                          simulation != nullptr);
-        } catch (const std::runtime_error& error) {
-            failure.emplace(SdkError::Code::invalidSetup, std::string("Recorder: ") + error.what());
-        }
+    std::int32_t perform(const Call& call, const Outputs& outputs, const Forward& forward) override {
+        if (!failure) return record(call, outputs, forward);
+        const Answer answer = failure->persistentAnswer(call);
+        writeOutputs(answer, outputs);
+        return answer.result;
     }
 
+    const char* description() const override {
+        auto* const describe =
+            vendor ? reinterpret_cast<Description*>(vendor->find("I1PRO3_SimulatorDescription")) : nullptr;
+        return describe != nullptr ? describe() : nullptr;
+    }
+
+private:
     std::int32_t record(const Call& call, const Outputs& outputs, const Forward& forward) {
-        const OutputSnapshot before(call.function, outputs);
+        void* const address = vendor->find(signatureOf(call.function).name);
+        const OutputSnapshot before(call, outputs);
         const Trace::Time begin = std::chrono::steady_clock::now();
         try {
-            const std::int32_t result = forward(library->addressOf(call.function));
+            const std::int32_t result = forward(address);
             Answer answer = before.answer(result);
             if (result == 0 && outputs.list != nullptr && outputs.count != nullptr) {
                 answer.devices = nameDevices(*outputs.list, *outputs.count);
@@ -162,12 +139,6 @@ private:
         }
     }
 
-    std::int32_t fail(const Call& call, const Outputs& outputs) const {
-        const Answer answer = failure->persistentAnswer(call);
-        writeOutputs(answer, outputs);
-        return answer.result;
-    }
-
     /// The names of the devices that a call listed: "device 1" and so on, in the order of their first appearance.
     std::vector<std::string> nameDevices(const I1PRO3_DeviceHandle* list, std::uint32_t count) {
         const std::lock_guard<std::mutex> lock(mutex);
@@ -179,7 +150,7 @@ private:
         return listed;
     }
 
-    std::optional<RecordedLibrary> library;
+    std::optional<common::SharedLibrary> vendor;
     std::optional<Trace> trace;
     /// Answers all calls if the recorder can't be set up.
     std::optional<SdkError> failure;
@@ -187,32 +158,10 @@ private:
     std::map<I1PRO3_DeviceHandle, std::string> names;
 };
 
-Recorder* theRecorder = nullptr;
-std::once_flag isCreated;
-
-[[gnu::destructor]] void unload() {
-    delete theRecorder;
-}
-
-/// A static object would be destroyed too early: static objects of the host may still call the library from their
-/// destructors.
-Recorder& Recorder::instance() {
-    std::call_once(isCreated, [] { theRecorder = new Recorder; });
-    return *theRecorder;
-}
-
 } // namespace
 
-std::string nameOf(I1PRO3_DeviceHandle device) {
-    return Recorder::instance().nameOf(device);
-}
-
-std::int32_t perform(const Call& call, const Outputs& outputs, const Forward& forward) {
-    return Recorder::instance().perform(call, outputs, forward);
+std::unique_ptr<Library> createLibrary() {
+    return std::make_unique<Recorder>();
 }
 
 } // namespace simulator
-
-const char* I1PRO3_SimulatorDescription() {
-    return simulator::Recorder::instance().description();
-}

@@ -3,8 +3,7 @@
 #include "common/Files.h"
 #include "simulator/Json.h"
 
-#include <set>
-#include <string_view>
+#include <algorithm>
 #include <utility>
 
 namespace simulator {
@@ -20,29 +19,25 @@ std::chrono::milliseconds readTime(const Json& json) {
 }
 
 void readInstruments(const Json& json, Script& script) {
-    std::set<std::string> serials;
-    for (const Json& element : elementsOf(json)) {
-        const auto serial = element.get<std::string>();
-        if (!serial.starts_with("SIM")) throw ValueError(element, "a simulated serial number must begin with SIM");
-        if (!serials.insert(serial).second) throw ValueError(element, "duplicate serial number");
+    read(json, script.instruments);
+    for (auto serial = script.instruments.begin(); serial != script.instruments.end(); ++serial) {
+        const Json& element = json[static_cast<std::size_t>(serial - script.instruments.begin())];
+        if (!serial->starts_with("SIM")) throw ValueError(element, "a simulated serial number must begin with SIM");
+        const bool isDuplicate = std::find(script.instruments.begin(), serial, *serial) != serial;
+        if (isDuplicate) throw ValueError(element, "duplicate serial number");
     }
-    script.instruments = json.get<std::vector<std::string>>();
 }
 
-void readChart(const Json& json, Script& script) try {
+void readChart(const Json& json, Script& script) {
     const std::filesystem::path file = script.folder / json.get<std::string>();
     script.chart = parseChart(common::readFile(file), "the chart " + file.string());
-    script.subject = "with the chart " + file.filename().string();
-} catch (const std::runtime_error& error) {
-    throw ValueError(json, error.what());
+    script.description = "simulated i1Pro 3 with the chart " + file.filename().string();
 }
 
 void readPlace(const Json& json, Script& script) {
-    const auto place = json.get<std::string>();
-    script.isOnWhiteReference = place == "white reference";
-    if (!script.isOnWhiteReference && place != "chart") {
+    script.isOnWhiteReference = json == "white reference";
+    if (!script.isOnWhiteReference && json != "chart")
         throw ValueError(json, R"(must be "chart" or "white reference")");
-    }
 }
 
 constexpr auto lightFields = std::to_array<Field<Script>>({
@@ -52,25 +47,25 @@ constexpr auto lightFields = std::to_array<Field<Script>>({
 constexpr auto buttonFields = std::to_array<Field<Button>>({
     {"polls", [](const Json& json, Button& button) { button.polls = readCount(json, 0); }},
     {"milliseconds", [](const Json& json, Button& button) { button.time = readTime(json); }},
-    {"never", [](const Json& json, Button& button) { button.never = json.get<bool>(); }},
-    {"once per measurement", [](const Json& json, Button& button) { button.oncePerMeasurement = json.get<bool>(); }},
+    {"never", readInto<&Button::never>},
+    {"once per measurement", readInto<&Button::oncePerMeasurement>},
 });
 
 constexpr auto samplesFields = std::to_array<Field<Samples>>({
-    {"count", [](const Json& json, Samples& samples) { samples.count = integerIn<std::int32_t>(json); }},
-    {"more", [](const Json& json, Samples& samples) { samples.more = integerIn<std::int32_t>(json); }},
+    {"count", readInto<&Samples::count>},
+    {"more", readInto<&Samples::more>},
 });
 
 void readSamples(const Json& json, Script& script) {
-    Samples samples;
-    readMembers(json, samplesFields, samples);
-    if (samples.count && samples.more != 0) throw ValueError(json, R"("count" and "more" exclude each other)");
-    script.samples = samples;
+    script.samples = {};
+    readMembers(json, samplesFields, script.samples);
+    if (script.samples.count && script.samples.more != 0)
+        throw ValueError(json, R"("count" and "more" exclude each other)");
 }
 
 void readLatency(const Json& json, Script& script) {
     script.latency.clear();
-    for (const auto& [function, time] : membersOf(json)) {
+    for (const auto& [function, time] : requireType(json, Json::value_t::object).items()) {
         script.latency[functionNamed(function, time)] = readTime(time);
     }
 }
@@ -81,18 +76,18 @@ void readTimes(const Json& json, Fault& fault) {
 }
 
 constexpr auto faultFields = std::to_array<Field<Fault>>({
-    {"function", [](const Json& json, Fault& fault) { fault.function = functionNamed(json); }},
-    {"key", [](const Json& json, Fault& fault) { fault.key = json.get<std::string>(); }},
+    {"function", readInto<&Fault::function>},
+    {"key", readInto<&Fault::key>},
     {"call", [](const Json& json, Fault& fault) { fault.call = readCount(json, 1); }},
     {"times", readTimes},
-    {"unplug", [](const Json& json, Fault& fault) { fault.unplug = json.get<bool>(); }},
-    {"result", [](const Json& json, Fault& fault) { fault.answer.result = integerIn<std::int32_t>(json); }},
-    {"text", [](const Json& json, Fault& fault) { fault.errorText = json.get<std::string>(); }},
-    {"number", [](const Json& json, Fault& fault) { fault.errorNumber = json.get<std::string>(); }},
-    {"output", [](const Json& json, Fault& fault) { fault.answer.text = json.get<std::string>(); }},
-    {"size", [](const Json& json, Fault& fault) { fault.answer.size = integerIn<std::uint32_t>(json); }},
-    {"exception", [](const Json& json, Fault& fault) { fault.answer.exception = json.get<std::string>(); }},
-    {"foreign", [](const Json& json, Fault& fault) { fault.answer.isForeign = json.get<bool>(); }},
+    {"unplug", readInto<&Fault::unplug>},
+    {"result", readInto<&Fault::result>},
+    {"text", readInto<&Fault::text>},
+    {"number", readInto<&Fault::number>},
+    {"output", readInto<&Fault::output>},
+    {"size", readInto<&Fault::size>},
+    {"exception", readInto<&Fault::exception>},
+    {"foreign", readInto<&Fault::foreign>},
 });
 
 /// Rejects a fault with keys that would have no effect.
@@ -100,22 +95,16 @@ void requireEffect(const Json& json, const Fault& fault) {
     if (json.empty()) throw ValueError(json, "an empty fault would apply to every call");
     const std::size_t events = json.size() - json.count("function") - json.count("key") - json.count("call");
     if (fault.unplug && events > 1) throw ValueError(json, R"(only "function", "key" and "call" go with "unplug")");
-    if (fault.answer.result == 0 && (fault.errorText || fault.errorNumber)) {
+    if (fault.result == 0 && (fault.text || fault.number)) {
         throw ValueError(json, R"("text" and "number" need a "result" other than 0)");
     }
-    if (fault.answer.isForeign && !fault.answer.exception) throw ValueError(json, R"("foreign" needs an "exception")");
-    if (!fault.function || hasParameter(*fault.function, Parameter::buffer)) return;
-    const char* const function = signatureOf(*fault.function).name;
-    if (fault.answer.text) throw ValueError(json, fmt::format("{} has no \"output\"", function));
-    if (fault.answer.size && !hasParameter(*fault.function, Parameter::count)) {
-        throw ValueError(json, fmt::format("{} has no \"size\"", function));
-    }
+    if (fault.foreign && !fault.exception) throw ValueError(json, R"("foreign" needs an "exception")");
 }
 
 void readFaults(const Json& json, Script& script) {
-    script.faults.emplace();
-    for (const Json& element : elementsOf(json)) {
-        Fault& fault = script.faults->emplace_back();
+    script.faults.clear();
+    for (const Json& element : requireType(json, Json::value_t::array)) {
+        Fault& fault = script.faults.emplace_back();
         readMembers(element, faultFields, fault);
         requireEffect(element, fault);
     }
@@ -125,11 +114,10 @@ void readTracePath(const Json& json, Script& script) {
     script.trace = json.is_null() ? std::filesystem::path() : script.folder / json.get<std::string>();
 }
 
-void readReplay(const Json& json, Script& script) try {
-    script.replay = readTrace(script.folder / json.get<std::string>());
-    script.subject = "that replays " + script.replay->fileName;
-} catch (const std::runtime_error& error) {
-    throw ValueError(json, error.what());
+void readReplay(const Json& json, Script& script) {
+    const std::filesystem::path file = script.folder / json.get<std::string>();
+    script.replay.emplace(file);
+    script.description = "simulated i1Pro 3 that replays " + file.string();
 }
 
 constexpr auto scriptFields = std::to_array<Field<Script>>({
@@ -147,7 +135,7 @@ constexpr auto scriptFields = std::to_array<Field<Script>>({
 
 void requireReplayAlone(const Json& script) {
     if (!script.contains("replay")) return;
-    for (const auto& [key, member] : membersOf(script)) {
+    for (const auto& [key, member] : script.items()) {
         if (key == "replay" || key == "trace" || key == "latency") continue;
         throw ValueError(member, R"(only "trace" and "latency" can be combined with "replay")");
     }
@@ -156,10 +144,10 @@ void requireReplayAlone(const Json& script) {
 } // namespace
 
 void applyScript(const std::string& fileName, const std::string& text, Script& script) {
-    const Json json = parseJson(fileName, text);
     Script changed = script;
     changed.folder = std::filesystem::path(fileName).parent_path();
     try {
+        const Json json = Json::parse(text, nullptr, true, true);
         readMembers(json, scriptFields, changed);
         requireReplayAlone(json);
     } catch (const Json::exception& error) {
@@ -172,10 +160,6 @@ Script readScript(const std::filesystem::path& file) {
     Script script;
     applyScript(file.string(), common::readFile(file), script);
     return script;
-}
-
-std::string descriptionOf(const Script& script) {
-    return "simulated i1Pro 3 " + script.subject;
 }
 
 } // namespace simulator

@@ -7,12 +7,8 @@
 #include "simulator/Trace.h"
 
 #include <chrono>
-#include <cstdint>
 #include <filesystem>
 #include <map>
-#include <optional>
-#include <string>
-#include <vector>
 
 namespace simulator {
 
@@ -37,19 +33,18 @@ struct Script {
     std::filesystem::path folder;
     std::vector<std::string> instruments{"SIM1"};
     std::vector<Patch> chart = parseChart(colorCheckerCsv, "the ColorChecker Classic chart");
-    /// The end of the description: "simulated i1Pro 3 with the ColorChecker Classic chart".
-    std::string subject = "with the ColorChecker Classic chart";
+    /// What is simulated, for I1PRO3_SimulatorDescription.
+    std::string description = "simulated i1Pro 3 with the ColorChecker Classic chart";
     bool isOnWhiteReference = false;
     /// Standard deviation of each reflectance factor.
     double noise = 0.0001;
     Button button;
     Samples samples;
     std::map<Function, std::chrono::milliseconds> latency;
-    std::optional<std::vector<Fault>> faults;
-    /// The trace to write; an empty path for none.
+    std::vector<Fault> faults;
+    /// The trace to begin; an empty path to end the current one.
     std::optional<std::filesystem::path> trace;
-    /// The trace that answers all calls, if any.
-    std::optional<Recording> replay;
+    std::optional<Replay> replay;
 };
 
 /// Applies a JSON text to a script. Keys that the text doesn't have keep their values.
@@ -59,8 +54,5 @@ void applyScript(const std::string& fileName, const std::string& text, Script& s
 
 /// @throws std::runtime_error  if the script is invalid or can't be read
 Script readScript(const std::filesystem::path& file);
-
-/// What is simulated, for I1PRO3_SimulatorDescription.
-std::string descriptionOf(const Script& script);
 
 } // namespace simulator

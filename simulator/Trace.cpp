@@ -1,14 +1,11 @@
 #include "simulator/Trace.h"
 
 #include "common/Files.h"
+#include "common/Text.h"
 #include "simulator/Json.h"
 
-#include <array>
 #include <cerrno>
-#include <charconv>
 #include <cmath>
-#include <limits>
-#include <optional>
 #include <sstream>
 #include <system_error>
 #include <utility>
@@ -17,7 +14,6 @@ namespace simulator {
 
 namespace {
 
-using std::chrono::duration_cast;
 using std::chrono::microseconds;
 
 constexpr int version = 1;
@@ -47,28 +43,33 @@ std::string timestamp(std::chrono::system_clock::time_point time) {
                        clock.minutes().count(), clock.seconds().count(), clock.subseconds().count());
 }
 
+// Each of these makes JSON of a value, which Json.h reads again.
+
+/// A JSON string if the text is UTF-8, otherwise an array of its bytes.
+Json jsonOf(const std::string& text) {
+    if (common::findInvalidUtf8(text) == text.size()) return text;
+    return std::vector<std::uint8_t>(text.begin(), text.end());
+}
+
+template <std::integral Integer>
+Json jsonOf(Integer number) {
+    return number;
+}
+
 /// A number with the fewest digits that restore the same float; the string "inf", "-inf" or "nan" if it isn't finite.
-Json jsonOfValue(float value) {
+Json jsonOf(float value) {
     const std::string digits = fmt::format("{}", value);
-    if (!std::isfinite(value)) return digits;
-    double readable = 0;
-    std::from_chars(digits.data(), digits.data() + digits.size(), readable);
-    return readable;
+    return std::isfinite(value) ? Json::parse(digits) : Json(digits);
 }
 
 Json argumentsOf(const Call& call) {
     Json json = Json::object();
     for (const Parameter parameter : signatureOf(call.function).parameters) {
-        const char* const name = nameOf(parameter);
-        if (call.isNull(parameter)) {
-            json[name] = nullptr;
-        } else if (parameter == Parameter::size) {
-            json[name] = call.size;
-        } else if (parameter == Parameter::sample) {
-            json[name] = call.sample;
-        } else if (const std::optional<std::string> text = call.textOf(parameter)) {
-            json[name] = jsonOf(*text);
+        Json argument;
+        if (!call.isNull(parameter)) {
+            visitArgument(call, parameter, [&](const auto& member) { argument = jsonOf(member); });
         }
+        if (!argument.is_null() || call.isNull(parameter)) json[nameOf(parameter)] = argument;
     }
     return json;
 }
@@ -81,94 +82,38 @@ Json outputsOf(const Answer& answer) {
     if (answer.text) json["text"] = jsonOf(*answer.text);
     if (!answer.isTerminated) json["terminated"] = false;
     for (const float value : answer.values) {
-        json["values"].push_back(jsonOfValue(value));
+        json["values"].push_back(jsonOf(value));
     }
     return json;
 }
 
-float readValue(const Json& json) {
-    if (!json.is_string()) return json.get<float>();
-    for (const float special : {std::numeric_limits<float>::infinity(), -std::numeric_limits<float>::infinity(),
-                                std::numeric_limits<float>::quiet_NaN()}) {
-        if (json == jsonOfValue(special)) return special;
-    }
-    throw ValueError(json, R"(must be a number, "inf", "-inf" or "nan")");
-}
-
-void readValues(const Json& json, Answer& answer) {
-    for (const Json& element : elementsOf(json)) {
-        answer.values.push_back(readValue(element));
-    }
-}
-
 constexpr auto outputFields = std::to_array<Field<Answer>>({
-    {"count", [](const Json& json, Answer& answer) { answer.count = integerIn<std::uint32_t>(json); }},
-    {"devices", [](const Json& json, Answer& answer) { answer.devices = json.get<std::vector<std::string>>(); }},
-    {"size", [](const Json& json, Answer& answer) { answer.size = integerIn<std::uint32_t>(json); }},
-    {"text", [](const Json& json, Answer& answer) { answer.text = textOf(json); }},
-    {"terminated", [](const Json& json, Answer& answer) { answer.isTerminated = json.get<bool>(); }},
-    {"values", readValues},
+    {"count", readInto<&Answer::count>},
+    {"devices", readInto<&Answer::devices>},
+    {"size", readInto<&Answer::size>},
+    {"text", readInto<&Answer::text>},
+    {"terminated", readInto<&Answer::isTerminated>},
+    {"values", readInto<&Answer::values>},
 });
-
-void readArgument(const Json& json, Parameter parameter, Call& call) {
-    if (json.is_null()) return call.setNull(parameter);
-    switch (parameter) {
-    case Parameter::device:
-        call.device = textOf(json);
-        break;
-    case Parameter::key:
-        call.key = textOf(json);
-        break;
-    case Parameter::value:
-        call.value = textOf(json);
-        break;
-    case Parameter::size:
-        call.size = integerIn<std::uint32_t>(json);
-        break;
-    case Parameter::sample:
-        call.sample = integerIn<std::int32_t>(json);
-        break;
-    default:
-        throw ValueError(json, "a pointer to an output can only be null or missing");
-    }
-}
 
 void readArguments(const Json& json, Call& call) {
-    std::size_t found = 0;
     for (const Parameter parameter : signatureOf(call.function).parameters) {
         const auto argument = json.find(nameOf(parameter));
-        if (argument != json.end()) {
-            readArgument(*argument, parameter, call);
-            ++found;
-        } else if (call.textOf(parameter)) {
-            throw ValueError(json, fmt::format("\"{}\" is missing", nameOf(parameter)));
+        if (argument == json.end()) continue;
+        if (argument->is_null()) {
+            call.setNull(parameter);
+        } else {
+            visitArgument(call, parameter, [&](auto& member) { read(*argument, member); });
         }
     }
-    if (found == membersOf(json).size()) return;
-    throw ValueError(json, fmt::format("{} does not have these arguments", signatureOf(call.function).name));
+    if (json == argumentsOf(call)) return;
+    throw ValueError(json, fmt::format("must be the arguments of {} in order", signatureOf(call.function).name));
 }
 
-void ignore(const Json& /*json*/, TracedCall& /*line*/) {}
-
-constexpr auto callFields = std::to_array<Field<TracedCall>>({
-    {"call", ignore},
-    {"time", ignore},
-    {"microseconds", ignore},
-    {"function", [](const Json& json, TracedCall& line) { line.call.function = functionNamed(json); }},
-    {"arguments", ignore}, // read once the function is known
-    {"result", [](const Json& json, TracedCall& line) { line.answer.result = integerIn<std::int32_t>(json); }},
-    {"exception", [](const Json& json, TracedCall& line) { line.answer.exception = textOf(json); }},
-    {"outputs", [](const Json& json, TracedCall& line) { readMembers(json, outputFields, line.answer); }},
-});
-
-/// Requires outputs that the function has, with the right number of values.
-void requireMatchingOutputs(const Json& json, const Call& call, const Answer& answer) {
-    const bool hasList = hasParameter(call.function, Parameter::list);
-    const bool hasBuffer = hasParameter(call.function, Parameter::buffer);
-    if (((answer.count || answer.devices) && !hasList) || ((answer.size || answer.text) && !hasBuffer)) {
-        throw ValueError(json, fmt::format("{} does not have these outputs", signatureOf(call.function).name));
-    }
-    const std::size_t expected = numberOfValues(call.function);
+void readOutputs(const Json& json, TracedCall& traced) {
+    Answer& answer = traced.answer;
+    readMembers(json, outputFields, answer);
+    const std::size_t expected = numberOfValues(traced.call.function);
     if (!answer.values.empty() && answer.values.size() != expected) {
         throw ValueError(json, fmt::format("{} values; expected {}", answer.values.size(), expected));
     }
@@ -178,16 +123,23 @@ void requireMatchingOutputs(const Json& json, const Call& call, const Answer& an
     }
 }
 
-TracedCall readCall(const Json& json, std::size_t number) {
-    TracedCall line{.line = number};
-    readMembers(json, callFields, line);
-    if (json.contains("result") == json.contains("exception")) {
-        throw ValueError(json, R"(expected either a "result" or an "exception")");
+/// Members that a replay doesn't need, such as the time, are not read.
+TracedCall readCall(const Json& json, std::size_t line) {
+    TracedCall traced{.line = line};
+    read(json.at("function"), traced.call.function);
+    readArguments(json.at("arguments"), traced.call);
+    if (json.contains("exception")) {
+        read(json["exception"], traced.answer.exception);
+    } else {
+        read(json.at("result"), traced.answer.result);
     }
-    const Json& function = json.at("function"); // throws if it is missing
-    readArguments(json.at("arguments"), line.call);
-    requireMatchingOutputs(function, line.call, line.answer);
-    return line;
+    if (json.contains("outputs")) readOutputs(json["outputs"], traced);
+    return traced;
+}
+
+/// The function and its arguments as in a trace.
+std::string describe(const Call& call) {
+    return fmt::format("{} {}", signatureOf(call.function).name, argumentsOf(call).dump());
 }
 
 } // namespace
@@ -202,7 +154,7 @@ Trace::Trace(std::filesystem::path file, const std::string& library, bool isSimu
 }
 
 void Trace::write(const Call& call, const Answer& answer, Time begin) {
-    const auto took = duration_cast<microseconds>(std::chrono::steady_clock::now() - begin);
+    const auto took = std::chrono::floor<microseconds>(std::chrono::steady_clock::now() - begin);
     const std::lock_guard<std::mutex> lock(mutex);
     Json line{{"call", ++calls},
               {"time", timestamp(std::chrono::system_clock::now() - took)},
@@ -233,27 +185,36 @@ bool Trace::writeLine(const std::string& line) {
     return false;
 }
 
-Recording readTrace(const std::filesystem::path& path) {
-    Recording recording{path.string(), {}};
+std::vector<TracedCall> readTrace(const std::filesystem::path& path) {
+    std::vector<TracedCall> calls;
     std::istringstream lines(common::readFile(path));
     std::string text;
     for (std::size_t number = 1; std::getline(lines, text) || number == 1; ++number) {
-        const Json json = parseJson(recording.fileName, text, number);
         try {
+            const Json json = Json::parse(text, nullptr, true, true);
             if (number > 1) {
-                recording.calls.push_back(readCall(json, number));
+                calls.push_back(readCall(json, number));
             } else if (!json.is_object() || json.value("trace", Json()) != version) {
                 throw ValueError(json, "not a trace; the first line must start with {\"trace\":1");
             }
         } catch (const Json::exception& error) {
-            throw errorIn(fmt::format("{}, line {}", recording.fileName, number), error);
+            throw errorIn(fmt::format("{}, line {}", path.string(), number), error);
         }
     }
-    return recording;
+    return calls;
 }
 
-std::string describe(const Call& call) {
-    return fmt::format("{} {}", signatureOf(call.function).name, argumentsOf(call).dump());
+Answer Replay::answer(const Call& call) {
+    const bool isAtEnd = next == calls.size();
+    if (!difference && !isAtEnd && calls[next].call == call) return calls[next++].answer;
+    if (!difference) {
+        const std::string found =
+            isAtEnd ? "ends before it" : fmt::format("has {} in line {}", describe(calls[next].call), calls[next].line);
+        difference.emplace(SdkError::replayMismatch,
+                           fmt::format("Call {} departs from the trace {}: the host called {}, the trace {}", next + 1,
+                                       fileName, describe(call), found));
+    }
+    return difference->persistentAnswer(call);
 }
 
 } // namespace simulator

@@ -6,14 +6,10 @@
 #include "simulator/Call.h"
 
 #include <chrono>
-#include <cstddef>
-#include <cstdint>
 #include <cstdio>
 #include <filesystem>
 #include <memory>
 #include <mutex>
-#include <string>
-#include <vector>
 
 namespace simulator {
 
@@ -55,15 +51,22 @@ struct TracedCall {
     std::size_t line = 0;
 };
 
-struct Recording {
+/// @throws std::runtime_error  with the file, the line and the reason
+std::vector<TracedCall> readTrace(const std::filesystem::path& path);
+
+/// Answers calls from a trace. The first call that differs from the trace fails, and so do all later ones.
+class Replay {
+public:
+    /// @throws std::runtime_error  like readTrace
+    explicit Replay(const std::filesystem::path& path) : fileName(path.string()), calls(readTrace(path)) {}
+
+    Answer answer(const Call& call);
+
+private:
     std::string fileName;
     std::vector<TracedCall> calls;
+    std::size_t next = 0;
+    std::optional<SdkError> difference;
 };
-
-/// @throws std::runtime_error  with the file, the line and the reason
-Recording readTrace(const std::filesystem::path& path);
-
-/// The function and its arguments as in a trace, for messages.
-std::string describe(const Call& call);
 
 } // namespace simulator

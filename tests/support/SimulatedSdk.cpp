@@ -29,7 +29,7 @@ void SimulatedSdk::beginTrace() {
 std::vector<std::string> SimulatedSdk::takeCalls() {
     use(endTrace);
     std::vector<std::string> calls;
-    for (const simulator::TracedCall& line : simulator::readTrace(trace).calls) {
+    for (const simulator::TracedCall& line : simulator::readTrace(trace)) {
         calls.push_back(wordsOf(line.call));
     }
     std::filesystem::remove(trace);
