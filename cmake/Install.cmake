@@ -31,15 +31,20 @@ else()
     configure_file(cmake/spm_i1pro3.pc.in spm_i1pro3.pc @ONLY)
     find_program(SPM_HELP2MAN help2man)
     if(SPM_HELP2MAN AND TARGET spm)
-        # The program has a relative path, because help2man passes it to a shell, where a blank would end it.
+        # A page for the program and one for each command. The program has a relative path, because help2man passes it
+        # to a shell, where a blank would end it.
         file(RELATIVE_PATH spm_program ${PROJECT_BINARY_DIR} ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/spm)
-        add_custom_command(OUTPUT ${PROJECT_BINARY_DIR}/spm.1
-            COMMAND ${SPM_HELP2MAN} --no-info --help-option=--help-all --name "measure colour charts, and check installations"
-                --output spm.1 ${spm_program}
-            WORKING_DIRECTORY ${PROJECT_BINARY_DIR}
-            DEPENDS spm VERBATIM)
-        add_custom_target(manual ALL DEPENDS ${PROJECT_BINARY_DIR}/spm.1)
-        install(FILES ${PROJECT_BINARY_DIR}/spm.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT kit)
+        foreach(page spm spm-doctor spm-measure)
+            string(REGEX REPLACE "^spm-?" "" command ${page})
+            add_custom_command(OUTPUT ${PROJECT_BINARY_DIR}/${page}.1
+                COMMAND ${SPM_HELP2MAN} --no-info "--help-option=${command} --help"
+                    --name "measure colour charts, and check installations" --output ${page}.1 ${spm_program}
+                WORKING_DIRECTORY ${PROJECT_BINARY_DIR}
+                DEPENDS spm VERBATIM)
+            list(APPEND manual ${PROJECT_BINARY_DIR}/${page}.1)
+        endforeach()
+        add_custom_target(manual ALL DEPENDS ${manual})
+        install(FILES ${manual} DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT kit)
     endif()
     install(FILES ${PROJECT_BINARY_DIR}/spm_i1pro3.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT kit)
 endif()
