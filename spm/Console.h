@@ -1,7 +1,7 @@
 #pragma once
 
+#include <chrono>
 #include <cstdio>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -12,22 +12,19 @@ namespace spm {
 /// The program's arguments without its name, in UTF-8 on Windows and unchanged elsewhere.
 std::vector<std::string> arguments(int argc, const char* const* argv);
 
+/// Quotes an argument for the system's shell; one that needs no quotes is unchanged.
+std::string quoted(const std::string& argument);
+
 bool isTerminal(std::FILE* stream);
 
-/// The number of columns of the terminal on standard error; none if it is unknown.
-std::optional<std::size_t> terminalWidth();
-
 /// Installs a handler for the signals that ask the program to end: Ctrl-C, termination, hang-up. The handler is called
-/// at most once per signal; a second one has its default effect. Ignored signals stay ignored. A caught signal ends
-/// waitForInput, but doesn't interrupt reads and writes.
+/// at most once per signal; a second one has its default effect. Ignored signals stay ignored. A caught signal doesn't
+/// interrupt reads and writes.
 void catchSignals(void (*handler)(int));
-/// Restores the handlers that catchSignals replaced.
-void restoreSignals();
 
-/// Waits until standard input is readable or at its end, or a caught signal arrives. Returns at once on systems where
-/// a signal ends the read itself.
-/// @param hasSignal  whether a signal has arrived; tested without a race between the test and the wait
-void waitForInput(bool (*hasSignal)());
+/// Waits until standard input is readable or at its end, but not longer than the limit. Always true on systems where a
+/// signal ends the read itself.
+bool hasInput(std::chrono::milliseconds limit);
 
 /// Enables UTF-8 and escape sequences on the console, and turns a write to a closed pipe into an error.
 void prepareStreams();

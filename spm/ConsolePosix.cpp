@@ -1,67 +1,45 @@
 #include "spm/Console.h"
 
-#include <array>
 #include <csignal>
 #include <cstdlib>
 #include <poll.h>
 #include <string_view>
-#include <sys/ioctl.h>
 #include <unistd.h>
 
 namespace spm {
 
-namespace {
-
-struct CaughtSignal {
-    int signal;
-    struct sigaction earlier {};
-};
-std::array<CaughtSignal, 3> caught{{{SIGINT}, {SIGTERM}, {SIGHUP}}};
-
-} // namespace
-
 std::vector<std::string> arguments(int argc, const char* const* argv) {
     return {argv + 1, argv + argc};
+}
+
+std::string quoted(const std::string& argument) {
+    constexpr const char* plain = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789%+,-./:=@_";
+    if (!argument.empty() && argument.find_first_not_of(plain) == std::string::npos) return argument;
+    std::string text = "'";
+    for (const char character : argument) {
+        text += character == '\'' ? "'\\''" : std::string(1, character);
+    }
+    return text + '\'';
 }
 
 bool isTerminal(std::FILE* stream) {
     return isatty(fileno(stream)) == 1;
 }
 
-std::optional<std::size_t> terminalWidth() {
-    winsize size{};
-    if (ioctl(STDERR_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col == 0) return std::nullopt;
-    return size.ws_col;
-}
-
 void catchSignals(void (*handler)(int)) {
-    for (CaughtSignal& each : caught) {
+    for (const int each : {SIGINT, SIGTERM, SIGHUP}) {
         struct sigaction action {};
+        sigaction(each, nullptr, &action);
+        if (action.sa_handler == SIG_IGN) continue;
         action.sa_handler = handler;
         action.sa_flags = static_cast<int>(SA_RESETHAND | SA_RESTART);
-        sigaction(each.signal, nullptr, &each.earlier);
-        if (each.earlier.sa_handler != SIG_IGN) sigaction(each.signal, &action, nullptr);
+        sigaction(each, &action, nullptr);
     }
 }
 
-void restoreSignals() {
-    for (const CaughtSignal& each : caught) {
-        sigaction(each.signal, &each.earlier, nullptr);
-    }
-}
-
-void waitForInput(bool (*hasSignal)()) {
-    sigset_t signals;
-    sigset_t earlier;
-    sigemptyset(&signals);
-    for (const CaughtSignal& each : caught) {
-        sigaddset(&signals, each.signal);
-    }
-    // A signal that arrives after the test stays pending until ppoll unblocks it, and interrupts ppoll.
-    pthread_sigmask(SIG_BLOCK, &signals, &earlier);
+bool hasInput(std::chrono::milliseconds limit) {
     pollfd input{STDIN_FILENO, POLLIN, 0};
-    if (!hasSignal()) ppoll(&input, 1, nullptr, &earlier);
-    pthread_sigmask(SIG_SETMASK, &earlier, nullptr);
+    return poll(&input, 1, static_cast<int>(limit.count())) > 0;
 }
 
 void prepareStreams() {

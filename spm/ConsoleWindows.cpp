@@ -19,14 +19,17 @@ std::vector<std::string> arguments(int /*argc*/, const char* const* /*argv*/) {
     return texts;
 }
 
-bool isTerminal(std::FILE* stream) {
-    return _isatty(_fileno(stream)) != 0;
+std::string quoted(const std::string& argument) {
+    if (!argument.empty() && argument.find_first_of(" \"&|<>^()%!;,'`$*?~#") == std::string::npos) return argument;
+    std::string text = "\"";
+    for (const char character : argument) {
+        text += character == '"' ? "\\\"" : std::string(1, character);
+    }
+    return text + '"';
 }
 
-std::optional<std::size_t> terminalWidth() {
-    CONSOLE_SCREEN_BUFFER_INFO info{};
-    if (GetConsoleScreenBufferInfo(GetStdHandle(STD_ERROR_HANDLE), &info) == 0) return std::nullopt;
-    return static_cast<std::size_t>(info.srWindow.Right - info.srWindow.Left + 1);
+bool isTerminal(std::FILE* stream) {
+    return _isatty(_fileno(stream)) != 0;
 }
 
 void catchSignals(void (*handler)(int)) {
@@ -35,11 +38,9 @@ void catchSignals(void (*handler)(int)) {
     }
 }
 
-void restoreSignals() {
-    catchSignals(SIG_DFL);
+bool hasInput(std::chrono::milliseconds /*limit*/) {
+    return true; // Ctrl-C ends the read itself
 }
-
-void waitForInput(bool (* /*hasSignal*/)()) {} // Ctrl-C ends the read itself
 
 void prepareStreams() {
     SetConsoleOutputCP(CP_UTF8);

@@ -3,6 +3,7 @@
 #include "spm/Error.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace spm {
@@ -50,30 +51,49 @@ void Instrument::calibrate(const Wait& wait) {
     }
 }
 
-std::vector<SPM_LAB> Instrument::read(std::int32_t patches, const Wait& wait) {
+std::vector<Reading> Instrument::read(std::int32_t patches, const Conditions& conditions, const Wait& wait) {
+    std::vector<Reading> readings =
+        conditions.isCalculated ? readSpectra(patches, conditions, wait) : readLab(patches, wait);
+    for (const auto& [lab, spectrum] : readings) {
+        const auto isFinite = [](const SPM_REFLECTION& point) { return std::isfinite(point.value); };
+        if (std::isfinite(lab.L + lab.a + lab.b) && std::ranges::all_of(spectrum, isFinite)) continue;
+        throw Error("measuring failed: a value is not a number");
+    }
+    return readings;
+}
+
+std::vector<Reading> Instrument::readLab(std::int32_t patches, const Wait& wait) {
     std::vector<SPM_LAB> values(static_cast<std::size_t>(patches));
-    const auto read = [&](std::int32_t* count) { return module.read(handle, values.data(), count); };
-    values.resize(static_cast<std::size_t>(poll(read, patches, wait)));
-    return values;
+    values.resize(poll([&](std::int32_t* count) { return module.read(handle, values.data(), count); }, patches, wait));
+    std::vector<Reading> readings;
+    for (const SPM_LAB& lab : values) {
+        readings.push_back({lab});
+    }
+    return readings;
 }
 
-std::vector<std::vector<SPM_REFLECTION>> Instrument::readSpectra(std::int32_t patches, const Wait& wait) {
+std::vector<Reading> Instrument::readSpectra(std::int32_t patches, const Conditions& conditions, const Wait& wait) {
     const auto points = static_cast<std::size_t>(module.getNumberOfReflections(handle));
-    std::vector spectra(static_cast<std::size_t>(patches), std::vector<SPM_REFLECTION>(points));
-    std::vector<SPM_SPECTRUM> records(spectra.size());
-    std::transform(spectra.begin(), spectra.end(), records.begin(), [](auto& spectrum) {
-        return SPM_SPECTRUM{static_cast<std::int32_t>(spectrum.size()), spectrum.data()};
-    });
-    const auto read = [&](std::int32_t* count) { return module.readSpectrum(handle, records.data(), count); };
-    spectra.resize(static_cast<std::size_t>(poll(read, patches, wait)));
-    return spectra;
+    std::vector<Reading> readings(static_cast<std::size_t>(patches));
+    std::vector<SPM_SPECTRUM> records;
+    for (Reading& reading : readings) {
+        reading.spectrum.resize(points);
+        records.push_back({static_cast<std::int32_t>(points), reading.spectrum.data()});
+    }
+    readings.resize(
+        poll([&](std::int32_t* count) { return module.readSpectrum(handle, records.data(), count); }, patches, wait));
+    for (Reading& reading : readings) {
+        reading.lab = toLab(reading.spectrum, conditions);
+    }
+    return readings;
 }
 
-std::int32_t Instrument::poll(const std::function<bool(std::int32_t*)>& read, std::int32_t patches, const Wait& wait) {
+std::size_t Instrument::poll(const std::function<bool(std::int32_t*)>& readOnce, std::int32_t patches,
+                             const Wait& wait) {
     for (;;) {
         std::int32_t count = patches;
-        if (!read(&count)) throw Error("measuring failed: " + listener.take("the module gave no reason"));
-        if (count > 0) return count;
+        if (!readOnce(&count)) throw Error("measuring failed: " + listener.take("the module gave no reason"));
+        if (count > 0) return static_cast<std::size_t>(count);
         if (!module.isOpened(handle)) throw Error("measuring failed: the connection to the instrument was lost");
         wait();
     }

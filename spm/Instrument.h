@@ -1,8 +1,8 @@
 #pragma once
 
 #include "spm/Module.h"
+#include "spm/run/Run.h"
 
-#include <array>
 #include <functional>
 #include <vector>
 
@@ -56,20 +56,18 @@ public:
     /// @throws Error  if the calibration fails
     void calibrate(const Wait& wait);
 
-    /// Measures CIELab values of a row (two or more patches) or a spot (one patch).
-    /// @return a value for each patch found: at least one, at most the requested number
-    /// @throws Error  if the measurement fails
-    std::vector<SPM_LAB> read(std::int32_t patches, const Wait& wait);
-
-    /// Measures spectra of a row (two or more patches) or a spot (one patch).
-    /// @return a spectrum for each patch found: at least one, at most the requested number
-    /// @throws Error  if the measurement fails
-    std::vector<std::vector<SPM_REFLECTION>> readSpectra(std::int32_t patches, const Wait& wait);
+    /// Measures a row (two or more patches) or a spot (one patch).
+    /// @param conditions  decide whether spectra are measured, from which CIELab is calculated
+    /// @return a reading for each patch found: at least one, at most the requested number
+    /// @throws Error  if the measurement fails, or a value is not finite
+    std::vector<Reading> read(std::int32_t patches, const Conditions& conditions, const Wait& wait);
 
 private:
+    std::vector<Reading> readLab(std::int32_t patches, const Wait& wait);
+    std::vector<Reading> readSpectra(std::int32_t patches, const Conditions& conditions, const Wait& wait);
     /// Calls one of the module's read functions until the button has been pressed and patches have been measured.
     /// @return the number of patches measured
-    std::int32_t poll(const std::function<bool(std::int32_t*)>& read, std::int32_t patches, const Wait& wait);
+    std::size_t poll(const std::function<bool(std::int32_t*)>& readOnce, std::int32_t patches, const Wait& wait);
 
     const Module& module;
     ErrorListener listener;

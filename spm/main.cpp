@@ -6,7 +6,6 @@
 #include "spm/Module.h"
 
 #include <algorithm>
-#include <chrono>
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <cstdlib>
@@ -31,12 +30,10 @@ Exit status:
   4  everything was measured, but differences from the reference exceed the tolerance
 
 Examples:
-  spm measure --chart chart.csv --patches 6
-  spm measure --spectra --output chart.cgats --report chart.html
-  spm measure --output chart.cgats --resume
-  spm measure --illuminant D50 --observer 2 --xyz
-  spm measure --spots 3 --names paper,black,red --format json
-  spm measure --chart chart.csv --reference expected.csv --tolerance mean=2,max=3)";
+  $ spm measure --chart chart.csv --spectra --output values.cgats --report page.html
+  $ spm measure --output values.cgats --resume
+  $ spm measure --spots 3 --names paper,black,red --format json
+  $ spm measure --chart chart.csv --reference expected.csv --tolerance mean=2,max=3)";
 
 constexpr const char* doctorHelp =
     R"(Checks everything that measuring needs: the module and the SDK library, the settings and the log file, the instrument
@@ -45,16 +42,7 @@ and its calibration. Reports the state of each, and how to fix what is wrong.
 Exit status:
   0  ready to measure
   1  not ready
-  2  the command line is wrong
-
-Examples:
-  spm doctor
-  spm doctor --module /opt/colour/spm_i1pro3.so)";
-
-const std::map<std::string, spm::Format> formats{{"table", spm::Format::table},
-                                                 {"csv", spm::Format::csv},
-                                                 {"json", spm::Format::json},
-                                                 {"cgats", spm::Format::cgats}};
+  2  the command line is wrong)";
 
 const std::map<std::string, spm::Formula> formulas{
     {"2000", spm::Formula::ciede2000}, {"94", spm::Formula::cie94}, {"76", spm::Formula::cie76}};
@@ -67,70 +55,50 @@ CLI::Option* addFile(CLI::App& command, const char* name, std::filesystem::path&
     return command.add_option_function<std::string>(name, assign, description)->option_text("FILE");
 }
 
-CLI::Option* addModule(CLI::App& command, std::filesystem::path& path) {
+void addModule(CLI::App& command, std::filesystem::path& path) {
     path = spm::defaultModule();
-    return addFile(command, "--module", path,
-                   "module to load (default: the one in this program's folder, or installed with it)");
-}
-
-CLI::App* addDoctor(CLI::App& app, std::filesystem::path& module) {
-    CLI::App* const doctor = app.add_subcommand("doctor", "check the installation and suggest fixes");
-    doctor->footer(doctorHelp);
-    addModule(*doctor, module);
-    return doctor;
-}
-
-/// Adds an option whose values have names.
-template <class Value, class Target>
-CLI::Option* addChoice(CLI::App& command, const char* name, const std::map<std::string, Value>& values, Target& target,
-                       const char* description) {
-    return command
-        .add_option_function<std::string>(
-            name, [&values, &target](const std::string& value) { target = values.at(value); }, description)
-        ->check(CLI::IsMember(&values));
+    addFile(command, "--module", path,
+            "module to load (default: the one in this program's folder, or installed with it)");
 }
 
 void addChart(CLI::App& measure, spm::MeasureOptions& options) {
-    auto* const rows = measure.add_option("--rows", options.rows, "rows of the chart");
-    auto* const patches = measure.add_option("--patches", options.patchesInRow, "patches in a row");
-    rows->check(CLI::Range(1, 1000))->option_text("1..1000 (default: as the number of names requires, or 4)");
-    patches->check(CLI::Range(2, 1000))->option_text("2..1000 (default: 6); the last row may be shorter");
+    auto* const chart = addFile(measure, "--chart", options.chart,
+                                "file that names the patches: CSV with a header line, CGATS, or JSON from spm");
+    measure.add_option("--names", options.names, "patch names separated by commas, instead of a chart file")
+        ->delimiter(',')
+        ->excludes(chart);
+    auto* const rows =
+        measure.add_option("--rows", options.rows, "rows of the chart (default: as the names require, or 4)");
+    auto* const patches = measure.add_option("--patches", options.patchesInRow,
+                                             "patches in a row (default: 6); the last row may be shorter");
+    rows->check(CLI::Range(1, 1000));
+    patches->check(CLI::Range(2, 1000));
     measure.add_option("--spots", options.spots, "measure this many spots instead of rows")
-        ->option_text("1..100000")
         ->check(CLI::Range(1, 100'000))
         ->excludes(rows)
         ->excludes(patches);
-    auto* const chart = addFile(measure, "--chart", options.chart,
-                                "file that names the patches: CSV with a header line, CGATS, or JSON from spm");
-    measure
-        .add_option("--names", options.names,
-                    "patch names separated by commas; for names with commas, use a chart file")
-        ->option_text("NAMES")
-        ->delimiter(',')
-        ->excludes(chart);
 }
 
 void addConditions(CLI::App& measure, spm::MeasureOptions& options) {
     measure.add_flag("--spectra", options.spectra,
                      "measure reflectance spectra, and calculate CIELab from them (default: CIELab by the instrument)");
-    measure.add_option("--illuminant", options.illuminant, "measure spectra, and calculate CIELab for this illuminant")
-        ->option_text("A|D50|D65 (default: D65)")
+    measure
+        .add_option("--illuminant", options.illuminant, "measure spectra, for CIELab of this illuminant (default: D65)")
         ->check(CLI::IsMember(std::vector<std::string>(spm::illuminants.begin(), spm::illuminants.end())));
-    measure.add_option("--observer", options.observer, "measure spectra, and calculate CIELab for this observer")
-        ->option_text("2|10 (default: 10)")
+    measure.add_option("--observer", options.observer, "measure spectra, for CIELab of this observer (default: 10)")
         ->check(CLI::IsMember({2, 10}));
     measure.add_flag("--xyz", options.withXyz, "write X, Y and Z in addition to CIELab");
 }
 
 void addOutput(CLI::App& measure, spm::MeasureOptions& options) {
-    auto* const output = addFile(measure, "--output", options.output,
+    auto* const output = addFile(measure, "--output", options.plan.output,
                                  "file to write the values to: .csv, .json, .cgats or .txt (CGATS)");
-    addChoice(measure, "--format", formats, options.format, "format of standard output (default: table)")
-        ->option_text("table|csv|json|cgats")
+    measure.add_option("--format", options.format, "format of standard output (default: table)")
+        ->check(CLI::IsMember({"table", "csv", "json", "cgats"}))
         ->excludes(output);
-    addFile(measure, "--report", options.report, "HTML report to write");
+    addFile(measure, "--report", options.plan.report, "HTML report to write");
     auto* const overwrite = measure.add_flag("--overwrite", options.overwrite, "replace existing output files");
-    measure.add_flag("--resume", options.resume, "measure what is missing in the output file")
+    measure.add_flag("--resume", options.plan.isResumed, "measure what is missing in the output file")
         ->needs(output)
         ->excludes(overwrite);
 }
@@ -139,31 +107,29 @@ void addComparison(CLI::App& measure, spm::MeasureOptions& options) {
     auto* const reference =
         addFile(measure, "--reference", options.reference,
                 "file of expected values (name, L*, a*, b*) to compare with, in a format as for --chart");
-    addChoice(measure, "--difference", formulas, options.difference,
-              "colour difference formula: CIEDE2000 (the default), CIE94 or CIE76")
-        ->option_text("2000|94|76")
-        ->needs(reference);
     measure
         .add_option_function<std::string>(
-            "--tolerance", [&options](const std::string& text) { options.limits = spm::parseLimits(text); },
-            "upper limits of the differences: mean, median, p90, p95, max; all patches need an expected value then")
-        ->option_text("mean=2,max=5,...")
+            "--difference", [&options](const std::string& formula) { options.difference = formulas.at(formula); },
+            "colour difference formula: CIEDE2000 (the default), CIE94 or CIE76")
+        ->check(CLI::IsMember(&formulas))
+        ->needs(reference);
+    measure
+        .add_option("--tolerance", options.tolerance,
+                    "upper limits of the differences, such as mean=2,max=5: mean, median, p90, p95, max; all patches "
+                    "need an expected value then")
+        ->delimiter(',')
         ->needs(reference);
 }
 
 void addMeasure(CLI::App& app, spm::MeasureOptions& options) {
     CLI::App* const measure = app.add_subcommand("measure", "measure a chart or spots");
     measure->footer(measureHelp);
-    addModule(*measure, options.module);
+    addModule(*measure, options.plan.module);
     addChart(*measure, options);
     addConditions(*measure, options);
     addOutput(*measure, options);
     addComparison(*measure, options);
-    measure
-        ->add_option_function<std::int32_t>(
-            "--wait", [&options](std::int32_t seconds) { options.waitLimit = std::chrono::seconds(seconds); },
-            "how long to wait for the button, in seconds")
-        ->option_text("1..86400 (default: 300)")
+    measure->add_option("--wait", options.plan.waitLimit, "how long to wait for the button, in seconds (default: 300)")
         ->check(CLI::Range(1, 86'400));
 }
 
@@ -179,7 +145,9 @@ int run(std::vector<std::string> arguments) {
     app.set_version_flag("--version", "spm " SPM_PROGRAM_VERSION, "show this program's version");
     app.set_help_all_flag("--help-all", "show all help");
     std::filesystem::path module;
-    const CLI::App* const doctor = addDoctor(app, module);
+    CLI::App* const doctor = app.add_subcommand("doctor", "check the installation and suggest fixes");
+    doctor->footer(doctorHelp);
+    addModule(*doctor, module);
     spm::MeasureOptions options;
     addMeasure(app, options);
     options.words = arguments;
@@ -195,20 +163,14 @@ int run(std::vector<std::string> arguments) {
     return doctor->parsed() ? diagnose(module) : static_cast<int>(spm::measure(options));
 }
 
-int report(const std::exception& error, int status) {
-    std::fprintf(stderr, "spm: %s\n", error.what());
-    return status;
-}
-
 } // namespace
 
 int main(int argc, char** argv) {
     try {
         spm::prepareStreams();
         return run(spm::arguments(argc, argv));
-    } catch (const spm::UsageError& error) {
-        return report(error, usageError);
     } catch (const std::exception& error) {
-        return report(error, EXIT_FAILURE);
+        std::fprintf(stderr, "spm: %s\n", error.what());
+        return dynamic_cast<const spm::UsageError*>(&error) != nullptr ? usageError : EXIT_FAILURE;
     }
 }

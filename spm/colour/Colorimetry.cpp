@@ -5,15 +5,12 @@
 #include "spm/Error.h"
 
 #include <algorithm>
-#include <fmt/format.h>
 
 namespace spm {
 
 namespace {
 
 using SpectrumView = std::span<const SPM_REFLECTION>;
-
-constexpr const char* calculated = "calculated from spectra";
 
 void requireWavelengths(SpectrumView spectrum) {
     int expected = 370;
@@ -58,18 +55,6 @@ Xyz tristimulus(const Conditions& conditions, const Reflectance& percentAt) {
 }
 
 } // namespace
-
-std::string observerOf(const Conditions& conditions) {
-    return fmt::format("{} degree", conditions.observer);
-}
-
-std::string colorimetryOf(const Conditions& conditions) {
-    return conditions.isCalculated ? calculated : "from the module";
-}
-
-bool isCalculated(std::string_view colorimetry) {
-    return colorimetry == calculated;
-}
 
 Xyz whitePoint(const Conditions& conditions) {
     return tristimulus(conditions, [](std::ptrdiff_t) { return 100.0; });

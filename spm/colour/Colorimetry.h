@@ -1,6 +1,6 @@
 #pragma once
 
-// Tristimulus and CIELab values of reflectance spectra, for CIE illuminants and observers.
+// Tristimulus and CIELab values of reflectance spectra, for CIE illuminants and observers, and their colours in sRGB.
 
 #include "module/SPM.h"
 
@@ -8,7 +8,6 @@
 #include <cstdint>
 #include <span>
 #include <string>
-#include <string_view>
 
 namespace spm {
 
@@ -27,15 +26,6 @@ struct Conditions {
 /// The values of Conditions::illuminant.
 inline constexpr std::array illuminants{"A", "D50", "D65"};
 
-/// The observer's name: "10 degree".
-std::string observerOf(const Conditions& conditions);
-
-/// The origin of the CIELab values: "from the module" or "calculated from spectra".
-std::string colorimetryOf(const Conditions& conditions);
-
-/// Inverts colorimetryOf.
-bool isCalculated(std::string_view colorimetry);
-
 /// The tristimulus values X, Y and Z.
 using Xyz = std::array<double, 3>;
 
@@ -51,5 +41,10 @@ Xyz toXyz(const SPM_LAB& lab, const Xyz& white);
 /// @param spectrum  reflectance in percent from 380 nm on in steps of 10 nm
 /// @throws Error  if the spectrum has other wavelengths
 SPM_LAB toLab(std::span<const SPM_REFLECTION> spectrum, const Conditions& conditions);
+
+/// The colour as CSS writes it in sRGB (IEC 61966-2-1), such as "#2a3f97", clipped to the gamut. Colours of other
+/// conditions are adapted to the white of sRGB, D65 for the 2 degree observer, by the Bradford transform.
+/// @param white  the tristimulus values of the white that the CIELab values refer to
+std::string toSrgb(const SPM_LAB& lab, const Xyz& white);
 
 } // namespace spm

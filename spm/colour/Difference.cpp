@@ -40,33 +40,22 @@ double chromaOf(const SPM_LAB& lab) {
     return std::hypot(static_cast<double>(lab.a), static_cast<double>(lab.b));
 }
 
-double hueOf(double a, double b) {
-    const double hue = std::atan2(b, a) / radians;
-    return hue < 0 ? hue + 360 : hue;
+/// The hue from 0 to 360.
+double normalized(double hue) {
+    return hue < 0 ? hue + 360 : hue >= 360 ? hue - 360 : hue;
 }
 
 /// @param factor  stretches a*
 Colour toPrimed(const SPM_LAB& lab, double factor) {
     const double a = factor * static_cast<double>(lab.a);
     const auto b = static_cast<double>(lab.b);
-    return {static_cast<double>(lab.L), std::hypot(a, b), hueOf(a, b)};
+    return {static_cast<double>(lab.L), std::hypot(a, b), normalized(std::atan2(b, a) / radians)};
 }
 
-/// Whether the shorter arc between the hues crosses 0. The margin keeps rounding from deciding for opposite hues.
-bool crossesZero(const Colour& sample, const Colour& reference) {
-    return std::abs(sample.hue - reference.hue) > 180 + 1e-9;
-}
-
+/// Along the shorter arc between the hues. The margin keeps rounding from deciding for opposite hues.
 double hueDifference(const Colour& sample, const Colour& reference) {
     const double difference = sample.hue - reference.hue;
-    if (!crossesZero(sample, reference)) return difference;
-    return difference > 0 ? difference - 360 : difference + 360;
-}
-
-double meanHue(const Colour& sample, const Colour& reference) {
-    const double sum = sample.hue + reference.hue;
-    if (!crossesZero(sample, reference)) return sum / 2;
-    return sum < 360 ? (sum + 360) / 2 : (sum - 360) / 2;
+    return std::abs(difference) > 180 + 1e-9 ? difference - std::copysign(360, difference) : difference;
 }
 
 double lightnessWeight(double lightness) {
@@ -90,10 +79,10 @@ double rotation(double chroma, double hue) {
 double ciede2000(const Colour& sample, const Colour& reference) {
     const double lightness = (sample.lightness + reference.lightness) / 2;
     const double chroma = (sample.chroma + reference.chroma) / 2;
-    const double hue = meanHue(sample, reference);
+    const double halfArc = hueDifference(sample, reference) / 2;
+    const double hue = normalized(reference.hue + halfArc);
 
-    const double deltaHue =
-        2 * std::sqrt(sample.chroma * reference.chroma) * sine(hueDifference(sample, reference) / 2);
+    const double deltaHue = 2 * std::sqrt(sample.chroma * reference.chroma) * sine(halfArc);
     const double l = (sample.lightness - reference.lightness) / lightnessWeight(lightness);
     const double c = (sample.chroma - reference.chroma) / (1 + 0.045 * chroma);
     const double h = deltaHue / hueWeight(chroma, hue);

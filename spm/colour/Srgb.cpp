@@ -1,4 +1,4 @@
-#include "spm/colour/Srgb.h"
+#include "spm/colour/Colorimetry.h"
 
 #include <algorithm>
 #include <cmath>

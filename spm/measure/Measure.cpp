@@ -1,7 +1,6 @@
 #include "spm/measure/Measure.h"
 
 #include "spm/Error.h"
-#include "spm/measure/Interrupt.h"
 #include "spm/measure/RunWriter.h"
 #include "spm/measure/Session.h"
 
@@ -18,8 +17,9 @@ std::string timeNow() {
                        fmt::gmtime(std::chrono::system_clock::to_time_t(std::chrono::system_clock::now())));
 }
 
+/// Says what measures.
 /// @throws UsageError  if the earlier part of the run is simulated, and the other isn't
-void describeModule(Plan& plan, const Module& module) {
+void describeModule(Plan& plan, const Module& module, const Prompter& prompter) {
     const std::string simulation = module.simulation();
     if (plan.isResumed && simulation.empty() != plan.run.simulation.empty()) {
         throw UsageError(fmt::format("{} has {} values, unlike this run", plan.output.string(),
@@ -30,38 +30,29 @@ void describeModule(Plan& plan, const Module& module) {
     plan.run.module = plan.module.string();
     plan.run.version = module.version();
     plan.run.simulation = simulation;
+    prompter.say(fmt::format("Module {}, version {}", plan.run.module, plan.run.version));
+    if (simulation.empty()) return;
+    prompter.say(fmt::format("SIMULATED: no instrument is used. The values come from a {}.", simulation));
 }
 
-void announce(const Prompter& prompter, const Run& run) {
-    prompter.say(fmt::format("Module {}, version {}", run.module, run.version));
-    if (run.simulation.empty()) return;
-    prompter.say(fmt::format("SIMULATED: no instrument is used. The values come from a {}.", run.simulation));
-}
-
-struct Ending {
-    Outcome outcome;
-    /// Why the remaining patches were not measured.
-    std::string reason;
-};
-
-Ending measureAll(const Module& module, Plan& plan, const Prompter& prompter, RunWriter& writer) {
-    const InterruptGuard interrupts;
+/// Measures, and gives the patches that were not reached a reason.
+Outcome measureAll(Plan& plan, const Module& module, const Prompter& prompter, RunWriter& writer) {
+    const auto end = [&](Outcome outcome, const std::string& text, const std::string& reason) {
+        prompter.say(text);
+        for (Patch& patch : plan.run.patches) {
+            if (patch.missingReason == notReached) patch.missingReason = reason;
+        }
+        return outcome;
+    };
     try {
-        Session(module, prompter, writer, plan.run).measure();
-        return {Outcome::complete, ""};
+        measureStrips(module, prompter, writer, plan.run);
+        return isComplete(plan.run.patches) ? Outcome::complete : Outcome::incomplete;
     } catch (const Interrupted&) {
-        prompter.say("\nStopped; the instrument is closed, and all measured values are kept.");
-        return {Outcome::incomplete, "the run was interrupted"};
+        return end(Outcome::incomplete, "\nStopped; the instrument is closed, and all measured values are kept.",
+                   "the run was interrupted");
     } catch (const std::exception& error) {
-        prompter.say("spm: " + std::string(error.what()));
-        return {Outcome::failed, "the run ended: " + firstLine(error.what())};
-    }
-}
-
-/// Gives the patches that were not reached a reason.
-void explainMissing(Run& run, const std::string& reason) {
-    for (Patch& patch : run.patches) {
-        if (!patch.reading && patch.missingReason.empty()) patch.missingReason = reason;
+        const std::string text = error.what();
+        return end(Outcome::failed, "spm: " + text, "the run ended: " + firstLine(text));
     }
 }
 
@@ -81,33 +72,22 @@ std::string summaryOf(const Plan& plan) {
     return text + "\nTo go on: " + plan.resumeCommand;
 }
 
-/// Writes all results, and describes them.
-/// @return whether everything was written
-bool writeResults(const Plan& plan, const Prompter& prompter, RunWriter& writer, const Ending& ending) {
-    const InterruptGuard interrupts; // Ctrl-C must not keep the values from being written
-    const std::string failures = writer.finish();
-    if (!failures.empty()) prompter.say("spm: " + failures);
-    if (ending.outcome != Outcome::failed) writer.showComparison();
-    if (failures.empty()) prompter.say(summaryOf(plan));
-    return failures.empty();
-}
-
 } // namespace
 
 Outcome measure(const MeasureOptions& options) {
     Plan plan = planOf(options);
     const Prompter prompter(plan.waitLimit);
     const Module module(plan.module);
-    describeModule(plan, module);
-    announce(prompter, plan.run);
+    describeModule(plan, module, prompter);
     RunWriter writer(plan, prompter);
-    const Ending ending = measureAll(module, plan, prompter, writer);
-    explainMissing(plan.run, ending.reason);
-    const bool isWritten = writeResults(plan, prompter, writer, ending);
-    if (ending.outcome == Outcome::failed || !isWritten) return Outcome::failed;
-    if (!isComplete(plan.run.patches)) return Outcome::incomplete;
+    const Outcome outcome = measureAll(plan, module, prompter, writer);
+    const bool isWritten = writer.finish();
+    if (outcome != Outcome::failed) writer.showComparison();
+    if (!isWritten) return Outcome::failed;
+    prompter.say(summaryOf(plan));
     const std::optional<Comparison> comparison = compare(plan.run);
-    return !comparison || comparison->isWithinLimits ? Outcome::complete : Outcome::outOfTolerance;
+    const bool isOut = outcome == Outcome::complete && comparison && !comparison->isWithinLimits;
+    return isOut ? Outcome::outOfTolerance : outcome;
 }
 
 } // namespace spm

@@ -3,8 +3,6 @@
 
 #include "spm/measure/RunWriter.h"
 
-#include "spm/formats/Report.h"
-#include "spm/formats/Table.h"
 #include "spm/measure/OutputFile.h"
 
 namespace spm {
@@ -14,21 +12,22 @@ void RunWriter::save(const Strip& strip) {
     if (!plan.output.empty()) {
         isSaved = attempt([&] { replaceFile(plan.output, text()); }, failures);
     } else if (showsTables() && isSaved) {
-        const bool withHeader = !hasHeader || plan.run.patchesInRow > 0; // one for all spots
-        isSaved = attempt([&] { writeToStdout(tableOf(patchesOf(plan.run, strip), withHeader)); }, failures);
-        hasHeader = true;
+        const bool withHeader = plan.run.patchesInRow > 0 || measuredCount(plan.run.patches) == 1; // one for all spots
+        isSaved =
+            attempt([&] { writeToStdout(formatTable(plan.run, patchesOf(plan.run, strip), withHeader)); }, failures);
     }
     if (!failures.empty()) prompter.say(failures + "\nThe measured values are kept and will be saved later.");
 }
 
-std::string RunWriter::finish() {
+bool RunWriter::finish() {
+    if (measuredCount(plan.run.patches) == 0) return true;
     std::string failures;
-    if (measuredCount(plan.run.patches) == 0) return failures;
     const bool isInFile = !plan.output.empty() && attempt([&] { replaceFile(plan.output, text()); }, failures);
     if (!plan.report.empty()) attempt([&] { replaceFile(plan.report, htmlReport(plan.run)); }, failures);
     const bool isShown = showsTables() && isSaved;
     if (!isInFile && !isShown) attempt([&] { writeToStdout(text()); }, failures);
-    return failures;
+    if (!failures.empty()) prompter.say("spm: " + failures);
+    return failures.empty();
 }
 
 void RunWriter::showComparison() const {
@@ -51,22 +50,8 @@ bool RunWriter::attempt(const std::function<void()>& write, std::string& failure
     return false;
 }
 
-std::string RunWriter::tableOf(std::span<const Patch> part, bool withHeader) const {
-    return (withHeader ? tableHeader(plan.run) : "") + labLines(plan.run, part) +
-           (plan.showsSpectra ? spectraTable(plan.run, part) : "");
-}
-
 std::string RunWriter::text() const {
-    switch (plan.format) {
-    case Format::csv:
-        return formatCsv(plan.run);
-    case Format::json:
-        return formatJson(plan.run);
-    case Format::cgats:
-        return formatCgats(plan.run);
-    default:
-        return tableOf(plan.run.patches, true);
-    }
+    return showsTables() ? formatTable(plan.run, plan.run.patches, true) : plan.format(plan.run);
 }
 
 } // namespace spm

@@ -19,17 +19,16 @@ public:
     void save(const Strip& strip);
 
     /// Writes the final output file and the report, each even if the other fails. Values that are in no file go to
-    /// standard output.
-    /// @return all errors, a line each; empty if there were none
-    std::string finish();
+    /// standard output. All errors are reported to the user.
+    /// @return whether everything was written
+    bool finish();
 
     /// Prints the comparison with the reference, if there is one: to standard output after the tables, otherwise to
     /// standard error.
     void showComparison() const;
 
 private:
-    bool showsTables() const { return plan.output.empty() && plan.format == Format::table; }
-    std::string tableOf(std::span<const Patch> part, bool withHeader) const;
+    bool showsTables() const { return plan.format == nullptr; }
     std::string text() const;
     static bool attempt(const std::function<void()>& write, std::string& failures);
 
@@ -37,8 +36,6 @@ private:
     const Prompter& prompter;
     /// Whether all measured strips are saved.
     bool isSaved = true;
-    /// Whether a table was written.
-    bool hasHeader = false;
 };
 
 } // namespace spm

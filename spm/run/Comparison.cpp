@@ -6,12 +6,13 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cmath>
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 #include <functional>
+#include <limits>
 #include <numeric>
 #include <set>
-#include <sstream>
 #include <string_view>
 
 namespace spm {
@@ -42,31 +43,39 @@ std::string formatNames(std::string_view title, const std::vector<std::string>& 
     return fmt::format("{}: \"{}\"\n", title, common::printable(fmt::format("{}", fmt::join(names, "\", \""))));
 }
 
-/// @return none unless the text is digits with an optional decimal part
-std::optional<double> parseLimit(const std::string& text) {
-    double value = 0;
-    const char* const end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, value, std::chars_format::fixed);
-    const bool isNumber = error == std::errc{} && stop == end && value >= 0 && value <= 999'999'999;
-    return isNumber ? std::optional(value) : std::nullopt;
+/// In CIEDE2000. Two prints of one chart rarely differ by more; different patches usually do.
+constexpr double largestGoodMean = 5;
+
+/// The mean difference of the readings from the expected values of a strip; infinite if a value is missing.
+double meanDifference(const std::vector<Reading>& readings, const Strip& strip, const Run& run) {
+    constexpr double unknown = std::numeric_limits<double>::infinity();
+    if (readings.size() != strip.count) return unknown;
+    double sum = 0;
+    for (std::size_t i = 0; i < readings.size(); ++i) {
+        const auto expected = run.reference->patches.find(run.patches[strip.first + i].name);
+        if (expected == run.reference->patches.end()) return unknown;
+        sum += deltaE(Formula::ciede2000, readings[i].lab, expected->second);
+    }
+    return sum / static_cast<double>(readings.size());
 }
 
 } // namespace
 
-Limits parseLimits(const std::string& text) {
+Limits parseLimits(const std::vector<std::string>& texts) {
     Limits limits;
-    std::istringstream items(text + ',');
-    for (std::string item; std::getline(items, item, ',');) {
-        const std::size_t equals = std::min(item.find('='), item.size());
-        const std::string key = item.substr(0, equals);
-        const std::optional<double> limit = parseLimit(item.substr(std::min(equals + 1, item.size())));
+    for (const std::string& text : texts) {
+        const std::string key = text.substr(0, text.find('='));
+        const char* const end = text.data() + text.size();
+        double limit = -1;
+        const auto [stop, error] =
+            std::from_chars(std::min(text.data() + key.size() + 1, end), end, limit, std::chars_format::fixed);
+        const bool isLimit = error == std::errc{} && stop == end && limit >= 0 && limit <= 999'999'999;
         const bool isKnown = std::ranges::find(limitKeys, key) != limitKeys.end();
-        if (!isKnown || !limit || !limits.emplace(key, *limit).second) {
-            throw UsageError(fmt::format("--tolerance: \"{}\" is not a limit", item),
-                             fmt::format("use each of {} at most once, with a number from 0 to 999999999, such as "
-                                         "mean=2,max=5.5",
-                                         fmt::join(limitKeys, ", ")));
-        }
+        if (isKnown && isLimit && limits.emplace(key, limit).second) continue;
+        throw UsageError(fmt::format("--tolerance: \"{}\" is not a limit", text),
+                         fmt::format("use each of {} at most once, with a number from 0 to 999999999, such as "
+                                     "mean=2,max=5.5",
+                                     fmt::join(limitKeys, ", ")));
     }
     return limits;
 }
@@ -130,6 +139,21 @@ std::optional<Comparison> compare(const Run& run) {
     comparison.statistics = statisticsOf(differences, run.reference->limits);
     comparison.isWithinLimits = std::ranges::all_of(comparison.statistics, &Statistic::isWithinLimit);
     return comparison;
+}
+
+std::optional<Fit> findBetterFit(const std::vector<Reading>& readings, const Strip& strip, const Run& run) {
+    const double mean = meanDifference(readings, strip, run);
+    if (mean <= largestGoodMean || std::isinf(mean)) return std::nullopt;
+    const std::vector<Reading> reversed(readings.rbegin(), readings.rend());
+    std::optional<Fit> best;
+    for (const Strip& other : stripsOf(run)) {
+        for (const bool isReversed : {false, true}) {
+            const Fit fit{other, isReversed, meanDifference(isReversed ? reversed : readings, other, run)};
+            const bool isMatch = fit.mean <= largestGoodMean && fit.mean < mean / 2;
+            if (isMatch && (!best || fit.mean < best->mean)) best = fit;
+        }
+    }
+    return best;
 }
 
 std::string describeUncompared(const Comparison& comparison) {

@@ -16,15 +16,15 @@ namespace spm {
 /// The upper limits of statistics by key: "mean", "median", "p90", "p95", "max".
 using Limits = std::map<std::string, double>;
 
-/// @param text  such as "mean=2,max=5"
+/// @param texts  such as "mean=2" and "max=5"
 /// @throws UsageError  with the allowed form
-Limits parseLimits(const std::string& text);
+Limits parseLimits(const std::vector<std::string>& texts);
 
 /// The expected values of patches, and how to compare with them.
 struct Reference {
-    std::filesystem::path file;
+    std::filesystem::path file{};
     /// By name.
-    std::map<std::string, SPM_LAB> patches;
+    std::map<std::string, SPM_LAB> patches{};
     Formula formula = Formula::ciede2000;
     Limits limits{};
     /// Whether the file says its illuminant and observer.
@@ -79,6 +79,21 @@ struct Comparison {
 
 /// @return none if there is no reference; without statistics if there is no patch to compare
 std::optional<Comparison> compare(const Run& run);
+
+/// A strip that readings match better than the one that they were measured for.
+struct Fit {
+    Strip strip;
+    bool isReversed;
+    /// The mean CIEDE2000 from the expected values.
+    double mean;
+};
+
+/// Detects that the user measured the wrong strip, or the right one in reverse: compares the readings with the expected
+/// values of all strips.
+/// @param readings  a reading for each patch of the strip
+/// @param run       has the patches of all strips, and a reference
+/// @return none if the strip fits well, or no other one both fits well and clearly better
+std::optional<Fit> findBetterFit(const std::vector<Reading>& readings, const Strip& strip, const Run& run);
 
 /// Lines with the patches that were not compared and the reason; empty if there are none.
 std::string describeUncompared(const Comparison& comparison);

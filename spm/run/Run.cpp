@@ -1,11 +1,9 @@
 #include "spm/run/Run.h"
 
-#include "spm/Error.h"
-
 #include <algorithm>
 #include <cmath>
 #include <fmt/format.h>
-#include <iterator>
+#include <functional>
 
 namespace spm {
 
@@ -44,30 +42,31 @@ std::string coverage(const Run& run) {
 }
 
 std::vector<std::string> gaps(const Run& run) {
-    const auto describe = [&](std::size_t first, std::size_t end) {
-        return fmt::format("{} not measured: {}",
-                           end - first == 1 ? fmt::format("patch {}", end)
-                                            : fmt::format("patches {} to {}", first + 1, end),
-                           missingReasonOf(run.patches[first]));
-    };
     std::vector<std::string> all;
-    for (std::size_t first = 0; first < run.patches.size();) {
-        const Patch& patch = run.patches[first];
-        std::size_t end = first + 1;
-        const auto continues = [&](const Patch& next) {
-            return !next.reading && next.missingReason == patch.missingReason;
-        };
-        while (!patch.reading && end < run.patches.size() && continues(run.patches[end])) {
-            ++end;
-        }
-        if (!patch.reading) all.push_back(describe(first, end));
+    const auto isSameGap = [](const Patch& one, const Patch& next) {
+        return !one.reading && !next.reading && one.missingReason == next.missingReason;
+    };
+    for (auto first = run.patches.begin(); first != run.patches.end();) {
+        const auto last = std::adjacent_find(first, run.patches.end(), std::not_fn(isSameGap));
+        const auto end = last == run.patches.end() ? last : last + 1;
+        const auto from = first - run.patches.begin() + 1;
+        const auto to = end - run.patches.begin();
+        if (!first->reading)
+            all.push_back(
+                fmt::format("{} not measured: {}",
+                            from == to ? fmt::format("patch {}", to) : fmt::format("patches {} to {}", from, to),
+                            first->missingReason));
         first = end;
     }
     return all;
 }
 
-std::string missingReasonOf(const Patch& patch) {
-    return patch.missingReason.empty() ? "not reached" : patch.missingReason;
+std::string observerOf(const Conditions& conditions) {
+    return fmt::format("{} degree", conditions.observer);
+}
+
+std::string describe(const Conditions& conditions) {
+    return conditions.illuminant + '/' + observerOf(conditions);
 }
 
 Xyz xyzOf(const Run& run, const Reading& reading) {
@@ -75,29 +74,6 @@ Xyz xyzOf(const Run& run, const Reading& reading) {
     const auto rounded = [](float value) { return std::round(value * 10000) / 10000; };
     const SPM_LAB& lab = reading.lab;
     return toXyz({rounded(lab.L), rounded(lab.a), rounded(lab.b)}, whitePoint(run.conditions));
-}
-
-std::vector<std::int32_t> wavelengths(const Run& run) {
-    std::vector<std::int32_t> all;
-    const auto measured =
-        std::ranges::find_if(run.patches, [](const Patch& patch) { return patch.reading.has_value(); });
-    if (measured == run.patches.end()) return all;
-    std::ranges::transform(measured->reading->spectrum, std::back_inserter(all), &SPM_REFLECTION::wavelength);
-    return all;
-}
-
-void requireFinite(const std::string& name, const Reading& reading) {
-    const auto require = [&](const std::string& quantity, float value) {
-        if (std::isfinite(value)) return;
-        throw Error(fmt::format("the patch \"{}\" has an invalid value for {}: {}", name, quantity, value),
-                    "measure it again");
-    };
-    for (const SPM_REFLECTION& point : reading.spectrum) {
-        require(fmt::format("{} nm", point.wavelength), point.value);
-    }
-    require("L*", reading.lab.L);
-    require("a*", reading.lab.a);
-    require("b*", reading.lab.b);
 }
 
 } // namespace spm

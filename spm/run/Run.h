@@ -22,12 +22,15 @@ inline constexpr std::int32_t unknownRows = -1;
 /// Reflectance in percent by wavelength in nm.
 using Spectrum = std::vector<SPM_REFLECTION>;
 
-/// The values of a patch. In a run, either all readings have a spectrum, or none has.
+/// The values of a patch. In a run, either all readings have a spectrum of the same wavelengths, or none has.
 struct Reading {
     /// For the run's conditions; calculated from the spectrum, if there is one.
     SPM_LAB lab;
     Spectrum spectrum{};
 };
+
+/// Patch::missingReason of a patch that was not skipped.
+inline constexpr const char* notReached = "not reached";
 
 struct Patch {
     std::string name;
@@ -37,8 +40,8 @@ struct Patch {
     std::string place{};
     /// None if it was not measured.
     std::optional<Reading> reading{};
-    /// Why it was not measured, such as "skipped"; empty if it was, or wasn't reached yet.
-    std::string missingReason{};
+    /// Why it was not measured; of no importance if it was.
+    std::string missingReason = notReached;
 };
 
 struct Run {
@@ -93,17 +96,12 @@ std::string coverage(const Run& run);
 /// element for each gap, in the order of the chart.
 std::vector<std::string> gaps(const Run& run);
 
-/// Why a patch has no values; never empty.
-std::string missingReasonOf(const Patch& patch);
+/// The observer's name: "10 degree".
+std::string observerOf(const Conditions& conditions);
+/// "D65/10 degree".
+std::string describe(const Conditions& conditions);
 
 /// X, Y and Z of a reading.
 Xyz xyzOf(const Run& run, const Reading& reading);
-
-/// The wavelengths of all spectra, in nm; empty if there are no spectra.
-std::vector<std::int32_t> wavelengths(const Run& run);
-
-/// @param name  the patch's
-/// @throws Error  if a value is not finite
-void requireFinite(const std::string& name, const Reading& reading);
 
 } // namespace spm

@@ -7,7 +7,7 @@
 inline spm::Run simulatedRows() {
     return {.started = "2026-11-23T09:30:00Z",
             .module = "C:\\new\\spm.dll",
-            .version = "5.9.0.3",
+            .version = "7.8",
             .instrument = "i1",
             .simulation = "simulated i1 & 24 patches",
             .conditions = {"D50", 2, true, "UV, in"},

@@ -7,15 +7,13 @@
 #include "tests/support/System.h"
 
 #include <algorithm>
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 namespace {
 
 namespace fs = std::filesystem;
 using Texts = std::vector<std::string>;
-
-const fs::path moduleFile = common::programFolder() / common::moduleFileName;
-const fs::path sdkFile = common::programFolder() / common::sdkFileName;
 
 class Spm : public testing::Test {
 protected:
@@ -46,39 +44,28 @@ Texts operator+(Texts one, const Texts& other) {
     return one;
 }
 
-std::string replaced(std::string text, const std::string& part, const std::string& by) {
-    const std::size_t place = text.find(part);
-    EXPECT_NE(place, std::string::npos) << part << text;
-    return text.replace(place, part.size(), by);
-}
-
 } // namespace
 
 TEST_F(Spm, ShowsTables) {
-    const std::string chart = SOURCE_FOLDER "/simulator/data/colorchecker24.csv";
-    ASSERT_EQ(measure({"--chart", chart, "--patches", "12", "--spectra"}), 0) << errors();
+    ASSERT_EQ(measure({"--patches", "12", "--rows", "2", "--spectra"}), 0) << errors();
     Texts lines = linesOf(output());
     EXPECT_EQ(std::count(lines.begin(), lines.end(), lines[1]), 2) << "a header for each row";
-    EXPECT_EQ(lines.size(), 2 * 2U + 24 + 24 * 9);
-    EXPECT_TRUE(contains(output(), "\nReflectance of \"black 2 (1.5 D)\" in percent, simulated:\n")) << output();
-    EXPECT_TRUE(
-        errors().starts_with("Module " + moduleFile.string() + ", version 5.9.0.3\nSIMULATED: no instrument is used."));
+    EXPECT_EQ(lines.size(), 2 * 2U + 24);
     ASSERT_EQ(measure({"--spots", "2", "--names", "a name of 24 characters.,gr\xC3\xBCn and a rather long name"}), 0);
     lines = linesOf(output());
     ASSERT_EQ(lines.size(), 3U) << "one header for all spots";
-    EXPECT_TRUE(lines[1].starts_with("a name of 24 characters.    36.81 ")) << lines[1];
-    EXPECT_TRUE(contains(errors(), "\n2 of 2 patches\n")) << errors();
+    EXPECT_TRUE(lines[1].starts_with("a name of 24 characters.     36.81 ")) << lines[1];
+    EXPECT_TRUE(lines[2].starts_with("gr\xC3\xBCn and a rather long \u2026 ")) << lines[2];
+    EXPECT_TRUE(contains(errors(), "SIMULATED: ") && errors().ends_with("\n2 of 2 patches\n")) << errors();
 }
 
 // The last row is shorter; a last row of one patch is measured as a spot.
 TEST_F(Spm, MeasuresAShortLastRow) {
     for (const auto& [names, last] : std::vector<std::pair<std::string, std::string>>{
-             {"a,b,c,d,e", "Row 2 of 2: press the button and slide the instrument from \"d\" to \"e\"."},
-             {"a,b,c,d", "Row 2 of 2: place the instrument on \"d\" and press the button."}}) {
+             {"a,b,c,d,e", "slide the instrument from \"d\" to \"e\""}, {"a,b,c,d", "place the instrument on \"d\""}}) {
         ASSERT_EQ(measure({"--names", names, "--patches", "3"}), 0) << errors();
         EXPECT_TRUE(contains(errors(), last)) << errors();
     }
-    EXPECT_EQ(measure({"--names", "a,b,c,d,e", "--patches", "3", "--rows", "1"}), 2);
 }
 
 // The chart is in random order and has device values, and names that look like other fields. Everything comes from the
@@ -92,15 +79,11 @@ TEST_F(Spm, GoesOnWithTheOutputFile) {
     for (const std::string name : {"run.csv", "run.json", "run.cgats"}) {
         useScript(R"({"faults": [{"function": "I1PRO3_TriggerMeasurement", "call": 2, "result": 7, "text": "lamp"}]})");
         EXPECT_EQ(measure(complete + Texts{"--overwrite", "--output", file(name)}), 1);
-        EXPECT_TRUE(contains(errors(), "\n2 of 5 patches, in " + file(name) +
-                                           "\npatches 3 to 5 not measured: the run "
-                                           "ended: measuring failed: lamp\nTo go on: spm measure --chart "))
-            << errors();
+        EXPECT_TRUE(contains(errors(), "\n2 of 5 patches, in " + file(name) + "\npatches 3 to 5 ")) << errors();
         EXPECT_TRUE(errors().ends_with(" --resume\n")) << errors();
         const std::string before = readText(file(name));
         useScript(R"({"place": "white reference"})"); // measures other values than before
         ASSERT_EQ(measure({"--resume", "--output", file(name), "--patches", "2", "--observer", "2"}), 0) << errors();
-        EXPECT_TRUE(contains(errors(), "Row 3 of 3: place the instrument on \"last\"")) << errors();
         EXPECT_TRUE(errors().ends_with("\n5 of 5 patches, in " + file(name) + "\n")) << errors();
         const std::string after = readText(file(name));
         for (const std::string& line : linesOf(before)) {
@@ -108,7 +91,7 @@ TEST_F(Spm, GoesOnWithTheOutputFile) {
             EXPECT_TRUE(!isMeasured || contains(after, line)) << line << after;
         }
         EXPECT_TRUE(contains(after, "C7") && contains(after, "UV Included")) << after;
-        EXPECT_FALSE(contains(after, "the run ended")) << after;
+        EXPECT_FALSE(contains(after, "lamp")) << after;
         ASSERT_EQ(measure({"--resume", "--output", file(name)}), 0) << errors();
         EXPECT_FALSE(contains(errors(), "Calibration")) << "nothing is missing";
     }
@@ -119,52 +102,45 @@ TEST_F(Spm, GoesOnWithTheOutputFile) {
 
 TEST_F(Spm, RefusesToGoOnWithAnotherRun) {
     const std::string run = file("run.csv");
-    const Texts resume{"--resume", "--output", run};
-    EXPECT_EQ(measure({"--resume", "--output", file("ruin.csv")}), 2);
-    EXPECT_TRUE(contains(errors(), "ruin.csv does not exist")) << errors();
     ASSERT_EQ(measure({"--names", "x,a,y,b", "--patches", "2", "--output", run}), 0) << errors();
     writeFile(file("foreign.csv"), "name,L*,a*,b*\none,1,2,3\n");
-    const std::vector<std::pair<Texts, std::string>> cases{
-        {{"--patches", "3"}, "--patches asks for 3, but " + run + " has 2; "},
-        {{"--rows", "3"}, "--rows asks for 3, but " + run + " has 2; "},
-        {{"--spots", "4"}, "--spots asks for 4, but " + run + " has 0; "},
-        {{"--names", "x,a,c,b"}, "--names asks for \"c\" as patch 3, but " + run + " has \"y\" as patch 3; "},
-        {{"--names", "x,a,y"}, "--names asks for only 3 patches, but " + run + " has \"b\" as patch 4; "},
-        {{"--chart", file("foreign.csv")}, "foreign.csv asks for \"one\" as patch 1, but "},
-        {{"--illuminant", "A"}, "--illuminant asks for A, but " + run + " has D65; "},
-        {{"--observer", "2"}, "--observer asks for 2, but " + run + " has 10; "},
-        {{"--observer", "10"}, "--spectra, --illuminant or --observer asks for true, but " + run + " has false; "},
-        {{"--xyz"}, "--xyz asks for true, but " + run + " has false; "},
-        {{"--overwrite"}, "--overwrite excludes --resume"},
-    };
-    for (const auto& [more, message] : cases) {
-        EXPECT_EQ(measure(resume + more), 2) << message;
-        EXPECT_TRUE(contains(errors(), message)) << errors();
+    const std::vector<std::tuple<Texts, std::string, std::string>> cases{
+        {{"--patches", "3"}, "3", "2"},
+        {{"--rows", "3"}, "3", "2"},
+        {{"--spots", "4"}, "4", "rows"},
+        {{"--names", "x,a,c,b"}, "\"c\" as patch 3", "\"y\" as patch 3"},
+        {{"--names", "x,a,y"}, "only 3 patches", "\"b\" as patch 4"},
+        {{"--chart", file("foreign.csv")}, "\"one\" as patch 1", "\"x\" as patch 1"},
+        {{"--illuminant", "A"}, "A", "D65"},
+        {{"--observer", "2"}, "2", "10"},
+        {{"--spectra"}, "spectra", "no spectra"},
+        {{"--xyz"}, "XYZ", "no XYZ"}};
+    for (const auto& [options, asked, found] : cases) {
+        EXPECT_EQ(measure(Texts{"--resume", "--output", run} + options), 2) << options[0];
+        const std::string message = fmt::format(" asks for {}, but {} has {}; ", asked, run, found);
+        EXPECT_TRUE(contains(errors(), message) && contains(errors(), options[0])) << message << errors();
     }
-    EXPECT_EQ(measure({"--resume", "--output", file("foreign.csv")}), 2);
-    EXPECT_TRUE(contains(errors(), "foreign.csv does not say how it was measured; ")) << errors();
     std::string real = readText(run);
-    for (int i = 0; i < 4; ++i) {
-        real = replaced(real, "simulated i1Pro 3 with the ColorChecker Classic chart", "no");
+    const std::string simulation = "simulated i1Pro 3 with the ColorChecker Classic chart";
+    for (std::size_t place = real.find(simulation); place != std::string::npos; place = real.find(simulation)) {
+        real.erase(place, simulation.size());
     }
     writeFile(file("real.csv"), real);
-    EXPECT_EQ(measure({"--resume", "--output", file("real.csv")}), 2);
-    EXPECT_TRUE(contains(errors(), "real.csv has measured values, unlike this run; ")) << errors();
+    for (const std::string name : {"ruin.csv", "foreign.csv", "real.csv"}) {
+        EXPECT_EQ(measure({"--resume", "--output", file(name)}), 2);
+        EXPECT_TRUE(contains(errors(), name)) << errors();
+    }
 }
 
 TEST_F(Spm, CalculatesCielabFromSpectra) {
     const std::string expected = SOURCE_FOLDER "/tests/unit/data/colorchecker24_lab.csv";
     // The expected values are calculated with published weights at 10 nm, as in the simulated instrument.
     useScript(R"({"light": {"noise": 0}})");
-    const Texts chart{"--chart", expected, "--reference", expected, "--patches", "24", "--illuminant", "D65", "--xyz"};
-    ASSERT_EQ(measure(chart), 0) << errors();
-    EXPECT_TRUE(output().starts_with("CIELab calculated from spectra\n"
-                                     "D65/10 degree, simulated       L*       a*       b*      X      Y      Z\n"));
-    EXPECT_TRUE(contains(output(), "\nmaximum                       0.02\n")) << output();
-    EXPECT_FALSE(contains(output(), "Reflectance")) << output();
-    const Texts reversed{"--observer", "10", "--patches", "2", "--names", "light skin,dark skin"};
-    EXPECT_EQ(measure(reversed + Texts{"--reference", expected}), 0);
-    EXPECT_TRUE(contains(errors(), "Row 1 of 1 in reverse matches better (0.0)")) << errors();
+    const Texts reference{"--reference", expected, "--illuminant", "D65"};
+    ASSERT_EQ(measure(reference + Texts{"--chart", expected, "--patches", "24", "--tolerance", "max=0.03"}), 0)
+        << output();
+    EXPECT_EQ(measure(reference + Texts{"--patches", "2", "--names", "light skin,dark skin"}), 0);
+    EXPECT_TRUE(contains(errors(), "Row 1 of 1 in reverse")) << errors();
 }
 
 TEST_F(Spm, ReadsItsOwnOutputAsChartAndReference) {
@@ -172,35 +148,32 @@ TEST_F(Spm, ReadsItsOwnOutputAsChartAndReference) {
     writeFile(file("chart.csv"), "name\n\"a, \"\"b\"\"\"\n\ngr\xC3\xBCn \xE7\xB7\x91\n");
     ASSERT_EQ(measure({"--spots", "2", "--chart", file("chart.csv"), "--output", values}), 0) << errors();
     EXPECT_EQ(output(), "");
-    EXPECT_TRUE(contains(errors(), "Spot 2 of 2: place the instrument on \"gr\xC3\xBCn \xE7\xB7\x91\" and "));
+    EXPECT_TRUE(contains(errors(), "on \"gr\xC3\xBCn \xE7\xB7\x91\" and ")) << errors();
     const Texts compared{"--spots", "2", "--chart", values, "--reference", values};
     ASSERT_EQ(measure(compared), 0) << errors();
-    EXPECT_TRUE(contains(output(), " b*\na, \"b\" ")) << output();
-    EXPECT_TRUE(contains(output(), "\n\nCompared with " + values + ": 2 of 2 patches compared\n")) << output();
+    EXPECT_TRUE(contains(output(), "\na, \"b\" ") && contains(output(), values + ": 2 of 2 patches")) << output();
     ASSERT_EQ(measure(compared + Texts{"--format", "json", "--tolerance", "max=0.1"}), 0) << errors();
-    EXPECT_TRUE(contains(output(), "\"passed\": true,") && output().ends_with("]\n}\n")) << output();
-    EXPECT_TRUE(contains(errors(), "\nmaximum                       0.00 (at most 0.1: passed)\n")) << errors();
-    EXPECT_EQ(measure(compared + Texts{"--observer", "2"}), 2);
-    EXPECT_TRUE(contains(errors(), " is for D65/10 degree, but the run measures for D65/2 degree; ")) << errors();
+    EXPECT_TRUE(contains(output(), "\"passed\": true") && output().ends_with("]\n}\n")) << output();
+    EXPECT_TRUE(contains(errors(), "(at most 0.1: passed)")) << errors();
 }
 
 TEST_F(Spm, ComparesAllPatchesWithATolerance) {
     const std::string two = "name,L*,a*,b*\npatch 1,40,13.9,14.7\npatch 2,65.8,13.4,17.7\n";
     writeFile(file("two.csv"), two);
     writeFile(file("four.csv"), two + "patch 3,51.6,-3.8,-20.2\npatch 4,42.1,-12.3,21.8\n");
-    const auto compare = [&](const std::string& reference, const Texts& more) {
-        return measure(Texts{"--patches", "2", "--rows", "2", "--reference", file(reference)} + more);
-    };
-    EXPECT_EQ(compare("four.csv", {"--difference", "76", "--tolerance", "mean=1.7,max=3.3"}), 0) << output();
-    EXPECT_TRUE(contains(output(), "\nTolerance                   passed\n")) << output();
-    EXPECT_EQ(compare("four.csv", {"--difference", "76", "--tolerance", "max=3.1"}), 4);
-    EXPECT_TRUE(contains(output(), "\nTolerance                   FAILED\n")) << output();
-    EXPECT_EQ(compare("two.csv", {}), 0);
-    EXPECT_TRUE(contains(output(), ": 2 of 4 patches compared\n")) << output();
-    EXPECT_EQ(compare("two.csv", {"--tolerance", "max=99"}), 2);
-    EXPECT_TRUE(contains(errors(), "lacks 2 of 4 patches: the chart has \"patch 3\", \"patch 4\", the reference "
-                                   "\"patch 1\", \"patch 2\"; use the same names"))
-        << errors();
+    const std::vector<std::tuple<std::string, Texts, int, std::string>> cases{
+        {"four.csv", {"--tolerance", "mean=1.7,max=3.3"}, 0, "Tolerance                   passed\n"},
+        {"four.csv", {"--tolerance", "max=3.1"}, 4, "Tolerance                   FAILED\n"},
+        {"two.csv", {}, 0, ": 2 of 4 patches compared\n"},
+        {"two.csv", {"--tolerance", "max=99"}, 2, ""}};
+    for (const auto& [reference, more, status, text] : cases) {
+        EXPECT_EQ(measure(Texts{"--patches", "2", "--rows", "2", "--difference", "76", "--reference", file(reference)} +
+                          more),
+                  status);
+        EXPECT_TRUE(contains(output(), text)) << output();
+    }
+    EXPECT_TRUE(contains(errors(), "\"patch 3\", \"patch 4\"") && contains(errors(), "\"patch 1\", \"patch 2\""));
+    EXPECT_FALSE(contains(errors(), "Calibration"));
 }
 
 TEST_F(Spm, ReportsTheCauseOfEachFailure) {
@@ -210,13 +183,11 @@ TEST_F(Spm, ReportsTheCauseOfEachFailure) {
         std::string message;
         std::string fault{};
     };
-    const std::string missing = file("missing.module");
     const std::string chart = file("chart.csv");
     const std::string place = (folder / "").parent_path().string();
-    const std::string reference = file("reference.csv");
-    writeFile(file("no module"), "text");
     writeFile(chart, "name,L*,a*,b*\none,1,2,3\n");
-    writeFile(reference, "name,L*,a*,b*\nother,1,2,3\n");
+    writeFile(file("reference.csv"), "name,L*,a*,b*\nother,1,2,3\n");
+    writeFile(file("d50.csv"), "name,L*,a*,b*,illuminant\npatch 1,1,2,3,D50\n");
     writeFile(file("quotes.csv"), "name\none\n\"5\"\" tile\"\n");
     writeFile(file("earlier.csv"), "");
     fs::create_hard_link(chart, file("link.csv"));
@@ -226,41 +197,38 @@ TEST_F(Spm, ReportsTheCauseOfEachFailure) {
     const std::string connectionLost = R"({"function": "I1PRO3_GetConnectionStatus", "call": 15, "exception": "x"})";
     const Texts row{"--patches", "2", "--report", file("page.html")};
     const std::vector<Case> cases{
-        {{"--module", missing}, 1, "can't load the module: " + missing + ": "},
-        {{"--module", sdkFile.string()}, 1, "is not a spectrophotometer module: it has no SPM_create"},
-        {{"--module", ""}, 2, "--module: the file name is empty\n"},
-        {{"--chart", missing}, 1, "can't read the chart file " + missing + ": "},
-        {{"--chart", chart, "--rows", "4"}, 2, "1 patches make 1 rows of 6, but --rows is 4; "},
-        {{"--names", "a,b", "--spots", "1"}, 2, "2 patches make 2 spots, but --spots is 1; "},
-        {{"--output", "/tmp/values"}, 2, "can't determine the format of /tmp/values from its extension; "},
+        {{"--module", file("missing.module")}, 1, "missing.module"},
+        {{"--module", (common::programFolder() / common::sdkFileName).string()}, 1, "SPM_create"},
+        {{"--module", ""}, 2, "--module: "},
+        {{"--chart", file("missing.csv")}, 1, "missing.csv"},
+        {{"--chart", chart, "--rows", "4"}, 2, "--rows is 4"},
+        {{"--names", "a,b", "--spots", "1"}, 2, "--spots is 1"},
+        {{"--output", "/tmp/values"}, 2, "extension"},
         {{"--format", "csv", "--output", file("run.csv")}, 2, "--output excludes --format"},
-        {{"--report", file("missing/page")}, 1, "page: No such file or directory; choose another file"},
-        {{"--report", place}, 1, "can't write " + place + ": it is not a regular file; choose another file"},
-        {{"--spots", "1", "--chart", chart, "--output", chart}, 2, chart + " would be overwritten; use a different"},
-        {{"--chart", chart, "--output", file("link.csv")}, 2, "link.csv would be overwritten; use a different name "},
-        {{"--output", file("earlier.csv")}, 2, "earlier.csv exists; choose another file, "},
-        {{"--chart", file("quotes.csv"), "--output", file("run.txt")}, 2, "quotes.csv line 3, \"5\" tile\": CGATS can"},
-        {{"--names", "a\tb", "--format", "cgats"}, 2, "name 1, \"a\uFFFDb\": CGATS can't contain"},
-        {{"--reference", reference},
-         2,
-         "the chart has \"patch 1\", \"patch 2\", \"patch 3\", ..., the reference \"oth"},
-        {{"--tolerance", "mean=2"}, 2, "--tolerance requires --reference"},
-        {{"--reference", chart, "--tolerance", "p99=2"},
-         2,
-         "\"p99=2\" is not a limit; use each of mean, median, p90, "},
+        {{"--report", file("missing/page")}, 1, "No such file or directory"},
+        {{"--report", place}, 1, place + ": it is not a regular file"},
+        {{"--spots", "1", "--chart", chart, "--output", chart}, 2, "overwritten"},
+        {{"--chart", chart, "--output", file("link.csv")}, 2, "overwritten"},
+        {{"--output", file("earlier.csv")}, 2, "--overwrite"},
+        {{"--chart", file("quotes.csv"), "--output", file("run.txt")}, 2, "quotes.csv line 3, \"5\" tile\""},
+        {{"--names", "a\tb", "--format", "cgats"}, 2, "name 1, \"a\uFFFDb\""},
+        {{"--reference", file("reference.csv")}, 2, "\"other\""},
+        {{"--reference", file("d50.csv")}, 2, "D50/10 degree, but the run measures for D65/10 degree"},
+        {{"--tolerance", "mean=2"}, 2, "--reference"},
+        {{"--reference", chart, "--tolerance", "p99=2"}, 2, "p99=2"},
         {row, 1, "the instrument could not be opened: lamp\nErrorNumber: 9\n", lampFails("OpenDevice")},
-        {row, 1, "no instrument was found; it is simulated: ", R"({"function": "I1PRO3_GetDevices"})"},
+        {row, 1, "no instrument was found", R"({"function": "I1PRO3_GetDevices"})"},
         {row, 1, "calibrating failed: lamp\nErrorNumber: 9\n", lampFails("Calibrate")},
         {row, 1, "measuring failed: lamp\nErrorNumber: 9\n", lampFails("GetTriStimulus")},
-        {{"--spectra"}, 1, "measuring failed: lamp\nErrorNumber: 9\n", lampFails("GetSpectrum")},
-        {row, 1, "measuring failed: the connection to the instrument was lost\n", connectionLost},
-        {row, 1, "Row 1 of 4: 1 of 2 patches were found; slide more slowly, and start"},
+        {{"--spectra"}, 1, "lamp\nErrorNumber: 9\n", lampFails("GetSpectrum")},
+        {row, 1, "the connection to the instrument was lost", connectionLost},
+        {row, 1, "1 of 2 patches were found"},
     };
     for (const Case& each : cases) {
         fs::remove(file("trace.jsonl"));
         useScript(R"({"trace": "trace.jsonl", "samples": {"more": -1}, "faults": [)" + each.fault + "]}");
         EXPECT_EQ(measure(each.arguments), each.status) << each.message;
-        EXPECT_TRUE(contains(errors(), each.message)) << errors();
+        EXPECT_TRUE(contains(errors(), each.message)) << each.message << "\n" << errors();
         EXPECT_EQ(output(), "");
         const Texts calls = linesOf(readFile(file("trace.jsonl")));
         EXPECT_TRUE(calls.empty() || contains(calls.back(), "SetGlobalOption")) << "the object is not destroyed";
@@ -270,14 +238,9 @@ TEST_F(Spm, ReportsTheCauseOfEachFailure) {
     for (const auto& entry : fs::directory_iterator(folder / "")) {
         EXPECT_NE(entry.path().extension(), ".part") << entry.path();
     }
-    EXPECT_EQ(measure({"--help"}), 0);
-    EXPECT_TRUE(contains(output(), "Exit status:")) << output();
-}
-
-TEST_F(Spm, StopsWaiting) {
-    useScript(R"({"samples": {"count": 0}})"); // finds no patches in a row
+    useScript(R"({"samples": {"count": 0}})");
     EXPECT_EQ(measure({"--wait", "1"}), 1);
-    EXPECT_TRUE(contains(errors(), "nothing was measured within 1 s: ")) << errors();
+    EXPECT_TRUE(contains(errors(), "nothing was measured within 1 s")) << errors();
 }
 
 TEST_F(Spm, RejectsNaN) {
@@ -288,24 +251,19 @@ TEST_F(Spm, RejectsNaN) {
     writeFile(file("nan.jsonl"), std::string(trace).replace(value, trace.find(',', value) - value, "\"nan\""));
     useScript(R"({"replay": "nan.jsonl"})");
     EXPECT_EQ(measure({"--spots", "1"}), 1);
-    EXPECT_TRUE(contains(errors(), "the patch \"patch 1\" has an invalid value for L*: nan; ")) << errors();
     EXPECT_EQ(output(), "");
 }
 
 TEST_F(Spm, RetriesFailedSaves) {
-    spm::Plan plan;
-    plan.output = folder / "later" / "run.csv";
-    plan.report = folder / "page";
-    plan.format = spm::Format::csv;
+    spm::Plan plan{.output = folder / "later" / "run.csv", .report = folder / "page", .format = spm::formatCsv};
     plan.run.patches = {{.name = "a", .reading = spm::Reading{{50, 1, 2}}}, {.name = "b", .missingReason = "ended"}};
     const spm::Prompter prompter(plan.waitLimit);
     spm::RunWriter writer(plan, prompter);
     testing::internal::CaptureStderr();
     writer.save({0, 1, "Spot"});
-    EXPECT_TRUE(testing::internal::GetCapturedStderr().ends_with(
-        "folder\nThe measured values are kept and will be saved later.\n"));
+    EXPECT_TRUE(contains(testing::internal::GetCapturedStderr(), "saved later"));
     testing::internal::CaptureStdout();
-    EXPECT_NE(writer.finish(), "");
+    EXPECT_FALSE(writer.finish());
     EXPECT_TRUE(contains(testing::internal::GetCapturedStdout(), "\na,50.0000,")) << "values in no file are shown";
     EXPECT_TRUE(contains(readFile(plan.report), "1 of 2 patches<br/>patch 2 not measured: ended"));
     fs::create_directory(folder / "later");
@@ -313,6 +271,6 @@ TEST_F(Spm, RetriesFailedSaves) {
     EXPECT_EQ(linesOf(readText(plan.output)).size(), 3U);
     fs::permissions(plan.output, fs::perms::owner_read | fs::perms::owner_write);
     const fs::perms earlier = fs::status(plan.output).permissions();
-    EXPECT_EQ(writer.finish(), "");
+    EXPECT_TRUE(writer.finish());
     EXPECT_EQ(fs::status(plan.output).permissions(), earlier);
 }
