@@ -8,7 +8,8 @@ extern "C" {
 #endif
 
 /** Applies a script while the library is in use. Only the settings named in the script change; its faults replace all
- *  earlier ones. If the list of instruments changes, all instruments start anew, but a serial number keeps its handle.
+ *  earlier ones. If the list of instruments changes, all instruments start anew, plugged in and closed, but a serial
+ *  number keeps its handle.
  *
  *  @param script  JSON as described in docs/simulator.md; relative file names in it refer to the working directory.
  *                 Null restores the state after loading and reads the environment variables again.

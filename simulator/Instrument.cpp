@@ -41,10 +41,9 @@ bool accepts(const WritableOption& option, const std::string& value) {
 /// An approximately normal deviate with mean 0 and standard deviation 1: the sum of twelve uniform ones (Irwin-Hall).
 /// std::normal_distribution gives different numbers in each standard library.
 double normalDeviate(std::mt19937_64& engine) {
-    constexpr double unit = 1.0 / (1ULL << 53U);
     double sum = -6;
     for (int i = 0; i < 12; ++i) {
-        sum += static_cast<double>(engine() >> 11U) * unit;
+        sum += static_cast<double>(engine() >> 11U) / 0x1p53;
     }
     return sum;
 }

@@ -20,7 +20,6 @@ namespace {
 using Description = const char*();
 
 constexpr const char* libraryVariable = "I1PRO3_RECORDER_SDK";
-constexpr const char* traceVariable = "I1PRO3_RECORDER_TRACE";
 
 /// The values of a call's out-parameters before the call, to find out which ones it wrote. Of a text buffer, only the
 /// first byte is compared: the host may pass a size larger than its buffer.
@@ -91,7 +90,7 @@ public:
             }
             const char* const simulation = description();
             const std::string name = file.string() + (simulation != nullptr ? std::string(": ") + simulation : "");
-            trace.emplace(requiredFile(traceVariable, "the file that the recorder writes its trace to"), name,
+            trace.emplace(requiredFile("I1PRO3_RECORDER_TRACE", "the file that the recorder writes its trace to"), name,
                           simulation != nullptr);
         } catch (const std::runtime_error& error) {
             failure.emplace(SdkError::invalidSetup, std::string("Recorder: ") + error.what());

@@ -59,7 +59,10 @@ Json jsonOf(Integer number) {
 /// A number with the fewest digits that restore the same float; the string "inf", "-inf" or "nan" if it isn't finite.
 Json jsonOf(float value) {
     const std::string digits = fmt::format("{}", value);
-    return std::isfinite(value) ? Json::parse(digits) : Json(digits);
+    if (!std::isfinite(value)) return digits;
+    double readable = 0;
+    std::from_chars(digits.data(), digits.data() + digits.size(), readable);
+    return readable;
 }
 
 Json argumentsOf(const Call& call) {

@@ -70,22 +70,20 @@ TEST_F(Trace, IsTheSameFromSimulatorRecorderAndReplay) {
         if (session.path().extension() != ".jsonl") continue;
         SCOPED_TRACE(session.path());
         const Lines expected = callsOf(session.path());
+        std::smatch script;
         const std::string first = linesOf(readFile(session)).at(0);
-        const std::string mark = "\"script\":";
-        const std::size_t begin = first.find(mark);
-        const std::string script = begin != std::string::npos
-                                       ? first.substr(begin + mark.size(), first.size() - begin - mark.size() - 1)
-                                       : scriptWith("replay", session);
+        std::regex_match(first, script, std::regex(R"(\{"trace":1,"script":(.*)\})"));
+        const std::string source = script.empty() ? scriptWith("replay", session) : script.str(1);
         {
-            beginScript(script);
+            beginScript(source);
             SdkHost recorder(recorderFile);
             play(session, recorder);
         }
         EXPECT_TRUE(readFile(file).starts_with(R"({"trace":1,"simulated":true,)"));
         EXPECT_EQ(callsOf(file), expected);
-        for (const std::string& source : {scriptWith("replay", file), script}) {
+        for (const std::string& other : {scriptWith("replay", file), source}) {
             const fs::path again = folder / "again.jsonl";
-            beginScript(source);
+            beginScript(other);
             useScript(scriptWith("trace", again));
             play(session, host);
             EXPECT_EQ(callsOf(again), expected);
@@ -132,15 +130,12 @@ TEST_F(Trace, RejectsMalformedLines) {
         {"", ", line 1: "},
         {R"({"trace":2})", ", line 1: not a trace; the first line must start with {\"trace\":1"},
         {heading + getDevices + "{", ", line 3: "},
-        {heading + R"({"function":"I1PRO3_Calibrate","arguments":{"device":"SIM1"}})", ", line 2: "},
         {lineOf("GetGlobalOption", R"({"key":"K","size":9})", R"({"text":[256]})"),
          ", line 2: /outputs/text/0: must be "},
         {lineOf("GetSpectrum", getSpectrum, R"({"values":["much"]})"), ", line 2: /outputs/values/0: must be "},
         {lineOf("GetSpectrum", getSpectrum, R"({"values":[1,2,3]})"), ", line 2: /outputs: 3 values; expected 36"},
         {lineOf("Calibrate", R"({"device":"SIM1"})", R"({"values":[1]})"), ", line 2: /outputs: 1 values; expected 0"},
         {lineOf("Calibrate", "{}", "{}"), ", line 2: /arguments: must be the arguments of I1PRO3_Calibrate"},
-        {lineOf("Calibrate", getSpectrum, "{}"), ", line 2: /arguments: must be "},
-        {lineOf("GetDevices", R"({"list":1})", "{}"), ", line 2: /arguments: must be "},
         {lineOf("GetDevices", "{}", R"({"count":5,"devices":["A"]})"), ", line 2: /outputs: \"count\" is not "},
     };
     for (const auto& [text, message] : cases) {
