@@ -114,12 +114,6 @@ TEST(Doctor, DiagnosesEachFault) {
              its.settings.set(commonKey, "Logging", REG_SZ, {"1\0", 2});
          },
          {{wrong, "Logging", "0 by default: the value in " + key + " is not a REG_DWORD", "set it as a REG_D"}}},
-        {[](Installation& its) { its.settings.set(deviceKey, "Device", REG_DWORD, "\1\1\1\1"); },
-         {{wrong, "Device", key + "\\xrite i1 Pro3 is not a REG_SZ", "or remove it"}}},
-        {[](Installation& its) { its.settings.setNumber("Logging", 1); },
-         {{good, "Logging", "1, from " + key, ""}, {good, "Log file", ".log, logging is on", ""}}},
-        {[](Installation& its) { fs::create_directory(its.log()); },
-         {{note, "Log file", ".log is a folder", "remove or rename it"}}},
         {[](Installation& its) {
              its.settings.setNumber("Logging", 1);
              fs::create_directory(its.log());
@@ -129,7 +123,9 @@ TEST(Doctor, DiagnosesEachFault) {
              its.settings.setNumber("Logging", 1);
              its.moveTo(u8"\u00FC");
          },
-         {{good, "Module", module, ""}, {good, "Log file", log + ", logging is on", ""}}},
+         {{good, "Module", module, ""},
+          {good, "Logging", "1, from " + key, ""},
+          {good, "Log file", log + ", logging is on", ""}}},
         {[](Installation& its) { its.moveTo(u8"\u8272"); },
          {{isWindows ? note : good, "Module", module, moveAdvice},
           {isWindows ? note : good, "Log file", log, moveAdvice}}},
@@ -186,21 +182,4 @@ TEST(Doctor, FormatsFindings) {
     const std::string coloured = spm::formatFindings(findings, true);
     EXPECT_TRUE(coloured.starts_with("\x1b[32mok    \x1b[0m Mod")) << coloured;
     EXPECT_TRUE(coloured.ends_with("> fix\n\nReady to measure.\n")) << coloured;
-}
-
-TEST(CommandLine, RejectsUnknownNames) {
-    const std::vector<std::tuple<std::vector<std::string>, int, std::string>> cases{
-        {{"--version"}, 0, "spm " FILE_VERSION},
-        {{"mesure"}, 2, "The following argument was not expected: mesure"},
-        {{"measure", "--ROW=2"}, 2, "The following argument was not expected: --ROW=2"},
-        {{"--list"}, 2, "The following argument was not expected: --list"},
-        {{}, 2, "A subcommand is required"},
-    };
-    const TempFolder folder;
-    for (const auto& [arguments, status, output] : cases) {
-        const fs::path program = common::programFolder() / ("spm" + programExtension);
-        EXPECT_EQ(run(program, arguments, {folder / "out", folder / "err"}), status) << output;
-        const std::string text = readText(folder / "out") + readText(folder / "err");
-        EXPECT_TRUE(text.starts_with(output)) << text;
-    }
 }
