@@ -47,7 +47,7 @@ std::string CsvReader::takeField() {
 
 /// Takes a number of characters from the rest, or all if there are fewer.
 std::string CsvReader::take(std::size_t length) {
-    const std::string taken(rest.substr(0, length));
+    std::string taken(rest.substr(0, length));
     rest.remove_prefix(taken.size());
     line += static_cast<int>(std::ranges::count(taken, '\n'));
     return taken;

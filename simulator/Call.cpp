@@ -75,7 +75,7 @@ Answer SdkError::answer(const Call& call) const {
 }
 
 Answer SdkError::persistentAnswer(const Call& call) const {
-    const Answer failed = answer(call);
+    Answer failed = answer(call);
     if (call.function != Function::GetGlobalOption) return failed;
     if (call.key == "LastErrorText") return textAnswer(call, failed.error->text);
     if (call.key == "LastErrorNumber") return textAnswer(call, failed.error->number);
