@@ -55,9 +55,7 @@ std::vector<Reading> Instrument::read(std::int32_t patches, const Conditions& co
     std::vector<Reading> readings =
         conditions.isCalculated ? readSpectra(patches, conditions, wait) : readLab(patches, wait);
     for (const auto& [lab, spectrum] : readings) {
-        const auto isFinite = [](const SPM_REFLECTION& point) { return std::isfinite(point.value); };
-        if (std::isfinite(lab.L + lab.a + lab.b) && std::ranges::all_of(spectrum, isFinite)) continue;
-        throw Error("measuring failed: a value is not a number");
+        if (!std::isfinite(lab.L + lab.a + lab.b)) throw Error("measuring failed: a value is not a number");
     }
     return readings;
 }
@@ -65,10 +63,8 @@ std::vector<Reading> Instrument::read(std::int32_t patches, const Conditions& co
 std::vector<Reading> Instrument::readLab(std::int32_t patches, const Wait& wait) {
     std::vector<SPM_LAB> values(static_cast<std::size_t>(patches));
     values.resize(poll([&](std::int32_t* count) { return module.read(handle, values.data(), count); }, patches, wait));
-    std::vector<Reading> readings;
-    for (const SPM_LAB& lab : values) {
-        readings.push_back({lab});
-    }
+    std::vector<Reading> readings(values.size());
+    std::ranges::transform(values, readings.begin(), [](const SPM_LAB& lab) { return Reading{lab}; });
     return readings;
 }
 

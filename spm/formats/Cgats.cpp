@@ -186,8 +186,4 @@ Run readCgats(const std::string& text, const std::string& description) {
     return CgatsReader(description).read(text);
 }
 
-bool isCgats(const std::string& text) {
-    return text.starts_with("CGATS") || text.find("\nBEGIN_DATA_FORMAT") != std::string::npos;
-}
-
 } // namespace spm

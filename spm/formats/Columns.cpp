@@ -36,7 +36,8 @@ Column comparisonColumn(const Run& run, const std::string& title, std::function<
 Columns measuredColumns(const Run& run) {
     Columns columns;
     for (const auto& [title, cgatsTitle, value] : coordinates) {
-        columns.push_back({title, cgatsTitle, [value](const Patch& patch) { return patch.reading->lab.*value; }});
+        columns.push_back(
+            {title, cgatsTitle, [value = value](const Patch& patch) { return patch.reading->lab.*value; }});
     }
     for (std::size_t i = 0; run.withXyz && i < 3; ++i) {
         const std::string title(1, "XYZ"[i]);
@@ -54,7 +55,7 @@ Columns spectralColumns(const Run& run) {
     for (std::size_t i = 0; i < measured->reading->spectrum.size(); ++i) {
         const std::int32_t wavelength = measured->reading->spectrum[i].wavelength;
         columns.push_back({fmt::format("nm{}_percent", wavelength), fmt::format("{}{}", spectralPrefix, wavelength),
-                           [i](const Patch& patch) { return patch.reading->spectrum[i].value; }});
+                           [i](const Patch& patch) { return patch.reading->spectrum.at(i).value; }});
     }
     return columns;
 }
@@ -64,7 +65,9 @@ Columns comparisonColumns(const Run& run) {
     Columns columns{comparisonColumn(run, nameOf(run.reference->formula), &Difference::deltaE)};
     for (const auto& [prefix, lab] : {std::pair("d", &Difference::delta), {"expected_", &Difference::expected}}) {
         for (const auto& [title, cgatsTitle, value] : coordinates) {
-            const auto pick = [lab, value](const Difference& difference) { return difference.*lab.*value; };
+            const auto pick = [lab = lab, value = value](const Difference& difference) {
+                return difference.*lab.*value;
+            };
             columns.push_back(comparisonColumn(run, std::string(prefix) + title, pick));
         }
     }

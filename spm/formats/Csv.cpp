@@ -3,6 +3,7 @@
 #include "spm/formats/Formats.h"
 #include "spm/formats/Sheet.h"
 
+#include <algorithm>
 #include <fmt/format.h>
 #include <utility>
 
@@ -76,7 +77,10 @@ Run readCsv(const std::string& text, const std::string& description) {
     }
     if (sheet.rows.empty()) return {};
     Run run = readSheet(sheet);
-    takeFacts(run, [&](const char* title) { return firstField(sheet, title); });
+    takeFacts(run, [&](const char* title) {
+        const auto column = std::ranges::find(sheet.titles.fields, title) - sheet.titles.fields.begin();
+        return column < std::ssize(sheet.titles.fields) ? sheet.rows[0].fields[static_cast<std::size_t>(column)] : "";
+    });
     return run;
 }
 

@@ -55,7 +55,6 @@ Run readCsv(const std::string& text, const std::string& description);
 Run readJson(const std::string& text, const std::string& description);
 /// Reads the first table with samples.
 Run readCgats(const std::string& text, const std::string& description);
-bool isCgats(const std::string& text);
 
 /// Reads CSV with a header line, CGATS text, or the JSON that formatJson writes; the content decides, not the file
 /// name. The text must be UTF-8. CSV may have semicolons or tabs between the fields, and decimal commas then.

@@ -15,7 +15,8 @@ namespace {
 Run readAnyFormat(const std::string& text, const std::string& description) {
     const std::size_t first = text.find_first_not_of("\xEF\xBB\xBF \t\r\n");
     if (first != std::string::npos && text[first] == '{') return readJson(text, description);
-    return isCgats(text) ? readCgats(text, description) : readCsv(text, description);
+    const bool isCgats = text.starts_with("CGATS") || text.find("\nBEGIN_DATA_FORMAT") != std::string::npos;
+    return isCgats ? readCgats(text, description) : readCsv(text, description);
 }
 
 /// @param stated  empty and 0 for what the file doesn't say
@@ -47,18 +48,19 @@ Reference readReference(const std::filesystem::path& file, const Conditions& con
     requireSameConditions(file, run.conditions, conditions);
     Reference reference{.file = file};
     reference.statesConditions = !run.conditions.illuminant.empty() && run.conditions.observer != 0;
-    for (const auto& [name, fields, place, reading, missingReason] : run.patches) {
+    for (const Patch& patch : run.patches) {
         const auto require = [&](bool isMet, const char* failure, const char* advice) {
             if (isMet) return;
-            throw Error(fmt::format("the reference file {}, {}: \"{}\" {}", file.string(), place, name, failure),
-                        advice);
+            throw Error(
+                fmt::format("the reference file {}, {}: \"{}\" {}", file.string(), patch.place, patch.name, failure),
+                advice);
         };
-        require(reading.has_value(), "has no L*, a* and b*", "add them or remove the patch");
-        const auto& [L, a, b] = reading->lab;
+        require(patch.reading.has_value(), "has no L*, a* and b*", "add them or remove the patch");
+        const auto& [L, a, b] = patch.reading->lab;
         // The limit is far beyond any surface colour, and keeps the arithmetic from overflowing.
         require(std::max({std::abs(L), std::abs(a), std::abs(b)}) <= 500, "is out of range",
                 "L*, a* and b* must be from -500 to 500");
-        require(reference.patches.emplace(name, reading->lab).second, "has a duplicate name",
+        require(reference.patches.emplace(patch.name, patch.reading->lab).second, "has a duplicate name",
                 "make the names in a reference unique");
     }
     return reference;

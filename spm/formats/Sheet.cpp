@@ -43,10 +43,7 @@ public:
         }
         std::ranges::sort(bands, {}, &Band::wavelength);
         if (indices.contains("name")) return;
-        if (!hasIds())
-            fail(sheet.titles,
-                 "the header with a column of names, \"name\" or SAMPLE_NAME, is missing; put it above the "
-                 "patches");
+        if (!hasIds()) fail(sheet.titles, "the header with a column of names, such as \"name\", is missing");
         indices["name"] = indices["sample_id"];
     }
 
@@ -149,12 +146,6 @@ private:
 
 Run readSheet(const Sheet& sheet) {
     return SheetReader(sheet).read();
-}
-
-std::string firstField(const Sheet& sheet, std::string_view title) {
-    const auto found = std::ranges::find(sheet.titles.fields, title);
-    if (found == sheet.titles.fields.end() || sheet.rows.empty()) return "";
-    return sheet.rows.front().fields[static_cast<std::size_t>(found - sheet.titles.fields.begin())];
 }
 
 std::int32_t parseNumber(std::string_view text, std::int32_t otherwise) {

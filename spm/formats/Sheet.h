@@ -32,10 +32,6 @@ struct Sheet {
 /// @throws Error  with the place and the reason
 Run readSheet(const Sheet& sheet);
 
-/// The first field of a column.
-/// @return empty if there is no such column
-std::string firstField(const Sheet& sheet, std::string_view title);
-
 /// The number that a text starts with, such as the observer in "10 degree".
 /// @param otherwise  returned if there is none
 std::int32_t parseNumber(std::string_view text, std::int32_t otherwise);

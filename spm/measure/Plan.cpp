@@ -9,8 +9,6 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 #include <map>
-#include <ranges>
-#include <string_view>
 
 namespace spm {
 
@@ -148,21 +146,25 @@ Run resumedRun(const MeasureOptions& options) {
 }
 
 /// The first few of some names.
-template <class Names>
-std::string firstNames(const Names& names) {
-    return common::printable(fmt::format("\"{}\"", fmt::join(names | std::views::take(3), "\", \"")));
+std::string firstNames(std::vector<std::string> names) {
+    names.resize(std::min<std::size_t>(names.size(), 3));
+    return common::printable(fmt::format("\"{}\"", fmt::join(names, "\", \"")));
 }
 
 /// Requires that the reference has patches of the chart: all of them if a tolerance depends on it, otherwise any.
 void requireExpected(const Reference& reference, const std::vector<Patch>& patches) {
     std::vector<std::string> unexpected;
+    std::vector<std::string> expected;
     for (const Patch& patch : patches) {
         if (!reference.patches.contains(patch.name)) unexpected.push_back(patch.name);
     }
     if (unexpected.empty() || (unexpected.size() < patches.size() && reference.limits.empty())) return;
+    for (const auto& [name, lab] : reference.patches) {
+        expected.push_back(name);
+    }
     throw UsageError(fmt::format("the reference file {} lacks {} of {} patches: the chart has {}, the reference {}",
                                  reference.file.string(), unexpected.size(), patches.size(), firstNames(unexpected),
-                                 firstNames(std::views::keys(reference.patches))),
+                                 firstNames(expected)),
                      "use the same names");
 }
 

@@ -15,8 +15,6 @@ namespace spm {
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
 constexpr auto pollInterval = std::chrono::milliseconds(50);
 
 /// Moves the cursor to the beginning of the terminal's line and clears the line.
@@ -43,9 +41,10 @@ void Prompter::requireNoInterrupt() {
 }
 
 std::function<void()> Prompter::waiter(const std::string& progress) const {
-    return [this, progress, begin = Clock::now()] {
+    return [this, progress, begin = std::chrono::steady_clock::now()] {
         requireNoInterrupt();
-        const auto waited = std::chrono::duration_cast<std::chrono::seconds>(Clock::now() - begin).count();
+        const auto passed = std::chrono::steady_clock::now() - begin;
+        const auto waited = std::chrono::duration_cast<std::chrono::seconds>(passed).count();
         if (waited >= waitLimit) {
             // The module doesn't tell an unpressed button from a row without patches.
             throw Error(fmt::format("nothing was measured within {} s: the button was not pressed, or no patch was "

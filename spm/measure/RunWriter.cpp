@@ -7,6 +7,21 @@
 
 namespace spm {
 
+namespace {
+
+/// Appends the error to the failures if the write throws.
+/// @return whether it succeeded
+template <class Write>
+bool attempt(const Write& write, std::string& failures) try {
+    write();
+    return true;
+} catch (const std::exception& error) {
+    failures += (failures.empty() ? "" : "\n") + std::string(error.what());
+    return false;
+}
+
+} // namespace
+
 void RunWriter::save(const Strip& strip) {
     std::string failures;
     if (!plan.output.empty()) {
@@ -38,16 +53,6 @@ void RunWriter::showComparison() const {
     } else {
         prompter.say(comparison);
     }
-}
-
-/// Appends the error to the failures if the write throws.
-/// @return whether it succeeded
-bool RunWriter::attempt(const std::function<void()>& write, std::string& failures) try {
-    write();
-    return true;
-} catch (const std::exception& error) {
-    failures += (failures.empty() ? "" : "\n") + std::string(error.what());
-    return false;
 }
 
 std::string RunWriter::text() const {

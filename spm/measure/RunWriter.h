@@ -3,8 +3,6 @@
 #include "spm/measure/Plan.h"
 #include "spm/measure/Prompter.h"
 
-#include <functional>
-
 namespace spm {
 
 /// Saves a run as it grows.
@@ -30,7 +28,6 @@ public:
 private:
     bool showsTables() const { return plan.format == nullptr; }
     std::string text() const;
-    static bool attempt(const std::function<void()>& write, std::string& failures);
 
     const Plan& plan;
     const Prompter& prompter;

@@ -38,11 +38,6 @@ std::vector<Statistic> statisticsOf(const std::vector<double>& differences, cons
     return statistics;
 }
 
-std::string formatNames(std::string_view title, const std::vector<std::string>& names) {
-    if (names.empty()) return "";
-    return fmt::format("{}: \"{}\"\n", title, common::printable(fmt::format("{}", fmt::join(names, "\", \""))));
-}
-
 /// In CIEDE2000. Two prints of one chart rarely differ by more; different patches usually do.
 constexpr double largestGoodMean = 5;
 
@@ -157,8 +152,14 @@ std::optional<Fit> findBetterFit(const std::vector<Reading>& readings, const Str
 }
 
 std::string describeUncompared(const Comparison& comparison) {
-    return formatNames("Not compared, because not in the reference", comparison.notInReference) +
-           formatNames("Not compared, because not measured", comparison.notMeasured);
+    std::string text;
+    for (const auto& [reason, names] : {std::pair("not in the reference", &comparison.notInReference),
+                                        std::pair("not measured", &comparison.notMeasured)}) {
+        if (names->empty()) continue;
+        const std::string list = fmt::format("\"{}\"", fmt::join(*names, "\", \""));
+        text += fmt::format("Not compared, because {}: {}\n", reason, common::printable(list));
+    }
+    return text;
 }
 
 } // namespace spm

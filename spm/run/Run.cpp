@@ -20,14 +20,6 @@ std::vector<Strip> stripsOf(const Run& run) {
     return strips;
 }
 
-std::span<const Patch> patchesOf(const Run& run, const Strip& strip) {
-    return std::span(run.patches).subspan(strip.first, strip.count);
-}
-
-std::span<Patch> patchesOf(Run& run, const Strip& strip) {
-    return std::span(run.patches).subspan(strip.first, strip.count);
-}
-
 bool isComplete(std::span<const Patch> patches) {
     return measuredCount(patches) == patches.size();
 }
@@ -51,11 +43,11 @@ std::vector<std::string> gaps(const Run& run) {
         const auto end = last == run.patches.end() ? last : last + 1;
         const auto from = first - run.patches.begin() + 1;
         const auto to = end - run.patches.begin();
-        if (!first->reading)
-            all.push_back(
-                fmt::format("{} not measured: {}",
-                            from == to ? fmt::format("patch {}", to) : fmt::format("patches {} to {}", from, to),
-                            first->missingReason));
+        if (!first->reading) {
+            const std::string place =
+                from == to ? fmt::format("patch {}", to) : fmt::format("patches {} to {}", from, to);
+            all.push_back(fmt::format("{} not measured: {}", place, first->missingReason));
+        }
         first = end;
     }
     return all;

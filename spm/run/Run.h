@@ -81,8 +81,11 @@ struct Strip {
 /// All strips of the chart, in order. The last row may be shorter than the others.
 std::vector<Strip> stripsOf(const Run& run);
 
-std::span<const Patch> patchesOf(const Run& run, const Strip& strip);
-std::span<Patch> patchesOf(Run& run, const Strip& strip);
+/// @tparam AnyRun  Run or const Run
+template <class AnyRun>
+auto patchesOf(AnyRun& run, const Strip& strip) {
+    return std::span(run.patches).subspan(strip.first, strip.count);
+}
 
 /// Whether all patches are measured.
 bool isComplete(std::span<const Patch> patches);

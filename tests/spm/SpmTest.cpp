@@ -101,7 +101,7 @@ TEST_F(Spm, GoesOnWithTheOutputFile) {
 }
 
 TEST_F(Spm, RefusesToGoOnWithAnotherRun) {
-    const std::string run = file("run.csv");
+    const std::string run = file("run.json");
     ASSERT_EQ(measure({"--names", "x,a,y,b", "--patches", "2", "--output", run}), 0) << errors();
     writeFile(file("foreign.csv"), "name,L*,a*,b*\none,1,2,3\n");
     const std::vector<std::tuple<Texts, std::string, std::string>> cases{
@@ -122,11 +122,8 @@ TEST_F(Spm, RefusesToGoOnWithAnotherRun) {
     }
     std::string real = readText(run);
     const std::string simulation = "simulated i1Pro 3 with the ColorChecker Classic chart";
-    for (std::size_t place = real.find(simulation); place != std::string::npos; place = real.find(simulation)) {
-        real.erase(place, simulation.size());
-    }
-    writeFile(file("real.csv"), real);
-    for (const std::string name : {"ruin.csv", "foreign.csv", "real.csv"}) {
+    writeFile(file("real.json"), real.replace(real.find(simulation), simulation.size(), ""));
+    for (const std::string name : {"ruin.csv", "foreign.csv", "real.json"}) {
         EXPECT_EQ(measure({"--resume", "--output", file(name)}), 2);
         EXPECT_TRUE(contains(errors(), name)) << errors();
     }
@@ -136,11 +133,8 @@ TEST_F(Spm, CalculatesCielabFromSpectra) {
     const std::string expected = SOURCE_FOLDER "/tests/unit/data/colorchecker24_lab.csv";
     // The expected values are calculated with published weights at 10 nm, as in the simulated instrument.
     useScript(R"({"light": {"noise": 0}})");
-    const Texts reference{"--reference", expected, "--illuminant", "D65"};
-    ASSERT_EQ(measure(reference + Texts{"--chart", expected, "--patches", "24", "--tolerance", "max=0.03"}), 0)
-        << output();
-    EXPECT_EQ(measure(reference + Texts{"--patches", "2", "--names", "light skin,dark skin"}), 0);
-    EXPECT_TRUE(contains(errors(), "Row 1 of 1 in reverse")) << errors();
+    const Texts chart{"--chart", expected, "--reference", expected, "--patches", "24"};
+    EXPECT_EQ(measure(chart + Texts{"--spectra", "--tolerance", "max=0.03"}), 0) << output();
 }
 
 TEST_F(Spm, ReadsItsOwnOutputAsChartAndReference) {
@@ -204,7 +198,6 @@ TEST_F(Spm, ReportsTheCauseOfEachFailure) {
         {{"--chart", chart, "--rows", "4"}, 2, "--rows is 4"},
         {{"--names", "a,b", "--spots", "1"}, 2, "--spots is 1"},
         {{"--output", "/tmp/values"}, 2, "extension"},
-        {{"--format", "csv", "--output", file("run.csv")}, 2, "--output excludes --format"},
         {{"--report", file("missing/page")}, 1, "No such file or directory"},
         {{"--report", place}, 1, place + ": it is not a regular file"},
         {{"--spots", "1", "--chart", chart, "--output", chart}, 2, "overwritten"},
@@ -214,7 +207,6 @@ TEST_F(Spm, ReportsTheCauseOfEachFailure) {
         {{"--names", "a\tb", "--format", "cgats"}, 2, "name 1, \"a\uFFFDb\""},
         {{"--reference", file("reference.csv")}, 2, "\"other\""},
         {{"--reference", file("d50.csv")}, 2, "D50/10 degree, but the run measures for D65/10 degree"},
-        {{"--tolerance", "mean=2"}, 2, "--reference"},
         {{"--reference", chart, "--tolerance", "p99=2"}, 2, "p99=2"},
         {row, 1, "the instrument could not be opened: lamp\nErrorNumber: 9\n", lampFails("OpenDevice")},
         {row, 1, "no instrument was found", R"({"function": "I1PRO3_GetDevices"})"},
@@ -241,17 +233,6 @@ TEST_F(Spm, ReportsTheCauseOfEachFailure) {
     useScript(R"({"samples": {"count": 0}})");
     EXPECT_EQ(measure({"--wait", "1"}), 1);
     EXPECT_TRUE(contains(errors(), "nothing was measured within 1 s")) << errors();
-}
-
-TEST_F(Spm, RejectsNaN) {
-    useScript(R"({"trace": "trace.jsonl"})");
-    ASSERT_EQ(measure({"--spots", "1"}), 0) << errors();
-    const std::string trace = readFile(file("trace.jsonl"));
-    const std::size_t value = trace.find("\"values\":[") + 10;
-    writeFile(file("nan.jsonl"), std::string(trace).replace(value, trace.find(',', value) - value, "\"nan\""));
-    useScript(R"({"replay": "nan.jsonl"})");
-    EXPECT_EQ(measure({"--spots", "1"}), 1);
-    EXPECT_EQ(output(), "");
 }
 
 TEST_F(Spm, RetriesFailedSaves) {
