@@ -28,10 +28,10 @@ TEST(Formats, MatchTheirGoldenFiles) {
                                                                                         {".cgats", spm::formatCgats},
                                                                                         {".html", body},
                                                                                         {".txt", tables}};
-    const std::string folder = SOURCE_FOLDER "/tests/spm/data/";
+    const std::filesystem::path folder = SOURCE_FOLDER "/tests/spm/data";
     for (const auto& [extension, format] : formats) {
-        expectGolden(format(simulatedRows()), folder + "rows" + extension);
-        if (extension != ".cgats") expectGolden(format(measuredSpots()), folder + "spots" + extension);
+        expectGolden(format(simulatedRows()), folder / ("rows" + extension));
+        if (extension != ".cgats") expectGolden(format(measuredSpots()), folder / ("spots" + extension));
     }
 }
 
