@@ -10,7 +10,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <iostream>
-#include <map>
 
 namespace {
 
@@ -43,9 +42,6 @@ Exit status:
   0  ready to measure
   1  not ready
   2  the command line is wrong)";
-
-const std::map<std::string, spm::Formula> formulas{
-    {"2000", spm::Formula::ciede2000}, {"94", spm::Formula::cie94}, {"76", spm::Formula::cie76}};
 
 CLI::Option* addFile(CLI::App& command, const char* name, std::filesystem::path& path, const char* description) {
     const auto assign = [&path, name](const std::string& file) {
@@ -106,13 +102,7 @@ void addOutput(CLI::App& measure, spm::MeasureOptions& options) {
 void addComparison(CLI::App& measure, spm::MeasureOptions& options) {
     auto* const reference =
         addFile(measure, "--reference", options.reference,
-                "file of expected values (name, L*, a*, b*) to compare with, in a format as for --chart");
-    measure
-        .add_option_function<std::string>(
-            "--difference", [&options](const std::string& formula) { options.difference = formulas.at(formula); },
-            "colour difference formula: CIEDE2000 (the default), CIE94 or CIE76")
-        ->check(CLI::IsMember(&formulas))
-        ->needs(reference);
+                "file of expected values (name, L*, a*, b*) to compare with by CIEDE2000, in a format as for --chart");
     measure
         .add_option("--tolerance", options.tolerance,
                     "upper limits of the differences, such as mean=2,max=5: mean, median, p90, p95, max; all patches "

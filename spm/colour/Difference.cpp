@@ -1,6 +1,5 @@
 #include "spm/colour/Difference.h"
 
-#include <algorithm>
 #include <cmath>
 #include <numbers>
 
@@ -76,7 +75,7 @@ double rotation(double chroma, double hue) {
     return -sine(2 * angle) * 2 * saturation(chroma);
 }
 
-double ciede2000(const Colour& sample, const Colour& reference) {
+double deltaE(const Colour& sample, const Colour& reference) {
     const double lightness = (sample.lightness + reference.lightness) / 2;
     const double chroma = (sample.chroma + reference.chroma) / 2;
     const double halfArc = hueDifference(sample, reference) / 2;
@@ -89,33 +88,11 @@ double ciede2000(const Colour& sample, const Colour& reference) {
     return std::sqrt(l * l + c * c + h * h + rotation(chroma, hue) * c * h);
 }
 
-double ciede2000(const SPM_LAB& sample, const SPM_LAB& reference) {
-    const double factor = 1 + 0.5 * (1 - saturation((chromaOf(sample) + chromaOf(reference)) / 2));
-    return ciede2000(toPrimed(sample, factor), toPrimed(reference, factor));
-}
-
-double cie76(const SPM_LAB& sample, const SPM_LAB& reference) {
-    return static_cast<double>(std::hypot(sample.L - reference.L, sample.a - reference.a, sample.b - reference.b));
-}
-
-double cie94(const SPM_LAB& sample, const SPM_LAB& reference) {
-    const double chroma = chromaOf(reference);
-    const auto l = static_cast<double>(sample.L - reference.L);
-    const double c = chromaOf(sample) - chroma;
-    const double h2 = std::pow(cie76(sample, reference), 2) - l * l - c * c;
-    const double h = std::sqrt(std::max(h2, 0.0)); // rounding must not make it negative
-    return std::hypot(l, c / (1 + 0.045 * chroma), h / (1 + 0.015 * chroma));
-}
-
 } // namespace
 
-const char* nameOf(Formula formula) {
-    return formula == Formula::ciede2000 ? "CIEDE2000" : formula == Formula::cie94 ? "CIE94" : "CIE76";
-}
-
-double deltaE(Formula formula, const SPM_LAB& sample, const SPM_LAB& reference) {
-    if (formula == Formula::ciede2000) return ciede2000(sample, reference);
-    return formula == Formula::cie94 ? cie94(sample, reference) : cie76(sample, reference);
+double deltaE(const SPM_LAB& sample, const SPM_LAB& reference) {
+    const double factor = 1 + 0.5 * (1 - saturation((chromaOf(sample) + chromaOf(reference)) / 2));
+    return deltaE(toPrimed(sample, factor), toPrimed(reference, factor));
 }
 
 } // namespace spm

@@ -6,7 +6,6 @@
 #include "common/Environment.h"
 #include "common/LibraryNames.h"
 #include "common/SharedLibrary.h"
-#include "spm/doctor/SdkFunctions.h"
 #include "spm/doctor/Settings.h"
 #include "spm/Error.h"
 #include "spm/Instrument.h"
@@ -27,6 +26,11 @@ namespace {
 namespace fs = std::filesystem;
 
 using Findings = std::vector<Finding>;
+
+/// The functions that the module needs from the SDK library.
+constexpr std::array sdkFunctions{
+#include "SdkFunctionNames.inc"
+};
 
 constexpr const char* reinstallAdvice = "install the module's file again";
 
@@ -139,16 +143,12 @@ std::unique_ptr<Module> examineModule(const fs::path& file, Findings& findings) 
 
 // The log file
 
-struct Problem {
-    std::string text;
-    std::string advice;
-};
+using Problem = std::pair<std::string, std::string>; // the text and the advice of a finding
 
 /// Finds out why no line can be appended to a file, or the file can't be created. Leaves everything as it was.
 std::optional<Problem> findWritingProblem(const fs::path& file) {
     std::error_code error;
     const bool isNew = !isPresent(file);
-    if (fs::is_directory(file, error)) return Problem{"is a folder", "remove or rename it"};
     if (!isNew && !fs::is_regular_file(file, error)) return Problem{"is not a regular file", "remove or rename it"};
     errno = 0;
     if (!std::ofstream(file, std::ios::app).is_open()) {
@@ -168,7 +168,7 @@ Finding examineLogFile(fs::path module, bool isPathUnusable) {
         isPathUnusable ? Problem{"can't be written: the path is unusable", moveAdvice} : findWritingProblem(file);
     if (problem) {
         return {isEnabled ? Verdict::wrong : Verdict::note, "Log file",
-                fmt::format("{} {}", file.string(), problem->text), problem->advice};
+                fmt::format("{} {}", file.string(), problem->first), problem->second};
     }
     return {Verdict::good, "Log file", fmt::format("{}, logging is {}", file.string(), isEnabled ? "on" : "off"), ""};
 }
@@ -178,9 +178,8 @@ Finding examineLogFile(fs::path module, bool isPathUnusable) {
 Finding examineCalibration(Instrument& instrument, const Module& module) {
     const bool isCalibrated = instrument.isCalibrated();
     if (!instrument.isResponding()) {
-        const char* const fallback = module.simulation().empty() ? "the connection to the instrument was lost"
-                                                                 : "the simulated instrument doesn't respond";
-        return {Verdict::wrong, "Calibration", instrument.takeError(fallback), module.instrumentAdvice()};
+        return {Verdict::wrong, "Calibration", instrument.takeError("the instrument doesn't respond"),
+                module.instrumentAdvice()};
     }
     if (isCalibrated) return {Verdict::good, "Calibration", "done", ""};
     return {Verdict::note, "Calibration", "not done",

@@ -10,7 +10,6 @@
 #include <cstring>
 #include <filesystem>
 #include <fmt/format.h>
-#include <fmt/ranges.h>
 #include <fstream>
 #include <optional>
 #include <string>
@@ -134,7 +133,7 @@ std::optional<int> findLine(std::string_view name) {
 }
 
 Finding describe(const Setting& setting, bool isAccessible) {
-    const std::string path = std::string(root) + setting.key;
+    const std::string path = fmt::format("{}{}", root, setting.key);
     const Key key(setting.key);
     const auto value = isAccessible ? key.read(setting) : std::nullopt;
     if (value) return {Verdict::good, setting.name, fmt::format("{}, from {}", *value, path), ""};
@@ -156,15 +155,12 @@ Finding describe(const Setting& setting, bool isAccessible) {
 
 /// Lists the values in a key that the module doesn't read.
 void listUnknown(const char* key, std::vector<Finding>& findings) {
-    std::vector<std::string> known;
-    for (const Setting& setting : settings) {
-        if (setting.key == std::string_view(key)) known.emplace_back(setting.name);
-    }
     for (const std::string& name : Key(key).names()) {
-        if (std::ranges::any_of(known, [&](const std::string& each) { return isSame(each, name); })) continue;
+        const auto isKnown = [&](const Setting& each) { return isSame(each.key, key) && isSame(each.name, name); };
+        if (std::ranges::any_of(settings, isKnown)) continue;
         findings.push_back({Verdict::note, "Unknown",
                             fmt::format("the module does not read {} in {}{}", name, root, key),
-                            fmt::format("it reads {} there", fmt::join(known, " and "))});
+                            "correct its name, or remove it"});
     }
 }
 

@@ -62,7 +62,7 @@ Columns spectralColumns(const Run& run) {
 
 Columns comparisonColumns(const Run& run) {
     if (run.reference == nullptr) return {};
-    Columns columns{comparisonColumn(run, nameOf(run.reference->formula), &Difference::deltaE)};
+    Columns columns{comparisonColumn(run, "CIEDE2000", &Difference::deltaE)};
     for (const auto& [prefix, lab] : {std::pair("d", &Difference::delta), {"expected_", &Difference::expected}}) {
         for (const auto& [title, cgatsTitle, value] : coordinates) {
             const auto pick = [lab = lab, value = value](const Difference& difference) {

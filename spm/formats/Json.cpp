@@ -29,10 +29,12 @@ std::string textOf(const Json& json, const std::string& name) {
 }
 
 Json comparisonJson(const Reference& reference, const Comparison& comparison) {
-    Json json{
-        {"reference", reference.file.string()},          {"reference_states_conditions", reference.statesConditions},
-        {"formula", nameOf(reference.formula)},          {"patches_compared", comparison.compared},
-        {"not_in_reference", comparison.notInReference}, {"not_measured", comparison.notMeasured}};
+    Json json{{"reference", reference.file.string()},
+              {"reference_states_conditions", reference.statesConditions},
+              {"formula", "CIEDE2000"},
+              {"patches_compared", comparison.compared},
+              {"not_in_reference", comparison.notInReference},
+              {"not_measured", comparison.notMeasured}};
     for (const Statistic& statistic : comparison.statistics) {
         json[statistic.key] = statistic.value;
     }

@@ -63,7 +63,6 @@ object comparisonOf(const Run& run, const Comparison& comparison) {
             object{{"name", statistic.name}, {"value", fmt::format("{:.2f}{}", statistic.value, statistic.verdict())}});
     }
     return {{"file", common::printable(describe(reference))},
-            {"formula", nameOf(reference.formula)},
             {"compared", comparison.coverage()},
             {"statistics", statistics},
             {"passed", comparison.isWithinLimits},

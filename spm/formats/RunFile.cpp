@@ -3,8 +3,6 @@
 #include "spm/Error.h"
 #include "spm/formats/Formats.h"
 
-#include <algorithm>
-#include <cmath>
 #include <fmt/format.h>
 #include <system_error>
 
@@ -56,10 +54,6 @@ Reference readReference(const std::filesystem::path& file, const Conditions& con
                 advice);
         };
         require(patch.reading.has_value(), "has no L*, a* and b*", "add them or remove the patch");
-        const auto& [L, a, b] = patch.reading->lab;
-        // The limit is far beyond any surface colour, and keeps the arithmetic from overflowing.
-        require(std::max({std::abs(L), std::abs(a), std::abs(b)}) <= 500, "is out of range",
-                "L*, a* and b* must be from -500 to 500");
         require(reference.patches.emplace(patch.name, patch.reading->lab).second, "has a duplicate name",
                 "make the names in a reference unique");
     }

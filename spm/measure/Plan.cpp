@@ -171,7 +171,6 @@ void requireExpected(const Reference& reference, const std::vector<Patch>& patch
 std::shared_ptr<const Reference> referenceOf(const MeasureOptions& options, const Run& run) {
     if (options.reference.empty()) return nullptr;
     Reference reference = readReference(options.reference, run.conditions);
-    reference.formula = options.difference;
     reference.limits = parseLimits(options.tolerance);
     requireExpected(reference, run.patches);
     return std::make_shared<const Reference>(std::move(reference));

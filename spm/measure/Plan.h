@@ -50,7 +50,6 @@ struct MeasureOptions {
     bool overwrite = false;
     /// The file of expected values.
     std::filesystem::path reference;
-    Formula difference = Formula::ciede2000;
     /// Limits: "mean=2".
     std::vector<std::string> tolerance;
     /// The words of the command line after "spm".

@@ -49,7 +49,7 @@ double meanDifference(const std::vector<Reading>& readings, const Strip& strip, 
     for (std::size_t i = 0; i < readings.size(); ++i) {
         const auto expected = run.reference->patches.find(run.patches[strip.first + i].name);
         if (expected == run.reference->patches.end()) return unknown;
-        sum += deltaE(Formula::ciede2000, readings[i].lab, expected->second);
+        sum += deltaE(readings[i].lab, expected->second);
     }
     return sum / static_cast<double>(readings.size());
 }
@@ -86,9 +86,7 @@ std::optional<Difference> differenceOf(const Run& run, const Patch& patch) {
     if (found == run.reference->patches.end()) return std::nullopt;
     const SPM_LAB& expected = found->second;
     const SPM_LAB& lab = patch.reading->lab;
-    return Difference{expected,
-                      {lab.L - expected.L, lab.a - expected.a, lab.b - expected.b},
-                      deltaE(run.reference->formula, lab, expected)};
+    return Difference{expected, {lab.L - expected.L, lab.a - expected.a, lab.b - expected.b}, deltaE(lab, expected)};
 }
 
 std::vector<Patch> worstFirst(const Run& run) {

@@ -25,7 +25,6 @@ struct Reference {
     std::filesystem::path file{};
     /// By name.
     std::map<std::string, SPM_LAB> patches{};
-    Formula formula = Formula::ciede2000;
     Limits limits{};
     /// Whether the file says its illuminant and observer.
     bool statesConditions = false;

@@ -23,7 +23,7 @@ TEST(DoctorOnPosix, ExplainsWhySettingsHaveNoEffect) {
          "REGEDIT4)\", or"},
         {begin + "1", "Logging", "0 by default: line 3 of ", "write \"Logging\"=dword:00000001 below [HKEY"},
         {"REGEDIT4\nlogging=dword:1", "Logging", "0 by default: line 2 of ", "write "},
-        {begin + "dword:1\n\"Loging\"=dword:1", "Unknown", "does not read Loging in HKEY", "Logging and Details"},
+        {begin + "dword:1\n\"Loging\"=dword:1", "Unknown", "does not read Loging in HKEY", "correct its name"},
     };
     const Settings settings;
     for (const auto& [content, subject, text, advice] : cases) {

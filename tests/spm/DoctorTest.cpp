@@ -109,7 +109,7 @@ TEST(Doctor, DiagnosesEachFault) {
          {{note, "Settings", " can't be opened for reading and writing", registryAdvice}}},
         {[](Installation& its) { its.settings.setNumber("LOGFILE", 1); },
          {{good, "Logging", "0 by default, not set in " + key, ""},
-          {note, "Unknown", "does not read LOGFILE in " + key, "Logging and Details"}}},
+          {note, "Unknown", "does not read LOGFILE in " + key, "correct its name"}}},
         {[](Installation& its) {
              its.settings.set(commonKey, "Logging", REG_SZ, {"1\0", 2});
          },
@@ -118,7 +118,7 @@ TEST(Doctor, DiagnosesEachFault) {
              its.settings.setNumber("Logging", 1);
              fs::create_directory(its.log());
          },
-         {{wrong, "Log file", ".log is a folder", "remove or rename it"}}},
+         {{wrong, "Log file", ".log is not a regular file", "remove or rename it"}}},
         {[](Installation& its) {
              its.settings.setNumber("Logging", 1);
              its.moveTo(u8"\u00FC");
@@ -131,7 +131,7 @@ TEST(Doctor, DiagnosesEachFault) {
           {isWindows ? note : good, "Log file", log, moveAdvice}}},
         {[](Installation& its) { its.useScript(R"({"instruments": []})"); },
          {{wrong, "Instrument", "no instrument was found",
-           "it is simulated: check the file that I1PRO3_SIMULATOR names"}}},
+           "it is simulated: check the files that I1PRO3_SIMULATOR and "}}},
         {[](Installation& its) {
              its.useScript(R"({"faults": [{"function": "I1PRO3_SetOption", "call": 3, "result": 7}]})");
          },

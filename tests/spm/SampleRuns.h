@@ -27,7 +27,6 @@ inline spm::Run measuredSpots() {
     spm::Run run{.started = "2026-11-23T09:30:00Z", .module = "/opt/spm.so", .version = "3", .instrument = "i1 Pro3"};
     run.patches = {{.name = "b\n\"2\", <&>", .reading = spm::Reading{{90, 0, 0}}},
                    {.name = "a", .reading = spm::Reading{{50, 3, 0}}}};
-    run.reference.reset(new spm::Reference{
-        "r.csv", {{"a", {50, 0, 4}}, {"c", {1, 2, 3}}}, spm::Formula::cie76, {{"max", 4}, {"mean", 5.5}}});
+    run.reference.reset(new spm::Reference{"r.csv", {{"a", {50, 0, 4}}, {"c", {1, 2, 3}}}, {{"max", 4}, {"mean", 6}}});
     return run;
 }
