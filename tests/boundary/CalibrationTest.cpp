@@ -26,13 +26,8 @@ const Texts calibrate{"GetConnectionStatus SIM1", "GetButtonStatusD SIM1", "SetO
 } // namespace
 
 TEST_F(Calibration, FollowsTheStateTable) {
-    struct Case {
-        uint32_t request;
-        Reply reply;
-        Texts calls;
-    };
-    // The button is found pressed at every third poll.
-    const std::vector<Case> dialogue{
+    // A request, the reply and the calls. The button is found pressed at every third poll.
+    const std::vector<std::tuple<uint32_t, Reply, Texts>> dialogue{
         {1, nothing, query}, {4, done, query},   // open; 4 is always echoed
         {0, waiting, query}, {1, waiting, poll}, // pending
         {0, waiting, query}, {1, waiting, poll},   {4, done, query},    {1, done, calibrate},
@@ -51,9 +46,10 @@ TEST_F(Calibration, FollowsTheStateTable) {
     EXPECT_TRUE(sdk.takeCalls().empty());
     open();
     sdk.use(R"({"button": {"polls": 2}})");
-    for (const Case& each : dialogue) {
-        EXPECT_EQ(step(each.request), each.reply) << "case " << (&each - dialogue.data());
-        EXPECT_EQ(sdk.takeCalls(), each.calls) << "case " << (&each - dialogue.data());
+    for (std::size_t i = 0; i < dialogue.size(); ++i) {
+        const auto& [request, reply, calls] = dialogue[i];
+        EXPECT_EQ(step(request), reply) << "case " << i;
+        EXPECT_EQ(sdk.takeCalls(), calls) << "case " << i;
     }
 }
 

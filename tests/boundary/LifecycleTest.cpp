@@ -31,22 +31,19 @@ TEST(Lifecycle, LogsBesideTheModuleWhateverItsName) {
     fs::copy_file(folder / common::sdkFileName, place / common::sdkFileName);
     // The module supports paths of up to 259 characters.
     const std::size_t left = 259 - (place / "").string().size() - extension.size();
-    struct Case {
-        std::string module;
-        std::string log; ///< empty: none
-    };
-    const std::vector<Case> cases{
+    const std::vector<std::pair<std::string, std::string>> cases{
+        // the module's name and its log's; empty: none
         {"module", "module.log"},
         {"module.1" + extension, "module.1.log"},
         {std::string(left, 'm') + extension, std::string(left, 'm') + ".log"},
         {std::string(left + 1, 'n') + extension, ""},
     };
-    for (const Case& each : cases) {
-        fs::copy_file(original, place / each.module);
-        const spm::Module module(place / each.module);
+    for (const auto& [name, log] : cases) {
+        fs::copy_file(original, place / name);
+        const spm::Module module(place / name);
         module.destroy(module.create());
-        EXPECT_EQ(module.getVersion(nullptr), each.log.empty() ? 0U : MODULE_VERSION) << each.module;
-        EXPECT_TRUE(each.log.empty() || fs::remove(place / each.log)) << each.log;
+        EXPECT_EQ(module.getVersion(nullptr), log.empty() ? 0U : MODULE_VERSION) << name;
+        EXPECT_TRUE(log.empty() || fs::remove(place / log)) << log;
         for (const auto& entry : fs::directory_iterator(place)) {
             EXPECT_NE(entry.path().extension(), ".log") << entry.path();
         }

@@ -4,24 +4,19 @@
 using Logging = ModuleTest;
 
 TEST_F(Logging, WritesWhatTheSettingsSelect) {
-    struct Case {
-        std::optional<uint32_t> logging;
-        uint32_t details;
-        Texts written;
-    };
-    const std::vector<Case> cases{
+    const std::vector<std::tuple<std::optional<uint32_t>, uint32_t, Texts>> cases{
         {1, 0, {"M7 D: three"}}, {1, 2, {"M7 D: three", "M7 D: four"}}, {0, 1, {}}, {std::nullopt, 1, {}}};
     module.destroy(std::exchange(handle, nullptr));
-    for (const Case& each : cases) {
+    for (const auto& [logging, details, written] : cases) {
         settings.clear();
-        if (each.logging) settings.setNumber("Logging", *each.logging);
-        if (each.details != 0) settings.setNumber("Details", each.details);
+        if (logging) settings.setNumber("Logging", *logging);
+        if (details != 0) settings.setNumber("Details", details);
         std::filesystem::remove(logFile());
         SPM_HANDLE const other = module.create();
         other->AddListener(&listener);
         other->LogMessage(CAPLoggingMessage(3, 7, "three"));
         other->LogMessage(CAPLoggingMessage(4, 7, "four"));
-        EXPECT_EQ(log(), each.written);
+        EXPECT_EQ(log(), written);
         EXPECT_TRUE(listener.lines.empty()) << "listeners receive no debug messages";
         module.destroy(other);
     }

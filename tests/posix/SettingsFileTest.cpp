@@ -22,12 +22,8 @@ protected:
 } // namespace
 
 TEST_F(SettingsFile, ReadsNumbers) {
-    struct Case {
-        std::string lines;
-        std::uint32_t number;
-    };
     const std::string seven = "\"Number\"=dword:00000007\n";
-    const std::vector<Case> cases{
+    const std::vector<std::pair<std::string, std::uint32_t>> cases{
         {"\"number\"=dword:fffffffe", 0xFFFFFFFE},
         {"\t  \"NUMBER\" = dword: 7 ; comment \t\r", 7},
         {"\"Number\" = hex(4):01, 02,00,80 ; comment", 0x80000201},
@@ -43,18 +39,14 @@ TEST_F(SettingsFile, ReadsNumbers) {
         {"[other] ; comment\n" + seven, 5},
         {"[other\n" + seven, 7},
     };
-    for (const Case& each : cases) {
-        writeFile(path, "REGEDIT4\n\n" + commonHeading + each.lines);
-        EXPECT_EQ(SPMRegistry().readNumber("Number", 5), each.number) << each.lines;
+    for (const auto& [lines, number] : cases) {
+        writeFile(path, "REGEDIT4\n\n" + commonHeading + lines);
+        EXPECT_EQ(SPMRegistry().readNumber("Number", 5), number) << lines;
     }
 }
 
 TEST_F(SettingsFile, ReadsTexts) {
-    struct Case {
-        std::string value;
-        std::string text;
-    };
-    const std::vector<Case> cases{
+    const std::vector<std::pair<std::string, std::string>> cases{
         {"\"\"", ""},
         {"\"C:\\\\a \\\"b\\\"\" ; comment", "C:\\a \"b\""},
         {"hex(1):41,42,00", "AB"},
@@ -62,19 +54,15 @@ TEST_F(SettingsFile, ReadsTexts) {
         {"\"USB\" trailing", "default"},
         {"\"USB", "default"},
     };
-    for (const Case& each : cases) {
-        writeFile(path, "REGEDIT4\r\n" + commonHeading + "\"Text\"=" + each.value + "\n[next]\n");
-        EXPECT_EQ(SPMRegistry().readString("Text", "default"), each.text) << each.value;
+    for (const auto& [value, text] : cases) {
+        writeFile(path, "REGEDIT4\r\n" + commonHeading + "\"Text\"=" + value + "\n[next]\n");
+        EXPECT_EQ(SPMRegistry().readString("Text", "default"), text) << value;
     }
 }
 
 TEST_F(SettingsFile, CreatesKeysAndKeepsEverythingElse) {
-    struct Case {
-        std::string before;
-        std::string added;
-    };
     const std::string device = "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM\\xrite i1 Pro3]";
-    const std::vector<Case> cases{
+    const std::vector<std::pair<std::string, std::string>> cases{
         {"", "REGEDIT4\n" + headings + "\n" + device + "\n"},
         {"REGEDIT4\n" + headings, "\n" + device + "\n"},
         {"REGEDIT4\n" + headings + "text", "\n\n" + device + "\n"},
@@ -83,11 +71,11 @@ TEST_F(SettingsFile, CreatesKeysAndKeepsEverythingElse) {
         {"REGEDIT4\n" + headings + "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Kestrova\\SPM\\xrite", "\n\n" + device + "\n"},
         {"REGEDIT42\n", ""},
     };
-    for (const Case& each : cases) {
-        writeFile(path, each.before);
+    for (const auto& [before, added] : cases) {
+        writeFile(path, before);
         for (int again = 0; again < 2; ++again) {
             const SPMRegistry modelKey("xrite i1 Pro3");
-            EXPECT_EQ(readFile(path), each.before + each.added);
+            EXPECT_EQ(readFile(path), before + added);
         }
     }
 }

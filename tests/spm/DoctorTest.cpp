@@ -179,7 +179,5 @@ TEST(Doctor, FormatsFindings) {
                                                     "                    > look\n"
                                                     "\nNot ready: fix the parts marked WRONG.\n");
     findings.pop_back();
-    const std::string coloured = spm::formatFindings(findings, true);
-    EXPECT_TRUE(coloured.starts_with("\x1b[32mok    \x1b[0m Mod")) << coloured;
-    EXPECT_TRUE(coloured.ends_with("> fix\n\nReady to measure.\n")) << coloured;
+    EXPECT_TRUE(spm::formatFindings(findings, true).ends_with("> fix\n\nReady to measure.\n"));
 }

@@ -3,12 +3,7 @@
 #include <gtest/gtest.h>
 
 TEST(CopyText, TruncatesAndFillsUpWithNuls) {
-    struct Case {
-        const char* source;
-        int32_t size;
-        std::string after;
-    };
-    const std::vector<Case> cases{
+    const std::vector<std::tuple<const char*, int32_t, std::string>> cases{
         {"abc", 6, std::string("abc\0\0\0xx", 8)},
         {"abc", 3, std::string("ab\0xxxxx", 8)},
         {"abc", 1, std::string("\0xxxxxxx", 8)},
@@ -16,10 +11,10 @@ TEST(CopyText, TruncatesAndFillsUpWithNuls) {
         {"abc", 0, "xxxxxxxx"},
         {"abc", -1, "xxxxxxxx"},
     };
-    for (const Case& each : cases) {
+    for (const auto& [source, size, after] : cases) {
         std::string buffer(8, 'x');
-        copyText(each.source, {each.size, buffer.data()});
-        EXPECT_EQ(buffer, each.after) << each.size;
+        copyText(source, {size, buffer.data()});
+        EXPECT_EQ(buffer, after) << size;
     }
     copyText("abc", {4, nullptr});
 }

@@ -26,11 +26,7 @@ std::string thrownThroughHub(Exception exception) {
 } // namespace
 
 TEST(LoggingMessage, RendersAsOneLine) {
-    struct Case {
-        CAPLoggingMessage message;
-        std::string line;
-    };
-    const std::vector<Case> cases{
+    const std::vector<std::pair<CAPLoggingMessage, std::string>> cases{
         {{1, 7, ""}, "M7 W0"},
         {{2, 7, "text"}, "M7 I: text"},
         {{3, -1, "text"}, "M-1 D: text"},
@@ -39,8 +35,8 @@ TEST(LoggingMessage, RendersAsOneLine) {
         {CAPLoggingMessage(CAPException(-2, 1, "", "detail")), "M1 E-2; detail"},
         {CAPLoggingMessage(CAPException(3, 1, "text", "detail")), "M1 E3: text; detail"},
     };
-    for (const Case& each : cases) {
-        EXPECT_EQ(each.message.ToString(), each.line);
+    for (const auto& [message, line] : cases) {
+        EXPECT_EQ(message.ToString(), line);
     }
 }
 

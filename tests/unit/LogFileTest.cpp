@@ -88,21 +88,18 @@ TEST_F(LogFile, WritesBannersOnOpenAndClose) {
 }
 
 TEST_F(LogFile, WritesLocalTimeAndStandardOffset) {
-    struct Zone {
-        const char* name;
-        const char* text;
-    };
-    for (const Zone zone : {Zone{"UTC0", "UTC-00:00"}, Zone{"XXX-1YYY,0/0,J365/25", "UTC+01:00"},
-                            Zone{"XXX5", "UTC-05:00"}, Zone{"XXX-5:30", "UTC+05:30"}}) {
-        const EnvironmentVariable variable("TZ", zone.name);
+    const std::vector<std::pair<std::string, std::string>> zones{
+        {"UTC0", "UTC-00:00"}, {"XXX-1YYY,0/0,J365/25", "UTC+01:00"}, {"XXX5", "UTC-05:00"}, {"XXX-5:30", "UTC+05:30"}};
+    for (const auto& [zone, offset] : zones) {
+        const EnvironmentVariable variable("TZ", zone);
         CAPLoggingFile log;
         const std::string before = localTime();
         log.SetDetailLevel(3);
         log.OpenFile(path.c_str(), "w");
         const std::string after = localTime();
         const std::string head = readFile(path).substr(0, before.size() + 14);
-        EXPECT_EQ(head.substr(before.size()), std::string(" (") + zone.text + ") [") << zone.name;
-        EXPECT_LE(before, head.substr(0, before.size())) << zone.name;
-        EXPECT_GE(after, head.substr(0, before.size())) << zone.name;
+        EXPECT_EQ(head.substr(before.size()), " (" + offset + ") [") << zone;
+        EXPECT_LE(before, head.substr(0, before.size())) << zone;
+        EXPECT_GE(after, head.substr(0, before.size())) << zone;
     }
 }

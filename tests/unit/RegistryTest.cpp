@@ -9,13 +9,7 @@ using namespace std::string_literals;
 TEST(Registry, ReadsNumbersAndStrings) {
     constexpr DWORD expandedText = 2;
     constexpr DWORD binary = 3;
-    struct Case {
-        DWORD type;
-        std::string data;
-        std::uint32_t number;
-        std::string text;
-    };
-    const std::vector<Case> cases{
+    const std::vector<std::tuple<DWORD, std::string, std::uint32_t, std::string>> cases{
         {REG_DWORD, "\1\2\0\x80"s, 0x80000201, "default"},
         {REG_DWORD, "\7\0\0\0\0"s, 5, "default"},
         {REG_DWORD, std::string(4, '\0'), 0, "default"},
@@ -31,11 +25,11 @@ TEST(Registry, ReadsNumbersAndStrings) {
     };
     Settings settings;
     const SPMRegistry key("xrite i1 Pro3");
-    for (const Case& each : cases) {
-        SCOPED_TRACE(&each - cases.data());
-        settings.set(deviceKey, "Value", each.type, each.data);
-        EXPECT_EQ(key.readNumber("value", 5), each.number);
-        EXPECT_EQ(key.readString("value", "default"), each.text);
+    for (const auto& [type, data, number, text] : cases) {
+        SCOPED_TRACE(data);
+        settings.set(deviceKey, "Value", type, data);
+        EXPECT_EQ(key.readNumber("value", 5), number);
+        EXPECT_EQ(key.readString("value", "default"), text);
         EXPECT_EQ(SPMRegistry().readNumber("Value", 5), 5U) << "in another key";
     }
 }

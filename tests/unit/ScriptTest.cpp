@@ -5,23 +5,16 @@
 
 #include <gtest/gtest.h>
 
-namespace {
-
-const std::filesystem::path sources = SOURCE_FOLDER;
-
-} // namespace
-
 TEST(Script, ReportsErrors) {
     const TempFolder folder;
     const std::string file = (folder / "script.json").string();
     const std::string wrong = (folder / "wrong.jsonl").string();
     writeFile(wrong, "[]");
-    std::filesystem::copy_file(sources / "examples/simulator/recording.jsonl", folder / "recording.jsonl");
+    std::filesystem::copy_file(SOURCE_FOLDER "/examples/simulator/recording.jsonl", folder / "recording.jsonl");
     const std::vector<std::pair<std::string, std::string>> cases{
         {"{\n\"light\": {\"noise\": 0.1,}}", ": parse error at line 2, "},
         {"[]", ": type must be object, but is array"},
         {R"({"lamp": 1})", ": unknown key \"lamp\"; expected one of instruments, chart, "},
-        {R"({"place": "table"})", ": /place: must be "},
         {R"({"instruments": ["SIM1", "SIM1"]})", ": /instruments/1: duplicate serial number"},
         {R"({"chart": "."})", ": /chart: " + (folder / ".").string() + ": "},
         {R"({"chart": "wrong.jsonl"})", ": /chart: the chart " + wrong + ", line 1: 1 fields; expected 37"},
@@ -30,7 +23,6 @@ TEST(Script, ReportsErrors) {
         {R"({"latency": {"Calibrate": 1}})",
          ": /latency/Calibrate: unknown function \"Calibrate\"; expected one of I1"},
         {R"({"faults": [{"unplug": true, "result": 8}]})", ": /faults/0: only \"function\", \"key\" and \"call\" go "},
-        {R"({"faults": [{"times": "often"}]})", ": /faults/0/times: "},
         {R"({"faults": [{"call": 0}]})", ": /faults/0/call: must be a whole number from 1 to 1000000000"},
         {R"({"faults": [{"result": 1}, {}]})", ": /faults/1: an empty fault would apply to every call"},
         {R"({"faults": [{"text": "lamp"}]})", ": /faults/0: \"text\" and \"number\" need a \"result\" other than 0"},
@@ -46,7 +38,7 @@ TEST(Script, ReportsErrors) {
 }
 
 TEST(Script, ExamplesAreValid) {
-    for (const auto& entry : std::filesystem::directory_iterator(sources / "examples/simulator")) {
+    for (const auto& entry : std::filesystem::directory_iterator(SOURCE_FOLDER "/examples/simulator")) {
         if (entry.path().extension() != ".json") continue;
         EXPECT_NO_THROW(simulator::readScript(entry.path())) << entry.path();
     }

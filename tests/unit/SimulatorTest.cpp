@@ -61,7 +61,6 @@ TEST_F(Simulator, MeasuresTheChartWithSlightNoise) {
     const std::string published = readFile(SOURCE_FOLDER "/tests/unit/data/colorchecker24_lab.csv");
     common::CsvReader csv(published, "colorchecker24_lab.csv");
     csv.next();
-    double sum = 0;
     double squares = 0;
     for (std::size_t sample = 0; sample < 24; ++sample) {
         const auto lab = csv.next().value();
@@ -73,11 +72,9 @@ TEST_F(Simulator, MeasuresTheChartWithSlightNoise) {
         const std::vector<float>& measured = read("GetSpectrum", sample);
         for (std::size_t i = 0; i < measured.size(); ++i) {
             const double noise = static_cast<double>(measured[i]) - chart[sample].reflectance.at(i);
-            sum += noise;
             squares += noise * noise;
         }
     }
-    EXPECT_NEAR(sum / 24 / 36, 0, 0.00001);
     EXPECT_NEAR(std::sqrt(squares / 24 / 36), 0.0001, 0.00001);
 }
 

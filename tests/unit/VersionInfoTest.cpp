@@ -81,11 +81,7 @@ TEST(VersionInfo, ReplacesWhatWasLoadedBefore) {
 }
 
 TEST(VersionInfo, SelectsTheUsersLanguage) {
-    struct Case {
-        std::array<LANGID, 3> table;
-        LANGID chosen;
-    };
-    const std::vector<Case> cases{
+    const std::vector<std::pair<std::array<LANGID, 3>, LANGID>> cases{
         {{0x0409, 0x0C07, 0x0407}, 0x0407}, // the user's language
         {{0x0409, 0x0C07, 0x0807}, 0x0C07}, // the first with the same primary language
         {{0x0000, 0x0409, 0x0107}, 0x0107}, // the primary language is the low 8 bits

@@ -7,48 +7,32 @@
 
 namespace fs = std::filesystem;
 
-namespace {
-
-/// Puts spm, the module and the SDK library in separate folders. That of the SDK library is the working folder and on
-/// the path.
-class SafeLoading : public testing::Test {
-protected:
-    SafeLoading() {
-        for (const char* name : {"program", "module", "planted"}) {
-            fs::create_directory(folder / name);
-        }
-        fs::copy_file(common::programFolder() / "spm.exe", folder / "program" / "spm.exe");
-        fs::copy_file(common::programFolder() / common::moduleFileName, module);
-        plant("planted");
-        fs::current_path(folder / "planted");
-    }
-    ~SafeLoading() override { fs::current_path(earlier); }
-
-    void plant(const std::string& name) {
-        fs::copy_file(common::programFolder() / common::sdkFileName, folder / name / common::sdkFileName);
-    }
-
-    int measure() {
+// spm, the module and the SDK library are in separate folders. That of the SDK library is the working folder and on the
+// path.
+TEST(SafeLoading, LoadsTheSdkOnlyFromTheModulesFolder) {
+    const TempFolder folder;
+    const fs::path module = folder / "module" / common::moduleFileName;
+    const EnvironmentVariable path("PATH", (folder / "planted").string() + ";" + std::getenv("PATH"));
+    const auto plant = [&](const std::string& name, const std::string& file) {
+        fs::create_directory(folder / name);
+        fs::copy_file(common::programFolder() / file, folder / name / file);
+    };
+    const auto measure = [&] {
         return run(folder / "program" / "spm.exe", {"measure", "--module", module.string()},
                    {folder / "out", folder / "err"});
-    }
-
-    std::string errors() const { return readText(folder / "err"); }
-
+    };
+    plant("program", "spm.exe");
+    plant("module", common::moduleFileName);
+    plant("planted", common::sdkFileName);
     const fs::path earlier = fs::current_path();
-    TempFolder folder;
-    const fs::path module = folder / "module" / common::moduleFileName;
-    EnvironmentVariable path{"PATH", (folder / "planted").string() + ";" + std::getenv("PATH")};
-};
-
-} // namespace
-
-TEST_F(SafeLoading, LoadsTheSdkOnlyFromTheModulesFolder) {
+    fs::current_path(folder / "planted");
     EXPECT_EQ(measure(), 1) << "loaded from the working folder or the path";
-    EXPECT_NE(errors().find(module.string()), std::string::npos) << errors();
-    EXPECT_NE(errors().find(" (error 126); "), std::string::npos) << errors();
-    plant("program");
+    const std::string errors = readText(folder / "err");
+    EXPECT_NE(errors.find(module.string()), std::string::npos) << errors;
+    EXPECT_NE(errors.find(" (error 126); "), std::string::npos) << errors;
+    plant("program", common::sdkFileName);
     EXPECT_EQ(measure(), 1) << "loaded from the program's folder";
-    plant("module");
-    EXPECT_EQ(measure(), 0) << errors();
+    plant("module", common::sdkFileName);
+    EXPECT_EQ(measure(), 0) << readText(folder / "err");
+    fs::current_path(earlier);
 }
