@@ -34,12 +34,13 @@ static int describe(SPM_HANDLE handle) {
 }
 
 static int measure(SPM_HANDLE handle) {
-    SPM_CALIBRATION calibration = {0, 0, 0, 0, SPM_STEP_BEGIN};
+    SPM_CALIBRATION calibration;
     SPM_LAB values[3];
     SPM_REFLECTION points[36];
     SPM_SPECTRUM spectrum = {SPM_getNumberOfReflections(handle), points};
     int32_t count = 3;
     EXPECT(!SPM_read(handle, values, &count) && count == 0); /* not calibrated */
+    calibration.step = SPM_STEP_BEGIN;
     SPM_calibrate(handle, &calibration);
     EXPECT(calibration.step == SPM_STEP_CONTINUE && calibration.reference == 1);
     SPM_calibrate(handle, &calibration);
