@@ -15,7 +15,7 @@ constexpr std::array parameterNames{"device", "key", "value", "list", "count", "
 template <Parameter... parameters>
 constexpr std::array parametersOf{parameters...};
 
-constexpr std::array table{
+constexpr std::array allSignatures{
 #define SDK_FUNCTION(name, declaration, ...) Signature{"I1PRO3_" #name, parametersOf<__VA_ARGS__>},
 #include "simulator/SdkFunctions.inc"
 #undef SDK_FUNCTION
@@ -23,10 +23,10 @@ constexpr std::array table{
 
 } // namespace
 
-constexpr std::span<const Signature> signatures = table;
+constexpr std::span<const Signature> signatures = allSignatures;
 
 const Signature& signatureOf(Function function) {
-    return table.at(static_cast<std::size_t>(function));
+    return allSignatures.at(static_cast<std::size_t>(function));
 }
 
 const char* nameOf(Parameter parameter) {

@@ -23,7 +23,7 @@ namespace {
 
 using Words = std::vector<std::string>;
 
-constexpr std::string_view notMeasured = "# NOT_MEASURED";
+constexpr std::string_view missingMark = "# NOT_MEASURED";
 
 /// The keywords whose values begin with the name of a fact.
 const char* keywordOf(const std::string& fact) {
@@ -96,7 +96,7 @@ std::string dataLine(const Run& run, std::size_t place, const Columns& columns) 
     words = withName(run, words, quotedString(patch.name));
     if (!hasIds(run)) words.insert(words.begin(), std::to_string(place));
     if (!patch.reading) {
-        return fmt::format("{}\t{}\t# {}\n", notMeasured, fmt::join(words, "\t"), quotedString(patch.missingReason));
+        return fmt::format("{}\t{}\t# {}\n", missingMark, fmt::join(words, "\t"), quotedString(patch.missingReason));
     }
     return fmt::format("{}\t{}\n", fmt::join(words, "\t"), fmt::join(fieldsOf(patch, columns), "\t"));
 }
@@ -120,8 +120,8 @@ public:
         std::istringstream lines(text);
         std::string line;
         for (int number = 1; !isDone && std::getline(lines, line); ++number) {
-            const bool isMissing = end == "END_DATA" && line.starts_with(notMeasured);
-            Sheet::Row row{fmt::format("line {}", number), split(isMissing ? line.substr(notMeasured.size()) : line)};
+            const bool isMissing = end == "END_DATA" && line.starts_with(missingMark);
+            Sheet::Row row{fmt::format("line {}", number), split(isMissing ? line.substr(missingMark.size()) : line)};
             if (isMissing) row.fields.resize(sheet.titles.fields.size());
             if (!row.fields.empty()) take(std::move(row));
         }

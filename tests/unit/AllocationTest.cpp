@@ -16,8 +16,11 @@ std::size_t firstToFail = SIZE_MAX;
 
 } // namespace
 
+[[gnu::noinline]] void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
+    return ++allocations < firstToFail ? std::malloc(size) : nullptr;
+}
 [[gnu::noinline]] void* operator new(std::size_t size) {
-    void* const memory = ++allocations < firstToFail ? std::malloc(size) : nullptr;
+    void* const memory = operator new(size, std::nothrow);
     return memory != nullptr ? memory : throw std::bad_alloc();
 }
 
