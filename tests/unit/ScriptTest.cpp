@@ -13,7 +13,6 @@ TEST(Script, ReportsErrors) {
     std::filesystem::copy_file(SOURCE_FOLDER "/examples/simulator/recording.jsonl", folder / "recording.jsonl");
     const std::vector<std::pair<std::string, std::string>> cases{
         {"{\n\"light\": {\"noise\": 0.1,}}", ": parse error at line 2, "},
-        {"[]", ": type must be object, but is array"},
         {R"({"lamp": 1})", ": unknown key \"lamp\"; expected one of instruments, chart, "},
         {R"({"instruments": ["SIM1", "SIM1"]})", ": /instruments/1: duplicate serial number"},
         {R"({"chart": "."})", ": /chart: " + (folder / ".").string() + ": "},
@@ -23,7 +22,6 @@ TEST(Script, ReportsErrors) {
         {R"({"latency": {"Calibrate": 1}})",
          ": /latency/Calibrate: unknown function \"Calibrate\"; expected one of I1"},
         {R"({"faults": [{"unplug": true, "result": 8}]})", ": /faults/0: only \"function\", \"key\" and \"call\" go "},
-        {R"({"faults": [{"call": 0}]})", ": /faults/0/call: must be a whole number from 1 to 1000000000"},
         {R"({"faults": [{"result": 1}, {}]})", ": /faults/1: an empty fault would apply to every call"},
         {R"({"faults": [{"text": "lamp"}]})", ": /faults/0: \"text\" and \"number\" need a \"result\" other than 0"},
         {R"({"replay": "wrong.jsonl"})", ": /replay: " + wrong + ", line 1: not a trace; "},

@@ -126,7 +126,6 @@ TEST_F(Trace, RejectsMalformedLines) {
                R"(,"result":0,"outputs":)" + outputs + "}";
     };
     const std::vector<std::pair<std::string, std::string>> cases{
-        {"", ", line 1: "},
         {R"({"trace":2})", ", line 1: not a trace; the first line must start with {\"trace\":1"},
         {heading + getDevices + "{", ", line 3: "},
         {lineOf("GetGlobalOption", R"({"key":"K","size":9})", R"({"text":[256]})"),
