@@ -37,7 +37,7 @@ Columns measuredColumns(const Run& run) {
     Columns columns;
     for (const auto& [title, cgatsTitle, value] : coordinates) {
         columns.push_back(
-            {title, cgatsTitle, [value = value](const Patch& patch) { return patch.reading->lab.*value; }});
+            {title, cgatsTitle, [coordinate = value](const Patch& patch) { return patch.reading->lab.*coordinate; }});
     }
     for (std::size_t i = 0; run.withXyz && i < 3; ++i) {
         const std::string title(1, "XYZ"[i]);
@@ -65,8 +65,8 @@ Columns comparisonColumns(const Run& run) {
     Columns columns{comparisonColumn(run, "CIEDE2000", &Difference::deltaE)};
     for (const auto& [prefix, lab] : {std::pair("d", &Difference::delta), {"expected_", &Difference::expected}}) {
         for (const auto& [title, cgatsTitle, value] : coordinates) {
-            const auto pick = [lab = lab, value = value](const Difference& difference) {
-                return difference.*lab.*value;
+            const auto pick = [member = lab, coordinate = value](const Difference& difference) {
+                return difference.*member.*coordinate;
             };
             columns.push_back(comparisonColumn(run, std::string(prefix) + title, pick));
         }
