@@ -33,8 +33,7 @@ inline constexpr std::string_view spectralPrefix = "SPECTRAL_NM";
 Columns measuredColumns(const Run& run);
 /// Reflectance in percent; no columns without spectra.
 Columns spectralColumns(const Run& run);
-/// The difference by the formula, the differences in L*, a* and b*, and the expected values; no columns without a
-/// reference.
+/// The differences: CIEDE2000, and in L*, a* and b*. Then the expected values. No columns without a reference.
 Columns comparisonColumns(const Run& run);
 
 Columns allColumns(const Run& run);

@@ -65,8 +65,7 @@ Run readRun(const std::filesystem::path& file, std::string_view what);
 
 /// Reads expected values.
 /// @param conditions  those of the values to compare with; what the file says about its own must not differ
-/// @throws Error  like readRun; also if a name is not unique, or a value is
-///         missing or not from -500 to 500
+/// @throws Error  like readRun; also if a name is not unique or a value is missing
 Reference readReference(const std::filesystem::path& file, const Conditions& conditions);
 
 } // namespace spm

@@ -27,6 +27,11 @@ def hang_up(spm):
     spm.ptyproc.fileobj.close()  # pexpect's own way would kill spm if it doesn't end at once
 
 
+def reset_signals():
+    for each in (signal.SIGINT, signal.SIGHUP):  # ignored in a shell's background job, or by nohup
+        signal.signal(each, signal.SIG_DFL)
+
+
 def kill(spm):
     spm.kill(signal.SIGKILL)
 
@@ -74,7 +79,7 @@ class Terminal(unittest.TestCase):
         settings = {"I1PRO3_SIMULATOR": f"{folder}/script.json", "SPM_REGISTRY": f"{folder}/settings.reg"}
         spm = pexpect.spawn(SPM, ["measure", "--rows", "2", "--patches", "2", *options], cwd=folder, timeout=10,
                             env=os.environ | settings, encoding="utf-8",
-                            preexec_fn=lambda: signal.signal(signal.SIGINT, signal.SIG_DFL))
+                            preexec_fn=reset_signals)
         for text, action in steps:
             spm.expect_exact(text)
             if callable(action):
