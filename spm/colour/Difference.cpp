@@ -75,7 +75,7 @@ double rotation(double chroma, double hue) {
     return -sine(2 * angle) * 2 * saturation(chroma);
 }
 
-double deltaE(const Colour& sample, const Colour& reference) {
+double ciede2000(const Colour& sample, const Colour& reference) {
     const double lightness = (sample.lightness + reference.lightness) / 2;
     const double chroma = (sample.chroma + reference.chroma) / 2;
     const double halfArc = hueDifference(sample, reference) / 2;
@@ -92,7 +92,7 @@ double deltaE(const Colour& sample, const Colour& reference) {
 
 double deltaE(const SPM_LAB& sample, const SPM_LAB& reference) {
     const double factor = 1 + 0.5 * (1 - saturation((chromaOf(sample) + chromaOf(reference)) / 2));
-    return deltaE(toPrimed(sample, factor), toPrimed(reference, factor));
+    return ciede2000(toPrimed(sample, factor), toPrimed(reference, factor));
 }
 
 } // namespace spm
