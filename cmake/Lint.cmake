@@ -1,8 +1,8 @@
 # The target "lint" checks the format of all sources and runs static analysis on those of this build; the Windows build
 # analyses only the sources that a native build doesn't compile. In a unity build, which the presets "asan" and "windows"
-# are, the headers are analysed once for all sources of a library. Benchmarks, examples and the host for Visual C++ belong to other
-# builds and are not analysed. Both tools find and format other things in each release, so lint needs the one that the
-# rules were written for.
+# are, the headers are analysed once for all sources of a library. Benchmarks, examples and the host for Visual C++ belong
+# to other builds and are not analysed. Both tools find and format other things in each release, so lint needs the one
+# that the rules were written for.
 set(lint_release 14)
 foreach(tool clang-format run-clang-tidy clang-tidy)
     string(MAKE_C_IDENTIFIER ${tool} program)
